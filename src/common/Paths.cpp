@@ -1,0 +1,45 @@
+#include "common/Paths.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+static QString& Root()
+{
+    static QString strRoot;
+    return strRoot;
+}
+
+void CPaths::SetHomeFolder(const QString& strFolder)
+{
+    Root() = strFolder.isEmpty() || strFolder == HOME_FOLDER ? QString() : QDir(strFolder).absolutePath();
+}
+
+QString CPaths::HomeFolder()
+{
+    return Root().isEmpty() ? HOME_FOLDER : Root();
+}
+
+QString CPaths::Map(const QString& strPath)
+{
+    if (Root().isEmpty()) return strPath;
+    if (strPath == HOME_FOLDER || strPath.startsWith(HOME_FOLDER + QLatin1Char('/')))
+        return Root() + strPath.mid(HOME_FOLDER.size());
+    return strPath;
+}
+
+QString CPaths::Establish()
+{
+    if (Root().isEmpty() && !QFileInfo(HOME_FOLDER).isWritable())
+        SetHomeFolder(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                      QStringLiteral("/vantor"));
+    QDir().mkpath(Map(WORKING_FOLDER));
+    return HomeFolder();
+}
+
+bool ReplaceFile(const QString& strPath, const QByteArray& content)
+{
+    QSaveFile file(strPath);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+}

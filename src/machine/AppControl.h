@@ -1,0 +1,158 @@
+#pragma once
+#include "common/MachineTypes.h"
+#include "common/OperatorScreen.h"
+#include "common/Shared.h"
+#include "config/AppConfig.h"
+#include "motion/MachineAxes.h"
+
+#include <QMutex>
+#include <QString>
+#include <QThread>
+
+#include <string>
+#include <vector>
+
+enum eOperation
+{
+    OP_NONE = 0,
+    OP_WORK_HOME = 1,
+    OP_MCH_HOME = 2,
+    OP_SHAPES = 3,
+    OP_IMG_CARVING = 4,
+    OP_GCODE = 5,
+    OP_Z_PROBE = 6,
+    OP_Z_PROFILE = 7
+};
+
+using GCodeTokens = std::vector<std::string>;   // of one line, 8-bit characters
+using GCodeProgram = std::vector<GCodeTokens>;
+
+// All of one arc, mm.
+struct stGCodeEllipseInfo
+{
+    stFloatPoint stStart, stEnd, stCenter;
+    bool bFullCircle = false;
+    double fRadius = 0.0;
+    eDirection eDir = DIR_CW;   // G02 clockwise, G03 counter-clockwise
+};
+
+// The machine: the five axes, and one operation at a time on a thread of its own. The interface thread calls a
+// Start... operation, which records the job and starts the thread; run does it; AfterOperationFinish tidies up and
+// raises m_bOperationFinished, which the supervision loop sees. Refusals and failures are texts in m_lstErrMsg.
+// mm and mm/s. The virtual operations are what a test or a recording watches.
+class AppControl : public QThread, public CMachineAxes
+{
+    Q_OBJECT
+
+public:
+    explicit AppControl(QObject* pParent = nullptr);
+    ~AppControl() override;
+
+    // ---- Operations; interface thread ----
+    bool InitMachine();
+    bool StartWorkHomingSequence();
+    bool StartMchHomingSequence();
+    void StartZ0usingZProbeSeq();
+    void RunZProfile();
+    void StartGCode(const GCodeProgram* pProgram);
+    void StartExecGCodeLine(const GCodeProgram* pProgram, int iLine);
+    // Everything stands at once, without a ramp; a paused job is abandoned.
+    void StopAll();
+
+    // ---- Any thread ----
+    bool IsMachineIdle() const;
+    double GetCurPos(eAxis axis) const { return m_AxisCtrl[axis].GetCurPos(); }
+    QString GetAxisErrMsg(eAxis axis) const { return m_AxisCtrl[axis].GetErrorMsg(); }
+    void Stop(eAxis axis) { m_AxisCtrl[axis].Stop(); }
+    void DeccelerateAxis(eAxis axis) { m_AxisCtrl[axis].DeccelerateAxis(); }
+    QString GetErrMsg();   // takes the newest; empty when there is none
+    QString GetInfoMsg();
+    void PushErrMsg(const QString& strMsg);
+    void PushInfoMsg(const QString& strMsg);
+    static void WriteLog(QString strText);
+
+    // ---- Homing, work zero, probe ----
+    bool GetHomeDone() const;
+    void SetMchHome();
+    void ClearHome();
+    void AutoHomingFinished();
+    bool MoveAxisHome(eAxis axis, bool bWait);
+    bool MoveWorkZero(eAxis axis, bool bWait);
+    void MoveZSafePos();
+    bool MoveAbs(eAxis axis, double fPos);
+    bool MoveRel(eAxis axis, double fDist);
+    void JogPos(eAxis axis);
+    void JogNeg(eAxis axis);
+    bool SetWorkZero(eAxis axis);
+    void SetWorkZero();
+    virtual bool MoveWorkZeroAll();   // worker
+    void MoveMchHomeAll();            // worker
+    void SetZ0usingZProbe();          // worker
+
+    // ---- Spindle ----
+    void TurnOnOffSpindle(bool bOn, eDirection eDir);
+    virtual void SetSpindleSpeed(int iSpeed);   // worker
+
+    // ---- Moves; worker ----
+    virtual bool G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait);
+    virtual bool G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait);
+    virtual bool SetAccAndVel(stFloatPoint from, stFloatPoint to, eGMoveCmnd eCmnd);
+    virtual bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait);
+    virtual bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait);
+    virtual void SetAxisFeed(double fFeed);
+    bool ExecuteMovCmnd(stFloatPoint from, stFloatPoint to, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd);
+    bool GetPosToMov(unsigned int uLine, stFloatPoint& pos);
+    void ToMchCoord(stFloatPoint& pos) const;
+    void GetAllAxisCurPos(stFloatPoint& pos) const;
+    void ResetAccVel();
+    bool WaitForMotionFinish(const signed char* pSelection);
+
+    // ---- Arcs and surface; worker ----
+    virtual bool CutArc(unsigned int uLine, stGCodeEllipseInfo& info);
+    static void FindArcCenter(stGCodeEllipseInfo& info);
+    bool G02_G03_Move(stGCodeEllipseInfo* pInfo);
+    bool ZProfileMove(stFloatPoint start, stFloatPoint& end);
+    void CreateZProfile();
+
+    // ---- Program; worker ----
+    void RunGCode();
+    bool ExecGCodeLine(int iLine);
+    static GCodeTokens Parse_GCode_Line(const QString& strLine);
+    static void AutoSaveGCodeExecStatus(QString strFile, int iLine);
+
+    CShared<bool> m_bExecSingleLine = false;
+    qint32 m_iSingleLineNo = 0;
+    const GCodeProgram* m_pGCodeProgram = nullptr;   // owned by the caller
+    CShared<qint32> m_eOperation = OP_NONE;          // until the interface has taken note of the end
+    CShared<bool> m_bPause = false;                  // moves wait while it is set
+    CShared<bool> m_bOperationFinished = false;
+    CShared<bool> m_bStartBtnPressRequest = false;   // M00, M01: draw Start as pressed
+    CShared<bool> m_bToolChangePause = false;        // a tool change asks for the pause
+    static CShared<bool> m_bWritingGCodeExecStatusFile;
+
+    qint32 m_iCurGCodeLine = 0;
+    stFloatPoint m_CurGCodePos;
+    double m_fUnitFactor = 1.0;     // 25.4 after G20
+    double m_fLastPrgmFeed = 0.0;   // as written
+    std::string m_strSelTool;       // the last T word as written
+    static constexpr qint32 m_iMaxSubPrgmNesting = 6;
+    std::vector<int> m_lstSubPrgmRetLine, m_lstSubPrgmStartLine;
+    std::vector<unsigned> m_lstSubPrgmRepeats;
+
+    QList<QString> m_lstErrMsg, m_lstInfoMsg;   // newest last; guarded on both sides
+    mutable QMutex m_MsgMutex;
+
+signals:
+    void AddMsg(QString strMsg, eAppMsgType eType);
+    void SelNxtGCodeLine(unsigned int uLine);
+
+protected:
+    void run() override;
+    void AfterOperationFinish();
+
+private:
+    // An emergency stop, or a paused job that was given up: wherever the worker asks the one it asks the other.
+    bool IsStopRequested() const { return AppConfig::m_bEmergencyStopON || m_bAbandoned; }
+    CShared<bool> m_bAbandoned = false;
+    bool StartOperation(eOperation eCode);
+};

@@ -1,0 +1,49 @@
+#pragma once
+#include "common/MachineTypes.h"
+#include "common/Shared.h"
+#include "motion/MachineAxes.h"
+
+#include <QElapsedTimer>
+
+// Makes the pulses of all axes of a coordinated move from one thread, on one clock. There is no interpolator here: the
+// caller gives each axis its own tables and pulse counts, chosen so that all end together, and this loop fires every
+// axis's edges at their times. It has no pause, no limit and no ramp of its own: a move runs to its end, or stops dead
+// with StopAutoMode.
+//
+// For each move the worker waits until GetMotionState is false, builds tables, sets m_lstAxisToMov and calls
+// SetAxisMovParams for each axis that goes further than one step, then StartMotion.
+class CAllAxisCtrl
+{
+public:
+    // Starts the thread. Waits first until a loop that was told to stop has gone; if one still runs it starts none.
+    static void StartAutoMode(CMachineAxes* pAxes);
+    static void StopAutoMode() { m_bAutoMode = false; }
+    // Hands the prepared move over. False: the auto mode does not run.
+    static bool StartMotion();
+    // A move is requested or running.
+    static bool GetMotionState() { return m_bStartMotion; }
+    // Spins until no move is requested or running, or the auto mode has ended.
+    static void WaitForMotion();
+    // Sleeps until the loop has really gone.
+    static void WaitForAutoModeEnd();
+    // The thread function.
+    static void RunAutoMode();
+
+    static CMachineAxes* m_pAppCtrl;
+    static CShared<bool> m_bAutoMode;          // the loop shall keep running
+    static CShared<bool> m_bStartMotion;       // publishes a move, both ways
+    static CShared<bool> m_bAutoModeRunning;   // from the hand-over on
+    static stAxisToMove m_lstAxisToMov;
+
+private:
+    friend class CAutoModeRun;
+    // The tracks of one move; X, Y, Z, and A and B on a machine of five axes.
+    struct stMove
+    {
+        stAxisTrack tracks[MAX_AXES];
+        size_t uAxes = 0;
+    };
+    template <class Clock> static void PrepareMove(stMove& move, Clock& clock);
+    static void EndMove() { m_bStartMotion = false; }
+    static void EndAutoMode();
+};

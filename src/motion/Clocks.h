@@ -1,0 +1,128 @@
+#pragma once
+#include "common/VirtualTime.h"
+#include "hardware/RpiGpio.h"
+#include "motion/PulseLoops.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+// The clock of the machine: spins on QElapsedTimer.
+class CSpinClock
+{
+public:
+    explicit CSpinClock(QElapsedTimer& timer) : m_Timer(timer) {}
+    void start() { m_Timer.start(); }
+    qint64 nsecsElapsed() const { return m_Timer.nsecsElapsed(); }
+    void Hold(double fNs) const
+    {
+        const qint64 lFrom = m_Timer.nsecsElapsed();
+        while (static_cast<double>(m_Timer.nsecsElapsed() - lFrom) < fNs) {
+        }
+    }
+
+private:
+    QElapsedTimer& m_Timer;
+};
+
+// What the clocks of a dry run share: the events that touch a running loop. No clock jumps over such an event; it is
+// applied to this loop only, and later, by the worker, to everything else.
+class CDryClock
+{
+public:
+    CDryClock(CVirtualTime& time, int iRun, qint64 lStart, CShared<bool>& bRun)
+        : m_Time(time), m_iRun(iRun), m_lStart(lStart), m_bRun(bRun)
+    {
+        FindNextEvent(0);
+    }
+    qint64 Now() const { return m_lNow; }
+    qint64 AbsoluteNow() const { return m_lStart + m_lNow; }
+
+protected:
+    // Moves to lTo (ns since the start), or no further where an event ends the loop.
+    void JumpTo(qint64 lTo)
+    {
+        if (lTo >= m_lEvent) PassEvents(lTo);
+        m_lNow = lTo;
+        m_Time.SetEdgeTime(m_lStart + lTo);
+        if (m_Time.IsInterrupted()) m_bRun.SetRelaxed(false);
+    }
+    // The same for a loop whose edges due at the time of an event, or later, must not be made.
+    void JumpBefore(qint64 lTo)
+    {
+        if (m_Time.IsInterrupted()) m_bRun.SetRelaxed(false);
+        if (lTo >= m_lEvent) {
+            PassEvents(lTo);
+            if (!m_bRun.Relaxed()) return;
+        }
+        m_lNow = lTo;
+        m_Time.SetEdgeTime(m_lStart + lTo);
+    }
+
+private:
+    void PassEvents(qint64 lTo)
+    {
+        const auto& events = m_Time.Events();
+        for (; m_uNext < events.size() && events[m_uNext].lAt - m_lStart <= lTo; ++m_uNext)
+            if (events[m_uNext].fnLoop) {
+                m_lStopped = std::max(m_lNow, events[m_uNext].lAt - m_lStart);
+                events[m_uNext].fnLoop(m_iRun, m_bRun);
+                if (!m_bRun.Relaxed()) break;
+            }
+        FindNextEvent(m_uNext);
+    }
+    void FindNextEvent(size_t uFrom)
+    {
+        const auto& events = m_Time.Events();
+        for (m_uNext = uFrom; m_uNext < events.size() && !events[m_uNext].fnLoop; ++m_uNext) {
+        }
+        m_lEvent = m_uNext < events.size() ? events[m_uNext].lAt - m_lStart : std::numeric_limits<qint64>::max();
+    }
+
+    CVirtualTime& m_Time;
+    const int m_iRun;
+    const qint64 m_lStart;
+    CShared<bool>& m_bRun;
+    size_t m_uNext = 0;
+    qint64 m_lEvent = 0;
+
+protected:
+    qint64 m_lNow = 0, m_lStopped = 0;
+};
+
+// One axis: a wait ends at the first whole ns not below the time asked for.
+class CDryAxisClock : public CDryClock
+{
+public:
+    using CDryClock::CDryClock;
+    void start() { JumpTo(0); }
+    qint64 nsecsElapsed() const { return m_lNow; }
+    void Hold(double fNs) { JumpTo(m_lNow + std::max<qint64>(0, static_cast<qint64>(std::ceil(fNs)))); }
+};
+
+// A coordinated move: between rounds the clock jumps to the next edge that is due.
+class CDryMoveClock : public CDryClock
+{
+public:
+    CDryMoveClock(CVirtualTime& time, qint64 lStart, CShared<bool>& bRun, std::span<const stAxisTrack> tracks)
+        : CDryClock(time, 0, lStart, bRun), m_Tracks(tracks)
+    {
+    }
+    void start() { JumpTo(0); }
+    qint64 nsecsElapsed()
+    {
+        quint64 uNext = std::numeric_limits<quint64>::max();
+        for (const stAxisTrack& t : m_Tracks)
+            if (!t.bDone && t.uNextEdge < uNext) uNext = t.uNextEdge;
+        if (uNext != std::numeric_limits<quint64>::max()) JumpBefore(std::max(m_lNow, static_cast<qint64>(uNext)));
+        return m_lNow;
+    }
+    void Hold(double) const {}
+    // When the loop was over: the time of the event that stopped it, otherwise its last reading.
+    qint64 End() const { return std::max(m_lNow, m_lStopped); }
+
+private:
+    std::span<const stAxisTrack> m_Tracks;
+};
