@@ -151,8 +151,26 @@ protected:
     void AfterOperationFinish();
 
 private:
+    friend class CGCodeLineExec;
     // An emergency stop, or a paused job that was given up: wherever the worker asks the one it asks the other.
     bool IsStopRequested() const { return AppConfig::m_bEmergencyStopON || m_bAbandoned; }
+    // Holds the worker while the pause is set. False: the job was stopped meanwhile.
+    bool WaitWhilePaused();
+    // The words of a line that a move takes: coordinates, F and S. REFUSED: told, and the run ends before the line moves.
+    enum class eWords
+    {
+        NONE,
+        COORDINATES,
+        REFUSED
+    };
+    eWords ReadMoveWords(unsigned int uLine, stFloatPoint& pos);
+    bool TakePrgmFeed(double fFeed, unsigned int uLine);
+    bool ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info);
+    bool SelectAxes(const stFloatPoint& to, const double* pDelta);
+    bool CutOrFollowSurface(stFloatPoint from, stFloatPoint& to);
+    bool SurfaceWalk(stFloatPoint start, stFloatPoint& end);
+    void RunAtcFile(const GCodeProgram& program);
+    bool m_bInAtcFile = false;
     CShared<bool> m_bAbandoned = false;
     bool StartOperation(eOperation eCode);
 };
