@@ -52,8 +52,8 @@ bool AppControl::ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info)
         } else if (cLetter >= 'I' && cLetter <= 'K') {
             const int axis = cLetter - 'I';
             const double fOffset = fValue * m_fUnitFactor;   // from the start point, in G90 too
-            AxisOf(info.stCenter, axis) = BelowPulse(fOffset, axis) ? m_AxisCtrl[axis].GetCurPos()
-                                                                    : AxisOf(info.stStart, axis) + fOffset;
+            AxisOf(info.stCenter, axis) =
+                BelowPulse(fOffset, axis) ? m_AxisCtrl[axis].GetCurPos() : AxisOf(info.stStart, axis) + fOffset;
         } else if (cLetter == 'R') {
             info.fRadius = fValue * m_fUnitFactor;
             if (BelowPulse(info.fRadius, X_AXIS) || BelowPulse(info.fRadius, Y_AXIS)) {
@@ -134,7 +134,8 @@ bool AppControl::G02_G03_Move(stGCodeEllipseInfo* pInfo)
     stFloatPoint from;
     for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) AxisOf(from, axis) = m_AxisCtrl[axis].GetCurPos();
     // A and B are 0.0 in every point of the chain: wanted. An operator who left them elsewhere is told.
-    if (AppConfig::m_iMchType == 5 && (m_AxisCtrl[A_AXIS].GetCurPosLong() != 0 || m_AxisCtrl[B_AXIS].GetCurPosLong() != 0))
+    if (AppConfig::m_iMchType == 5 &&
+        (m_AxisCtrl[A_AXIS].GetCurPosLong() != 0 || m_AxisCtrl[B_AXIS].GetCurPosLong() != 0))
         COperatorScreen::Get().AddLogMsg(QStringLiteral("Arc moves A-Axis and B-Axis to 0.0000"), MSG_NOTICE);
 
     const double fThird = AxisOf(from, plane.iThird), fThirdEnd = AxisOf(pInfo->stEnd, plane.iThird);
@@ -146,7 +147,8 @@ bool AppControl::G02_G03_Move(stGCodeEllipseInfo* pInfo)
         stFloatPoint point;
         AxisOf(point, plane.iFirst) = chain[n].fFirst;
         AxisOf(point, plane.iSecond) = chain[n].fSecond;
-        const double fSpread = n + 1 == chain.size() ? fThirdEnd : fThird + static_cast<double>(n + 1) * fRise / fPoints;
+        const double fSpread =
+            n + 1 == chain.size() ? fThirdEnd : fThird + static_cast<double>(n + 1) * fRise / fPoints;
         AxisOf(point, plane.iThird) = bHelix ? fSpread : fThird;
         if (!CutOrFollowSurface(from, point)) return false;
         from = point;

@@ -21,7 +21,7 @@ void AppControl::RunGCode()
     stGCodeRunSettings& settings = AppConfig::m_GCodeRunSettings;
     m_fLastPrgmFeed = 0.0;
     ResetAccVel();
-    settings.fFeed = *std::min_element(AppConfig::m_fAxisFeed, AppConfig::m_fAxisFeed + AppConfig::m_iMchType);
+    settings.fFeed = *std::min_element(AppConfig::m_fAxisFeed, AppConfig::m_fAxisFeed + AxesInUse());
     GetAllAxisCurPos(m_CurGCodePos);
     m_lstSubPrgmRetLine.clear();
     m_lstSubPrgmStartLine.clear();
@@ -37,9 +37,8 @@ void AppControl::RunGCode()
         if (settings.bSaveExecStatus && !m_bWritingGCodeExecStatusFile &&
             m_iCurGCodeLine - iLastSaved > LINES_BETWEEN_SAVES) {
             m_bWritingGCodeExecStatusFile = true;
-            RunPooled([strFile = settings.strFile, iLine = m_iCurGCodeLine - 1] {
-                AutoSaveGCodeExecStatus(strFile, iLine);
-            });
+            RunPooled(
+                [strFile = settings.strFile, iLine = m_iCurGCodeLine - 1] { AutoSaveGCodeExecStatus(strFile, iLine); });
             iLastSaved = m_iCurGCodeLine;
         }
         emit SelNxtGCodeLine(static_cast<unsigned>(m_iCurGCodeLine));
@@ -62,8 +61,8 @@ bool AppControl::ExecGCodeLine(int iLine)
     }
 }
 
-// The lines of a tool's file, from the first until one ends it. How it ends is not passed on: an M30 in it ends only the
-// file. Whatever jumps it makes, the program stands where it stood afterwards.
+// The lines of a tool's file, from the first until one ends it. How it ends is not passed on: an M30 in it ends only
+// the file. Whatever jumps it makes, the program stands where it stood afterwards.
 void AppControl::RunAtcFile(const GCodeProgram& program)
 {
     struct stRestore
@@ -144,10 +143,10 @@ bool CGCodeLineExec::Run()
 
 CGCodeLineExec::eNext CGCodeLineExec::Word()
 {
-    static constexpr stLetters LETTERS[] = {
-        {"%(;", &CGCodeLineExec::EndOfWords},  {"G", &CGCodeLineExec::GWord},   {"XYZAB", &CGCodeLineExec::ModalMove},
-        {"IJ", &CGCodeLineExec::ModalArc},     {"F", &CGCodeLineExec::FeedWord}, {"S", &CGCodeLineExec::SpeedWord},
-        {"T", &CGCodeLineExec::ToolWord},      {"M", &CGCodeLineExec::MWord}};
+    static constexpr stLetters LETTERS[] = {{"%(;", &CGCodeLineExec::EndOfWords},  {"G", &CGCodeLineExec::GWord},
+                                            {"XYZAB", &CGCodeLineExec::ModalMove}, {"IJ", &CGCodeLineExec::ModalArc},
+                                            {"F", &CGCodeLineExec::FeedWord},      {"S", &CGCodeLineExec::SpeedWord},
+                                            {"T", &CGCodeLineExec::ToolWord},      {"M", &CGCodeLineExec::MWord}};
     const char cLetter = WordLetter(Token());
     for (const stLetters& entry : LETTERS)
         if (std::string_view(entry.szLetters).find(cLetter) != std::string_view::npos) return (this->*entry.fnDo)();

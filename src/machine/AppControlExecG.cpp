@@ -11,10 +11,10 @@ using Exec = CGCodeLineExec;
 Exec::eNext Exec::GWord()
 {
     // G15, which selects a plane in the compiler, has no action here: wanted, the plane in force is the compiler's.
-    static constexpr stNumbers NUMBERS[] = {{0, 0, &Exec::Rapid},         {1, 1, &Exec::Feed},
-                                            {2, 3, &Exec::Arc},           {17, 19, &Exec::Plane},
-                                            {20, 21, &Exec::Units},       {28, 28, &Exec::ReturnToZero},
-                                            {30, 30, &Exec::WorkZero},    {90, 91, &Exec::AbsoluteOrRelative}};
+    static constexpr stNumbers NUMBERS[] = {{0, 0, &Exec::Rapid},      {1, 1, &Exec::Feed},
+                                            {2, 3, &Exec::Arc},        {17, 19, &Exec::Plane},
+                                            {20, 21, &Exec::Units},    {28, 28, &Exec::ReturnToZero},
+                                            {30, 30, &Exec::WorkZero}, {90, 91, &Exec::AbsoluteOrRelative}};
     m_iNumber = WordInt(Token());
     return Numbered(NUMBERS);
 }

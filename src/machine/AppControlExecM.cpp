@@ -21,12 +21,20 @@ static constexpr qint64 DWELL_STEP_US = 100;
 
 Exec::eNext Exec::MWord()
 {
-    static constexpr stNumbers NUMBERS[] = {
-        {0, 1, &Exec::ProgramStop},     {2, 2, &Exec::EndOfProgram},    {3, 4, &Exec::SpindleOn},
-        {5, 5, &Exec::SpindleOff},      {6, 6, &Exec::ToolChange},      {7, 8, &Exec::CoolantOn},
-        {9, 9, &Exec::CoolantOff},      {30, 30, &Exec::EndOfProgram},  {66, 66, &Exec::WaitWord},
-        {80, 80, &Exec::Output80Off},   {81, 81, &Exec::Output80On},    {97, 98, &Exec::CallSubProgram},
-        {99, 99, &Exec::ReturnFromSubProgram}, {200, 223, &Exec::UserOutput}};
+    static constexpr stNumbers NUMBERS[] = {{0, 1, &Exec::ProgramStop},
+                                            {2, 2, &Exec::EndOfProgram},
+                                            {3, 4, &Exec::SpindleOn},
+                                            {5, 5, &Exec::SpindleOff},
+                                            {6, 6, &Exec::ToolChange},
+                                            {7, 8, &Exec::CoolantOn},
+                                            {9, 9, &Exec::CoolantOff},
+                                            {30, 30, &Exec::EndOfProgram},
+                                            {66, 66, &Exec::WaitWord},
+                                            {80, 80, &Exec::Output80Off},
+                                            {81, 81, &Exec::Output80On},
+                                            {97, 98, &Exec::CallSubProgram},
+                                            {99, 99, &Exec::ReturnFromSubProgram},
+                                            {200, 223, &Exec::UserOutput}};
     CAllAxisCtrl::WaitForMotion();
     if (m_App.IsStopRequested()) return eNext::END_RUN;
     // Skipped altogether in simulation, M2 and M30 too: the run goes on to the last line of the file.
@@ -153,8 +161,8 @@ Exec::eNext Exec::AutoToolChange()
         m_App.PushInfoMsg(QStringLiteral("No Tool Selected. Please use 'T' command before M06"));
         return eNext::WORD;
     }
-    QFile file(
-        CPaths::Map(WORKING_FOLDER + QLatin1Char('/') + QString::fromLatin1(m_App.m_strSelTool) + QStringLiteral(".txt")));
+    QFile file(CPaths::Map(WORKING_FOLDER + QLatin1Char('/') + QString::fromLatin1(m_App.m_strSelTool) +
+                           QStringLiteral(".txt")));
     if (!file.exists()) {
         m_App.PushInfoMsg(QStringLiteral("No ATC commands found. Please check the file, ") + file.fileName() +
                           QStringLiteral(", exists?"));
@@ -165,7 +173,8 @@ Exec::eNext Exec::AutoToolChange()
         return eNext::WORD;
     }
     GCodeProgram program;
-    for (QTextStream stream(&file); !stream.atEnd();) program.push_back(AppControl::Parse_GCode_Line(stream.readLine()));
+    for (QTextStream stream(&file); !stream.atEnd();)
+        program.push_back(AppControl::Parse_GCode_Line(stream.readLine()));
     file.close();
     m_App.RunAtcFile(program);
     return eNext::WORD;
@@ -215,7 +224,8 @@ Exec::eNext Exec::CallSubProgram()
 {
     if (m_App.m_bExecSingleLine) return eNext::WORD;
     if (m_App.m_lstSubPrgmStartLine.size() >= size_t(AppControl::m_iMaxSubPrgmNesting)) {
-        m_App.PushErrMsg(QStringLiteral("Maximum %1 Subprogram nesting is allowed").arg(AppControl::m_iMaxSubPrgmNesting));
+        m_App.PushErrMsg(
+            QStringLiteral("Maximum %1 Subprogram nesting is allowed").arg(AppControl::m_iMaxSubPrgmNesting));
         return eNext::END_RUN;
     }
     const std::string* pTarget = TokenBehind(1);

@@ -14,11 +14,6 @@ static constexpr qint64 PAUSE_POLL_US = 1000000;
 // One sixtieth as this system has it: a feed of 600 a minute is 10.00002 a second.
 static constexpr double PER_MINUTE_TO_PER_SECOND = 0.0166667;
 
-static int AxesInUse()
-{
-    return AppConfig::m_iMchType == 5 ? 5 : 3;
-}
-
 bool AppControl::WaitWhilePaused()
 {
     while (m_bPause) {
@@ -28,26 +23,28 @@ bool AppControl::WaitWhilePaused()
     return true;
 }
 
-bool AppControl::G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
+bool AppControl::MoveFromHere(const stFloatPoint& target, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd)
 {
     CAllAxisCtrl::WaitForMotion();
     stFloatPoint from;
     for (int axis = 0; axis < MAX_AXES; ++axis) AxisOf(from, axis) = m_AxisCtrl[axis].GetCurPos();
-    return ExecuteMovCmnd(from, target, bSetAccVel, bWait, G00_MOVE);
+    return ExecuteMovCmnd(from, target, bSetAccVel, bWait, eCmnd);
+}
+
+bool AppControl::G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
+{
+    return MoveFromHere(target, bSetAccVel, bWait, G00_MOVE);
 }
 
 bool AppControl::G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
 {
-    CAllAxisCtrl::WaitForMotion();
-    stFloatPoint from;
-    for (int axis = 0; axis < MAX_AXES; ++axis) AxisOf(from, axis) = m_AxisCtrl[axis].GetCurPos();
-    return ExecuteMovCmnd(from, target, bSetAccVel, bWait, G01_MOVE);
+    return MoveFromHere(target, bSetAccVel, bWait, G01_MOVE);
 }
 
 bool AppControl::ExecuteMovCmnd(stFloatPoint from, stFloatPoint to, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd)
 {
     if (!WaitWhilePaused() || IsStopRequested()) return false;
-    for (int axis = 0; axis < AppConfig::m_iMchType; ++axis) {
+    for (int axis = 0; axis < AxesInUse(); ++axis) {
         const double fTarget = AxisOf(to, axis);
         if (CUnitConverter::FitsLong(fTarget) && m_AxisCtrl[axis].CheckValidMotion(CUnitConverter::GetLong(fTarget)))
             continue;
@@ -58,7 +55,7 @@ bool AppControl::ExecuteMovCmnd(stFloatPoint from, stFloatPoint to, bool bSetAcc
 
     double delta[MAX_AXES] = {};
     bool bMoves = false;
-    for (int axis = 0; axis < AppConfig::m_iMchType; ++axis) {
+    for (int axis = 0; axis < AxesInUse(); ++axis) {
         delta[axis] = std::abs(CUnitConverter::Distance(AxisOf(from, axis), AxisOf(to, axis)));
         bMoves |= !(delta[axis] < AppConfig::m_fAxisMovPerPulse[axis]);
     }
@@ -71,14 +68,14 @@ bool AppControl::ExecuteMovCmnd(stFloatPoint from, stFloatPoint to, bool bSetAcc
 // Exactly one pulse passes the test above and moves no axis here: the two are strict in opposite senses on purpose.
 bool AppControl::SelectAxes(const stFloatPoint& to, const double* pDelta)
 {
-    for (int axis = 0; axis < AppConfig::m_iMchType; ++axis) {
+    for (int axis = 0; axis < AxesInUse(); ++axis) {
         if (!(pDelta[axis] > AppConfig::m_fAxisMovPerPulse[axis])) continue;
         if (const QString strWhy = m_AxisCtrl[axis].GetBuildError(); !strWhy.isEmpty()) {
             PushErrMsg(strWhy);
             return false;
         }
     }
-    for (int axis = 0; axis < AppConfig::m_iMchType; ++axis) {
+    for (int axis = 0; axis < AxesInUse(); ++axis) {
         const bool bMoves = pDelta[axis] > AppConfig::m_fAxisMovPerPulse[axis];
         CAllAxisCtrl::m_lstAxisToMov[axis] = bMoves;
         if (bMoves && !m_AxisCtrl[axis].SetAxisMovParams(AxisOf(to, axis))) {
@@ -92,10 +89,10 @@ bool AppControl::SelectAxes(const stFloatPoint& to, const double* pDelta)
 namespace {
 // The longest axis, which gets the full feed; of equal ones the earliest, since a later one must be strictly longer.
 // Where the axis chosen so far goes less than a pulse the role is handed on.
-int MainAxis(const std::array<double, MAX_AXES>& delta)
+int MainAxis(const std::array<double, MAX_AXES>& delta, int iAxes)
 {
     int iMain = X_AXIS;
-    for (int axis = Y_AXIS; axis < AxesInUse(); ++axis) {
+    for (int axis = Y_AXIS; axis < iAxes; ++axis) {
         const double fDist = delta[size_t(axis)], fMax = delta[size_t(iMain)];
         if ((fMax < fDist && fDist >= AppConfig::m_fAxisMovPerPulse[axis]) ||
             fMax < AppConfig::m_fAxisMovPerPulse[iMain])
@@ -125,7 +122,7 @@ bool AppControl::SetAccAndVel(stFloatPoint from, stFloatPoint to, eGMoveCmnd eCm
     for (int axis = 0; axis < AxesInUse(); ++axis)
         delta[size_t(axis)] = std::abs(CUnitConverter::Distance(AxisOf(from, axis), AxisOf(to, axis)));
 
-    const int iMain = MainAxis(delta);
+    const int iMain = MainAxis(delta, AxesInUse());
     const bool bPrgmFeed = m_eOperation == OP_GCODE && AppConfig::m_GCodeRunSettings.bUsePrgmFeed;
     const double fFeed = PlannedFeed(eCmnd, bPrgmFeed, iMain);
     const double fAcc = AppConfig::m_fAxisAcc[iMain];

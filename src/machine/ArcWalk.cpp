@@ -100,8 +100,7 @@ bool WalkArc(const stArcShape& arc, std::vector<stArcPoint>& points, QString& st
         const double fOff = fFirst - center.fFirst;
         const double fSign = (iDir == 1) == (arc.eDir == DIR_CW) ? 1.0 : -1.0;
         points.push_back(
-            {fFirst, iDir == 0 ? fTurn
-                               : Round4(fSign * std::sqrt(std::abs(fSquare - fOff * fOff)) + center.fSecond)});
+            {fFirst, iDir == 0 ? fTurn : Round4(fSign * std::sqrt(std::abs(fSquare - fOff * fOff)) + center.fSecond)});
         return true;
     });
     points.push_back({walk.fEnd, arc.end.fSecond});
@@ -113,8 +112,8 @@ double Round4(double fValue)
 {
     // The product is wrong by at most 2^-53 of itself. Below this size that is less than the distance from the half
     // that is asked for, so the nearest whole number is certain, and its quotient is the double nearest to the decimal.
-    constexpr double SAFE_SIZE = 1099511627776.0;        // 2^40
-    constexpr double SAFE_DISTANCE = 1.0 / 4096.0;       // 2^-12
+    constexpr double SAFE_SIZE = 1099511627776.0;    // 2^40
+    constexpr double SAFE_DISTANCE = 1.0 / 4096.0;   // 2^-12
     const double fUnits = fValue * DECIMAL_MULTIPLYER;
     const double fDown = std::floor(fUnits);
     const double fRest = fUnits - fDown;

@@ -3,9 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <string>
-
 #include <locale.h>
+#include <string>
 
 // Reading the words of a tokenized program: a letter and its value as text. A value becomes a number each time that it
 // is used; text that is no number counts as 0, as much as is one counts.
