@@ -183,4 +183,25 @@ private:
     bool SendHome(eAxis axis);
     bool ApproachSensorsSlowly();
     bool CheckNewWorkZero(eAxis axis, qint64& lMachinePos);
+
+    // Program, worker.
+    friend class CGCodeLineExec;
+    // Holds the worker while the pause is set. False: the job was stopped meanwhile.
+    bool WaitWhilePaused();
+    // The words of a line that a move takes: coordinates, F, S. REFUSED: told, and the run ends before the line moves.
+    enum class eWords
+    {
+        NONE,
+        COORDINATES,
+        REFUSED
+    };
+    eWords ReadMoveWords(unsigned int uLine, stFloatPoint& pos);
+    bool TakePrgmFeed(double fFeed, unsigned int uLine);
+    bool ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info);
+    bool MoveFromHere(const stFloatPoint& target, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd);
+    bool SelectAxes(const stFloatPoint& to, const double* pDelta);
+    bool CutOrFollowSurface(stFloatPoint from, stFloatPoint& to);
+    bool SurfaceWalk(stFloatPoint start, stFloatPoint& end);
+    void RunAtcFile(const GCodeProgram& program);
+    bool m_bInAtcFile = false;
 };
