@@ -28,15 +28,16 @@ void CEdgeRecording::OnEdge(int iAxis, ePinRole eRole, int iLevel, qint64 lCarri
 {
     size_t uSource = SOURCE_WORKER;
     if (eRole == ROLE_PULSE)
-        uSource = m_Axes.m_AxisCtrl[iAxis].m_bThreadIdle ? SOURCE_COORDINATED : SOURCE_AXES + static_cast<size_t>(iAxis);
+        uSource =
+            m_Axes.m_AxisCtrl[iAxis].m_bThreadIdle ? SOURCE_COORDINATED : SOURCE_AXES + static_cast<size_t>(iAxis);
     const qint32 lPos = PositionBehind(uSource, iAxis, iLevel);
 
     const CVirtualTime* pTime = CVirtualTime::Current();
     const std::lock_guard lock(m_Mutex);
     // Read under the lock: what comes later is not earlier.
     const qint64 lNow = pTime ? pTime->EdgeTime() : CWait::Now() - m_lBegin;
-    m_Queues[uSource].Push({lNow, lCarriage, lPos, static_cast<quint8>(iAxis), static_cast<quint8>(eRole),
-                            static_cast<quint8>(iLevel)});
+    m_Queues[uSource].Push(
+        {lNow, lCarriage, lPos, static_cast<quint8>(iAxis), static_cast<quint8>(eRole), static_cast<quint8>(iLevel)});
 }
 
 void CEdgeRecording::WriteUntil(qint64 lTime)

@@ -33,5 +33,5 @@ private:
     CCsvWriter m_Csv;
     std::mutex m_Mutex;   // around queues and file: several threads write pins on the real clock
     std::array<CEdgeQueue, SOURCES> m_Queues;
-    qint64 m_lBegin = 0;   // ns, zero of the real clock
+    qint64 m_lBegin = 0;   // ns, zero of the times
 };

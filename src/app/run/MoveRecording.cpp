@@ -12,12 +12,14 @@ static constexpr const char* g_szAxes[MAX_AXES] = {"X", "Y", "Z", "A", "B"};
 
 bool CMoveRecording::Open(const QString& strPath)
 {
+    m_lBegin = CWait::Now();
     std::string strHeader = "number,line,mode";
     for (const char* szWhat : {"from", "to", "reached"})
         for (int axis = 0; axis < AppConfig::m_iMchType; ++axis)
             strHeader += std::string(",") + szWhat + "_" + g_szAxes[axis];
     for (int axis = 0; axis < AppConfig::m_iMchType; ++axis)
-        for (const char* szWhat : {"acc", "const", "dec"}) strHeader += std::string(",") + szWhat + "_" + g_szAxes[axis];
+        for (const char* szWhat : {"acc", "const", "dec"})
+            strHeader += std::string(",") + szWhat + "_" + g_szAxes[axis];
     return m_Csv.Open(strPath, strHeader + ",start_ns,end_ns");
 }
 

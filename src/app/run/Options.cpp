@@ -125,8 +125,8 @@ const std::vector<stOption>& Table()
          "coordinates as the run begins. Flat at 0 without it",
          Text(&O::strSurface)},
         {"--probe-z0", nullptr, "sets Z0 with the probe before anything else is done", Flag(&O::bProbeZ0)},
-        {"--make-z-profile", "FILE",
-         "measures the surface (m_ZProfileInfo), saves it, and the job follows it", Text(&O::strMakeZProfile)},
+        {"--make-z-profile", "FILE", "measures the surface (m_ZProfileInfo), saves it, and the job follows it",
+         Text(&O::strMakeZProfile)},
         {"--z-profile", "FILE", "loads a saved profile, and the job follows it", Text(&O::strZProfile)},
         {"--tool-change-time", "S", "a tool change is answered after S seconds of the machine (0)", SetToolChangeTime},
         {"--input", "N=LEVEL@S",
@@ -218,32 +218,36 @@ bool COptions::Parse(const QStringList& arguments, stRunOptions& options, QStrin
 QString COptions::Help()
 {
     static constexpr int COLUMN = 26;
-    QString strHelp = QStringLiteral("Usage: vantor-run JOB [OPTIONS]\n"
-                                     "\n"
-                                     "Runs a G-code program without a display, on a virtual machine: a dry run, exact and as fast\n"
-                                     "as the computer allows. JOB is a program file; \"-\" is standard input. It may be left out with\n"
-                                     "--homing, --probe-z0 and --make-z-profile.\n"
-                                     "\n"
-                                     "Options:\n");
+    QString strHelp = QStringLiteral(
+        "Usage: vantor-run JOB [OPTIONS]\n"
+        "\n"
+        "Runs a G-code program without a display, on a virtual machine: a dry run, exact and as fast\n"
+        "as the computer allows. JOB is a program file; \"-\" is standard input. It may be left out with\n"
+        "--homing, --probe-z0 and --make-z-profile.\n"
+        "\n"
+        "Options:\n");
     for (const stOption& option : Table()) {
         QString strName = QStringLiteral("  ") + QLatin1String(option.szName);
         if (option.szValue) strName += QLatin1Char(' ') + QLatin1String(option.szValue);
         const QStringList lines = QString::fromLatin1(option.szHelp).split(QLatin1Char('\n'));
         for (qsizetype n = 0; n < lines.size(); ++n)
-            strHelp += (n == 0 ? strName : QString()).leftJustified(COLUMN) + QStringLiteral("  ") + lines[n] + QLatin1Char('\n');
+            strHelp += (n == 0 ? strName : QString()).leftJustified(COLUMN) + QStringLiteral("  ") + lines[n] +
+                       QLatin1Char('\n');
     }
     return strHelp +
-           QStringLiteral("\n"
-                          "Lengths are mm, times seconds of the machine, line numbers 1-based; an \"Error:\" of the system keeps\n"
-                          "its own zero-based number behind FILE:LINE. Results go to standard output, progress and messages to\n"
-                          "standard error.\n"
-                          "\n"
-                          "--moves: number, line, mode, then from, to and reached (mm) and acceleration, constant and\n"
-                          "deceleration pulses of each axis, start and end (ns). A single-axis move tells of its own axis only.\n"
-                          "--edges: time (ns), axis, pin role, level, the system's position (1/10000 mm), the carriage (pulses).\n"
-                          "\n"
-                          "Exit status: 0 done, 1 the program is wrong or the run told an error, 2 usage or files, 3 a time limit\n"
-                          "or a wait that nothing will ever end, 130 after Ctrl-C.\n");
+           QStringLiteral(
+               "\n"
+               "Lengths are mm, times seconds of the machine, line numbers 1-based; an \"Error:\" of the system keeps\n"
+               "its own zero-based number behind FILE:LINE. Results go to standard output, progress and messages to\n"
+               "standard error.\n"
+               "\n"
+               "--moves: number, line, mode, then from, to and reached (mm) and acceleration, constant and\n"
+               "deceleration pulses of each axis, start and end (ns). A single-axis move tells of its own axis only.\n"
+               "--edges: time (ns), axis, pin role, level, the system's position (1/10000 mm), the carriage (pulses).\n"
+               "\n"
+               "Exit status: 0 done, 1 the program is wrong or the run told an error, 2 usage or files, 3 a time "
+               "limit\n"
+               "or a wait that nothing will ever end, 130 after Ctrl-C.\n");
 }
 
 QString COptions::Version()

@@ -98,8 +98,7 @@ void DrawAxes(QPainter& painter, const CIsoView& view)
         painter.drawPolygon(QPolygonF({tip + along * 12.0, tip + across * 6.0, tip - across * 6.0}));
         painter.setPen(g_Axes[axis]);
         const QPointF at = tip + along * 30.0;
-        painter.drawText(QRectF(at.x() - 20, at.y() - 20, 40, 40), Qt::AlignCenter,
-                         QString(QLatin1Char("XYZ"[axis])));
+        painter.drawText(QRectF(at.x() - 20, at.y() - 20, 40, 40), Qt::AlignCenter, QString(QLatin1Char("XYZ"[axis])));
     }
     painter.setBrush(g_Ink);
     painter.setPen(Qt::NoPen);
@@ -149,8 +148,10 @@ void DrawWords(QPainter& painter, const QString& strTitle, const QString& strNot
     painter.setPen(QPen(g_Rapid, 3.0, Qt::DashLine));
     painter.drawLine(QPointF(WIDTH - 220, fBase), QPointF(WIDTH - 160, fBase));
     painter.setPen(g_Ink);
-    painter.drawText(QRectF(WIDTH - 330, fBase - 20, 100, 40), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("feed"));
-    painter.drawText(QRectF(WIDTH - 150, fBase - 20, 100, 40), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("rapid"));
+    painter.drawText(QRectF(WIDTH - 330, fBase - 20, 100, 40), Qt::AlignLeft | Qt::AlignVCenter,
+                     QStringLiteral("feed"));
+    painter.drawText(QRectF(WIDTH - 150, fBase - 20, 100, 40), Qt::AlignLeft | Qt::AlignVCenter,
+                     QStringLiteral("rapid"));
 }
 }   // namespace
 
