@@ -51,8 +51,8 @@ void CVirtualTime::RunWhatIsDue()
     }
 }
 
-// To the earliest of the end of a run, an event and lUntil; of one time in this order. False: nothing will ever come.
-bool CVirtualTime::Step(qint64 lUntil)
+// To the earliest of the end of a run, an event and lUntil; of one time in this order.
+CVirtualTime::eStep CVirtualTime::Step(qint64 lUntil)
 {
     stSlot* pFirst = nullptr;
     for (stSlot& slot : m_Slots)
@@ -60,21 +60,23 @@ bool CVirtualTime::Step(qint64 lUntil)
     const qint64 lEnd = pFirst ? pFirst->lEnd : FOREVER;
     const qint64 lEvent = m_lstEvents.empty() ? FOREVER : std::max(m_lNow, m_lstEvents.front().lAt);
 
-    if (lEnd == FOREVER && lEvent == FOREVER && lUntil == FOREVER) {
-        if (m_fnStuck) m_fnStuck();
-        return false;
-    }
-    if (lEnd <= lEvent && lEnd <= lUntil && pFirst) {
+    if (pFirst && lEnd <= lEvent && lEnd <= lUntil) {
         Advance(lEnd);
         pFirst->lEnd = FOREVER;
         pFirst->pRun->Finish();
-    } else if (lEvent <= lUntil) {
+        return SOMETHING_CAME;
+    }
+    if (lEvent != FOREVER && lEvent <= lUntil) {
         Advance(lEvent);
         FireFirstEvent();
-    } else {
-        Advance(lUntil);
+        return SOMETHING_CAME;
     }
-    return true;
+    if (lUntil == FOREVER) {
+        if (m_fnStuck) m_fnStuck();
+        return NOTHING_WILL_COME;
+    }
+    Advance(lUntil);
+    return LIMIT_REACHED;
 }
 
 void CVirtualTime::FireFirstEvent()
@@ -86,6 +88,7 @@ void CVirtualTime::FireFirstEvent()
 
 void CVirtualTime::Advance(qint64 lTo)
 {
-    if (m_fnAdvance && lTo > m_lNow) m_fnAdvance(lTo);
+    if (lTo <= m_lNow) return;   // an event that waited itself has moved beyond
+    if (m_fnAdvance) m_fnAdvance(lTo);
     m_lNow = m_lEdgeTime = lTo;
 }

@@ -66,8 +66,7 @@ public:
         for (;;) {
             RunWhatIsDue();
             if (pred()) return true;
-            if (m_lNow >= lUntil) return false;
-            if (!Step(lUntil)) return pred();
+            if (Step(lUntil) != SOMETHING_CAME) return pred();
         }
     }
     void Sleep(qint64 lNs);
@@ -93,7 +92,13 @@ private:
     };
 
     void RunWhatIsDue();
-    bool Step(qint64 lUntil);
+    enum eStep
+    {
+        SOMETHING_CAME,
+        LIMIT_REACHED,
+        NOTHING_WILL_COME
+    };
+    eStep Step(qint64 lUntil);
     void Advance(qint64 lTo);
     void FireFirstEvent();
 

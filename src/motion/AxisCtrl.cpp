@@ -224,6 +224,9 @@ bool AxisCtrl::MoveAxis()
     if (const QString strWhy = GetBuildError(); !strWhy.isEmpty()) return Refuse(strWhy);
     const stWay way = Way();
     if (way.bNone) return true;
+    // A thread that was stopped, or has lowered its flag, may still be on its way: it would take the new counts for
+    // its own, and a start would do nothing.
+    wait();
     const eDirection ePosDir = AppConfig::m_eAxisPosDir[m_sAxis];
     SetDirection(way.bPositive ? ePosDir : Opposite(ePosDir));
     UseNewTable();
@@ -247,7 +250,6 @@ void AxisCtrl::StartThread()
         m_bStartPending = true;
         pTime->SetRun(1 + m_sAxis, this);
     } else {
-        wait();   // a thread that has lowered its flag may still be on its way out, and would not start
         start();
     }
     if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnAxisMove(m_sAxis);

@@ -44,7 +44,7 @@ struct stAxisRun
     quint16 uHomePin = 0, uProbePin = 0;
     bool bSensors = false;               // the machine has home sensors
     bool bProbeAxis = false;             // the axis on which the Z-probe is watched
-    std::span<const double> high, low;   // ns, one entry a pulse of the ramp
+    std::span<const double> high{}, low{};   // ns, one entry a pulse of the ramp
     double fConstHigh = 0, fConstLow = 0;
     quint32 uAcc = 0, uConst = 0, uDec = 0;   // pulses
     qint32 lDelta = 0;                        // position units a pulse, with its sign
