@@ -15,7 +15,7 @@ enum eAxis
 };
 inline constexpr int MAX_AXES = 5;
 
-enum eDirection
+enum eDirection : qint32   // a file may hold any byte, which must have a defined opposite
 {
     DIR_CW = 0,   // level 0 on a direction pin; M3 for the spindle
     DIR_CCW = 1   // level 1 on a direction pin; M4 for the spindle

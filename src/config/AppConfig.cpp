@@ -74,29 +74,53 @@ AppConfig::AppConfig()
     for (qint16 n = 0; n < 16; ++n) m_iSpindleSpeeds[n] = static_cast<qint16>(1000 * (n + 1));
 }
 
+namespace {
+struct stOutputPin
+{
+    quint16 iCode;
+    qint8 iPin;
+};
+constexpr stOutputPin VTR3_OUTPUTS[] = {{200, 5}, {202, 6}, {204, 13}, {206, 14}, {208, 15}, {210, 18}};
+constexpr stOutputPin PI_BOARD_OUTPUTS[] = {{3, 8}, {4, 9}, {7, 10}, {8, 11}, {80, 26}};
+
+void SetAxisPins(eAxis axis, qint8 iPulse, qint8 iDir, qint8 iHome)
+{
+    AppConfig::m_iAxisPulseOutput[axis] = iPulse;
+    AppConfig::m_iAxisDirOutput[axis] = iDir;
+    AppConfig::m_iAxisMchHomeSensorInput[axis] = iHome;
+}
+}   // namespace
+
 void AppConfig::ApplyBoardPins()
 {
     if (m_eVantorCtrl == VTR3_CTRL) {
-        for (const auto& [iCode, iPin] : {std::pair{200, 5}, {202, 6}, {204, 13}, {206, 14}, {208, 15}, {210, 18}})
-            m_lstMCodesPin[static_cast<quint16>(iCode)] = static_cast<qint8>(iPin);
+        for (const auto& [iCode, iPin] : VTR3_OUTPUTS) m_lstMCodesPin[iCode] = iPin;
         m_iMchType = 3;
     } else if (m_eVantorCtrl == VTR5_CTRL) {
-        m_iAxisPulseOutput[A_AXIS] = 5;
-        m_iAxisDirOutput[A_AXIS] = 6;
-        m_iAxisMchHomeSensorInput[A_AXIS] = 13;
-        m_iAxisPulseOutput[B_AXIS] = 14;
-        m_iAxisDirOutput[B_AXIS] = 15;
-        m_iAxisMchHomeSensorInput[B_AXIS] = 18;
+        SetAxisPins(A_AXIS, 5, 6, 13);
+        SetAxisPins(B_AXIS, 14, 15, 18);
         m_iMchType = 5;
     } else {
         return;   // an SPI board: the maps are those of its own screen
     }
-    for (const auto& [iCode, iPin] : {std::pair{3, 8}, {4, 9}, {7, 10}, {8, 11}, {80, 26}})
-        m_lstMCodesPin[static_cast<quint16>(iCode)] = static_cast<qint8>(iPin);
+    for (const auto& [iCode, iPin] : PI_BOARD_OUTPUTS) m_lstMCodesPin[iCode] = iPin;
     m_iEStopInput = 20;
     m_iPgmStartInput = 16;
     m_iZProbeInput = 21;
     m_lstIPs[1] = 19;
+}
+
+void AppConfig::WithdrawBoardPins()
+{
+    for (const auto& [iCode, iPin] : VTR3_OUTPUTS) m_lstMCodesPin.remove(iCode);
+    for (const auto& [iCode, iPin] : PI_BOARD_OUTPUTS) m_lstMCodesPin.remove(iCode);
+    m_lstIPs.remove(1);
+    SetAxisPins(A_AXIS, 0, 0, 0);
+    SetAxisPins(B_AXIS, 0, 0, 0);
+    m_iMchType = 3;
+    m_iEStopInput = 9;
+    m_iPgmStartInput = 10;
+    m_iZProbeInput = 21;
 }
 
 void AppConfig::DeriveFeeds()
@@ -109,7 +133,12 @@ void AppConfig::DeriveFeeds()
 void AppConfig::DerivePwmFrequency()
 {
     stPwmSpindleSettings& pwm = m_stPwmSpndlSettings;
-    const double fRatio = static_cast<double>(static_cast<quint16>(pwm.iMaxFreq - pwm.iMinFreq)) /
-                          static_cast<double>(static_cast<quint16>(pwm.iMaxSpeed - pwm.iMinSpeed));
+    const auto iFreqSpan = static_cast<quint16>(pwm.iMaxFreq - pwm.iMinFreq);
+    const auto iSpeedSpan = static_cast<quint16>(pwm.iMaxSpeed - pwm.iMinSpeed);
+    if (iSpeedSpan == 0) {   // no line goes through one speed: the PWM then refuses to start
+        pwm.iCurFreq = 0;
+        return;
+    }
+    const double fRatio = static_cast<double>(iFreqSpan) / iSpeedSpan;
     pwm.iCurFreq = static_cast<quint16>(static_cast<qint64>(pwm.iMinFreq + (1000 - pwm.iMinSpeed) * fRatio));
 }

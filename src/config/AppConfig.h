@@ -2,6 +2,7 @@
 #include "common/MachineTypes.h"
 #include "common/Shared.h"
 
+#include <QIODevice>
 #include <QMap>
 #include <QString>
 
@@ -57,12 +58,21 @@ public:
     // Fills the store from the file, which is created where it does not exist. False: it could not be opened (the
     // operator has been told) or reading it threw. Interface thread, once, before pins and axes are set up.
     static bool LoadConfig(QString path);
-    // Writes the store whole: the file is the old one or the new one, also after a crash.
+    // Writes the store whole: the file is the old one or the new one, also after a crash. A failure is a line in the
+    // operator's log.
     static void SaveConfig(QString path);
-    static void CreateConfigFile(QString path);
+    static void CreateConfigFile(QString path);   // the same; what it writes at a first start are the defaults
+    // The reading alone: board pins and PWM frequency are set, feeds are not yet derived, no file is written.
+    // False: another version wrote it, so that m_bUseG01FeedForJog was not read. What is missing at the end reads as
+    // zero.
+    static bool ReadConfig(QIODevice& device);
 
+    // Whoever changes settings behind LoadConfig calls these three again, in this order.
     // The pins of the selected board and its number of axes; for the SPI boards nothing.
     static void ApplyBoardPins();
+    // What ApplyBoardPins sets is as before loading: before another board is selected without a restart, since the
+    // outputs of the one are the axes of the other.
+    static void WithdrawBoardPins();
     // Members that follow from stored ones: working feeds, the least highest feed, the plunge feed.
     static void DeriveFeeds();
     // PWM frequency at 1000 revolutions per minute.

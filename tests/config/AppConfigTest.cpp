@@ -1,0 +1,191 @@
+#include "config/AppConfig.h"
+
+#include "common/Paths.h"
+#include "config/SettingsTable.h"
+#include "support/CleanMachine.h"
+#include "support/DataFiles.h"
+#include "support/LoggedScreen.h"
+
+#include <QJsonArray>
+
+using testing::Values;
+
+namespace {
+QMap<QString, QString> Settings()
+{
+    QMap<QString, QString> map;
+    for (const QString& strLine : CSettingsTable::List())
+        map[strLine.section(QLatin1Char('='), 0, 0)] = strLine.section(QLatin1Char('='), 1);
+    return map;
+}
+
+void ExpectValue(const QMap<QString, QString>& settings, const QString& strName, const QJsonValue& value)
+{
+    ASSERT_TRUE(settings.contains(strName)) << strName.toStdString();
+    const QString strHave = settings[strName];
+    if (value.isString())
+        EXPECT_EQ(strHave, value.toString()) << strName.toStdString();
+    else if (value.isBool())
+        EXPECT_EQ(strHave, value.toBool() ? "1" : "0") << strName.toStdString();
+    else
+        EXPECT_EQ(strHave.toDouble(), value.toDouble()) << strName.toStdString();
+}
+
+void ExpectMembers(const QJsonObject& members)
+{
+    const auto settings = Settings();
+    for (auto it = members.begin(); it != members.end(); ++it) {
+        const QString strName = it.key();
+        if (it->isArray()) {
+            const QJsonArray array = it->toArray();
+            for (int n = 0; n < array.size(); ++n)
+                ExpectValue(settings, QStringLiteral("%1[%2]").arg(strName).arg(n), array[n]);
+        } else if (it->isObject()) {
+            const QJsonObject map = it->toObject();
+            for (const QString& strKey : map.keys())
+                ExpectValue(settings, QStringLiteral("%1[%2]").arg(strName, strKey), map[strKey]);
+            const auto lstHave = settings.keys().filter(strName + QLatin1Char('['));
+            EXPECT_EQ(lstHave.size(), map.size()) << strName.toStdString();
+        } else {
+            ExpectValue(settings, strName, *it);
+        }
+    }
+}
+
+QString ConfigPath()
+{
+    return CPaths::Map(CONFIG_FILE);
+}
+class AppConfigFile : public CCleanMachine
+{
+};
+class AppConfigCase : public CCleanMachine, public testing::WithParamInterface<std::string>
+{
+};
+}   // namespace
+
+TEST_P(AppConfigCase, LoadsAndLeavesTheFileAsTold)
+{
+    const QString strCase = QStringLiteral("config/") + QString::fromStdString(GetParam());
+    const QJsonObject expected = ReadJson(strCase + QStringLiteral(".json"));
+    QByteArray before;
+    if (!expected["file"].isNull()) {
+        before = ReadAll(DataPath(strCase + QStringLiteral(".dat")));
+        WriteAll(ConfigPath(), before);
+    }
+
+    EXPECT_EQ(AppConfig::LoadConfig(CONFIG_FILE), expected["returns"].toBool());
+
+    ExpectMembers(expected["members"].toObject());
+    for (const char* szKey : {"created_at_path", "config_file_after"})
+        if (expected.contains(QLatin1String(szKey)))
+            before = ReadAll(DataPath(QStringLiteral("config/") + expected[QLatin1String(szKey)].toString()));
+    EXPECT_EQ(ReadAll(ConfigPath()).toHex(), before.toHex());
+}
+INSTANTIATE_TEST_SUITE_P(Files, AppConfigCase, testing::ValuesIn(CaseNames("config", "*.json")));
+
+// Wherever the file ends, each setting is that of the whole file or zero, and what was whole stays whole.
+TEST_F(AppConfigFile, CutShortAtEveryLengthReadsZerosBeyondItsEnd)
+{
+    WriteAll(ConfigPath(), ReadAll(DataPath("config/04_old_version.dat")));
+    ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE));   // an old file, so the new one is whole
+    const QByteArray whole = ReadAll(ConfigPath());
+    ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE));
+    const auto full = Settings();
+
+    QStringList lstReached;
+    for (qsizetype n = 0; n <= whole.size(); ++n) {
+        ResetStatics();
+        const auto defaults = Settings();
+        WriteAll(ConfigPath(), whole.left(n));
+        ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE)) << n;
+        const auto now = Settings();
+        for (auto it = full.begin(); it != full.end(); ++it) {
+            const QString& strName = it.key();
+            const QString strValue = now.value(strName);
+            if (strValue == *it) {
+                if (!lstReached.contains(strName)) lstReached += strName;
+                continue;
+            }
+            const bool bBoard = n < 17 && !strName.startsWith("m_f");   // its pins follow from the first byte
+            EXPECT_TRUE(strValue.isEmpty() || strValue == "0" || bBoard || strValue == defaults.value(strName))
+                << n << ' ' << strName.toStdString() << '=' << strValue.toStdString();
+            EXPECT_FALSE(lstReached.contains(strName) && n > 17 && it->size() > 1) << n << ' ' << strName.toStdString();
+        }
+        if (HasFailure()) break;
+    }
+    EXPECT_EQ(Settings(), full);
+}
+
+TEST_F(AppConfigFile, UnopenableFileIsToldInABoxAndLeavesTheDefaults)
+{
+    CLoggedScreen screen;
+    const auto before = Settings();
+    ASSERT_TRUE(QDir().mkpath(ConfigPath()));   // a folder in its place: not even root opens it
+    EXPECT_FALSE(AppConfig::LoadConfig(CONFIG_FILE));
+    EXPECT_EQ(screen.m_lstBoxes, QStringList{"Critical error: Unable to open Config File"});
+    EXPECT_EQ(Settings(), before);
+}
+
+TEST_F(AppConfigFile, UpgradeGoesToTheProductsFileWhateverWasRead)
+{
+    const QString strOther = m_Home.filePath("other.dat");
+    const QByteArray old = ReadAll(DataPath("config/04_old_version.dat"));
+    WriteAll(strOther, old);
+    EXPECT_TRUE(AppConfig::LoadConfig(strOther));
+    EXPECT_EQ(ReadAll(strOther), old);
+    EXPECT_EQ(ReadAll(ConfigPath()), ReadAll(DataPath("config/04_old_version.after.dat")));
+}
+
+TEST_F(AppConfigFile, SaveThatFailsIsToldInTheLogAndLeavesNothingBehind)
+{
+    CLoggedScreen screen;
+    ASSERT_TRUE(QDir().mkpath(ConfigPath()));
+    AppConfig::SaveConfig(CONFIG_FILE);
+    EXPECT_EQ(screen.m_lstLog, QStringList{"2 Unable to write Config File"});
+    EXPECT_EQ(QDir(CPaths::Map(WORKING_FOLDER)).entryList(QDir::Files), QStringList());
+}
+
+TEST_F(AppConfigFile, OddBytesSurviveASaveAndBooleansBecomeOne)
+{
+    AppConfig::m_eAxisPosDir[1] = static_cast<eDirection>(200);   // what the file says is what the machine does
+    AppConfig::m_GCodeRunSettings.iHomeRef = 0x105;
+    AppConfig::SaveConfig(CONFIG_FILE);
+    QByteArray content = ReadAll(ConfigPath());
+    content[17] = 7;   // the home sensors, behind version and board
+    WriteAll(ConfigPath(), content);
+    ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE));
+    EXPECT_TRUE(AppConfig::m_bHomeSensorsUsed);
+    EXPECT_EQ(Opposite(AppConfig::m_eAxisPosDir[1]), -199);
+    EXPECT_EQ(AppConfig::m_GCodeRunSettings.iHomeRef, 5);
+    AppConfig::SaveConfig(CONFIG_FILE);
+    content[17] = 1;
+    EXPECT_EQ(ReadAll(ConfigPath()).toHex(), content.toHex());
+}
+
+struct stPwmLine
+{
+    const char* szAbout;
+    std::vector<const char*> lstSettings;
+    int iFreq;   // Hz at 1000 revolutions per minute
+};
+class PwmLine : public CCleanMachine, public testing::WithParamInterface<stPwmLine>
+{
+};
+TEST_P(PwmLine, GivesTheFrequencyOfAThousandTurns)
+{
+    for (const char* szSetting : GetParam().lstSettings) {
+        QString strWhy;
+        ASSERT_TRUE(CSettingsTable::Set(QStringLiteral("m_stPwmSpndlSettings.") + szSetting, strWhy));
+    }
+    AppConfig::DerivePwmFrequency();
+    EXPECT_EQ(AppConfig::m_stPwmSpndlSettings.iCurFreq, GetParam().iFreq) << GetParam().szAbout;
+}
+INSTANTIATE_TEST_SUITE_P(
+    Lines, PwmLine,
+    Values(stPwmLine{"the lowest speed is 1000", {"iMinFreq=250"}, 250},
+           stPwmLine{"100 + (1000 - 500) * 2900 / 23500 = 161.7", {"iMinSpeed=500"}, 161},
+           stPwmLine{"100 - 4000 * 2900 / 19000 = -510.5 wraps to 16 bits", {"iMinSpeed=5000"}, 65026},
+           stPwmLine{
+               "a falling line wraps: 100 + 500 * 65486 / 23500 = 1493.3", {"iMaxFreq=50", "iMinSpeed=500"}, 1493},
+           stPwmLine{"no line through one speed", {"iMinSpeed=24000"}, 0}));
