@@ -46,7 +46,9 @@ int main(int argc, char* argv[])
             pQt = std::make_unique<QCoreApplication>(iArguments, argv);
         } else {
             qputenv("QT_QPA_PLATFORM", "offscreen");   // for the picture's font: no display is needed
-            pQt = std::make_unique<QGuiApplication>(iArguments, argv);
+            const auto fnBefore = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+            pQt = std::make_unique<QGuiApplication>(iArguments, argv);   // has its say on folders of a desktop
+            qInstallMessageHandler(fnBefore);
         }
         return CRunner(options).Run();
     } catch (const std::exception& error) {

@@ -86,26 +86,30 @@ static stFloatPoint Point(const std::array<qint32, MAX_AXES>& units)
     return point;
 }
 
+// A move of one axis says nothing of the others, which may move at the same time.
+bool CMoveRecording::IsOf(const stMove& move, size_t uAxis)
+{
+    return move.iSlot == 0 || static_cast<size_t>(move.iSlot) == uAxis + 1;
+}
+
 void CMoveRecording::Count(const stMove& move)
 {
     stMoveFigures& figures = m_Figures;
     ++(move.iSlot == 0 ? figures.lCoordinated : figures.lSingle);
     for (size_t n = 0; n < MAX_AXES; ++n) {
-        for (const quint32 uPulses : move.counts[n]) figures.uPulses += uPulses;
+        const qint64 lStep = std::max<qint64>(1, m_Axes.m_AxisCtrl[n].m_lPosPerPulse);
+        if (IsOf(move, n))
+            figures.uPulses += static_cast<quint64>(std::abs(qint64(move.reached[n]) - move.from[n]) / lStep);
         const auto [lLow, lHigh] = std::minmax(move.from[n], move.reached[n]);
         figures.lowest[n] = figures.bEnvelope ? std::min(figures.lowest[n], lLow) : lLow;
         figures.highest[n] = figures.bEnvelope ? std::max(figures.highest[n], lHigh) : lHigh;
     }
     figures.bEnvelope = true;
 
-    // Axes that move alone at the same time are told one after the other; their own way is what counts.
-    stFloatPoint from = Point(move.from), to = Point(move.reached);
-    if (move.iSlot != 0) {
-        const int iOwn = move.iSlot - 1;
-        const double fReached = AxisOf(to, iOwn);
-        to = from;
-        AxisOf(to, iOwn) = fReached;
-    }
+    const stFloatPoint from = Point(move.from);
+    stFloatPoint to = Point(move.reached);
+    for (int axis = 0; axis < MAX_AXES; ++axis)
+        if (!IsOf(move, static_cast<size_t>(axis))) AxisOf(to, axis) = AxisOf(from, axis);
     (move.bRapid ? figures.fRapidPath : figures.fFeedPath) += std::hypot(to.x - from.x, to.y - from.y, to.z - from.z);
     if (m_bKeepPath) m_Path.AddMove(from, to, move.bRapid);
 }
@@ -125,16 +129,15 @@ void CMoveRecording::WriteRow(const stMove& move)
         m_Csv.Empty();
     m_Csv.Text(move.iSlot == 0 ? "auto" : "single");
     const auto uAxes = static_cast<size_t>(AppConfig::m_iMchType);
-    const auto IsOf = [&move](size_t n) { return move.iSlot == 0 || static_cast<size_t>(move.iSlot) == n + 1; };
     for (const auto* pPositions : {&move.from, &move.to, &move.reached})
         for (size_t n = 0; n < uAxes; ++n)
-            if (IsOf(n))
+            if (IsOf(move, n))
                 m_Csv.Mm((*pPositions)[n]);
             else
                 m_Csv.Empty();
     for (size_t n = 0; n < uAxes; ++n)
         for (const quint32 uPulses : move.counts[n])
-            if (IsOf(n))
+            if (IsOf(move, n))
                 m_Csv.Number(uPulses);
             else
                 m_Csv.Empty();

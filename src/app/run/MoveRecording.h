@@ -13,7 +13,7 @@
 struct stMoveFigures
 {
     qint64 lCoordinated = 0, lSingle = 0;
-    quint64 uPulses = 0;                                      // commanded
+    quint64 uPulses = 0;                                      // made
     double fRapidPath = 0.0, fFeedPath = 0.0;                 // mm, in X, Y and Z
     std::array<qint32, MAX_AXES> lowest = {}, highest = {};   // position units
     bool bEnvelope = false;
@@ -56,6 +56,7 @@ private:
     qint64 Now() const;
     void Begin(int iSlot);
     void End(int iSlot);
+    static bool IsOf(const stMove& move, size_t uAxis);
     void Count(const stMove& move);
     void WriteFinished();
     void WriteRow(const stMove& move);

@@ -3,6 +3,7 @@
 #include "common/Paths.h"
 #include "common/Wait.h"
 #include "config/AppConfig.h"
+#include "config/SettingsTable.h"
 #include "gcode/GCodeStore.h"
 #include "hardware/VantorGpio.h"
 #include "platform/Computer.h"
@@ -58,7 +59,10 @@ eExit CRunner::Run()
         return EXIT_DONE;
     }
     if (!PrepareJob() || !PrepareOutputs()) return m_eFailed;
-    if (g_iSignal != 0) return EXIT_INTERRUPTED;
+    if (g_iSignal != 0) {
+        m_pScreen->Say(QStringLiteral("interrupted"));
+        return EXIT_INTERRUPTED;
+    }
     const size_t uWrong = PrintCompileErrors();
     if (m_Options.bCheck) return uWrong == 0 ? EXIT_DONE : EXIT_WRONG;
     if (uWrong > 0) {
