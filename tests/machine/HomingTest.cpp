@@ -7,9 +7,9 @@
 #include <cmath>
 #include <map>
 
+namespace {
 // Homing, work zero and probe end to end: the machine behind the pins has sensors where its carriages really are.
 
-namespace {
 // The strokes of each axis: pulses of one direction without a longer rest than a direction's settling takes.
 struct stStroke
 {
@@ -48,7 +48,6 @@ public:
 private:
     std::map<int, size_t> m_Open;
 };
-}   // namespace
 
 class Homing : public CWorkerTest
 {
@@ -402,3 +401,4 @@ TEST_F(Homing, AProbingThatMeetsNothingIsGivenUpAfterFiveMinutes)
     EXPECT_EQ(m_App.GetInfoMsg(), QString());
     EXPECT_TRUE(m_App.m_bOperationFinished);
 }
+}   // namespace

@@ -2,6 +2,7 @@
 
 #include <thread>
 
+namespace {
 // The worker's own thread on the real clock, and the interface that starts and stops it. Every wait is for a condition
 // with a limit.
 
@@ -142,3 +143,4 @@ TEST_F(ThreadsWorker, DestroyingAWorkerThatRunsEndsIt)
     pApp.reset();
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_iAxisPulseOutput[Z_AXIS]), 0);
 }
+}   // namespace

@@ -9,6 +9,7 @@
 
 #include <cmath>
 
+namespace {
 // The worker's frame around every operation, on virtual time and on the test's own thread.
 
 class Worker : public CWorkerTest
@@ -356,3 +357,4 @@ INSTANTIATE_TEST_SUITE_P(Jobs, WorkerSpindle,
                                          stSpindle{false, false, false, false, 0, 0},
                                          stSpindle{false, true, true, false, 0, 0},
                                          stSpindle{true, true, false, true, 0, 1}));   // in simulation too
+}   // namespace

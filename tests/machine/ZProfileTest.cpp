@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+namespace {
 // Measuring a surface: the walk over the grid, and what is kept of it.
 
 class ZProfile : public CWorkerTest
@@ -207,3 +208,4 @@ TEST_F(ZProfile, AnEmergencyStopLeavesNoMessageAndNoWatch)
         EXPECT_TRUE(m_App.IsMachineIdle());
     }
 }
+}   // namespace

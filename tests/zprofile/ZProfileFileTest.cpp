@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+namespace {
 class ZProfileFile : public CCleanMachine
 {
 protected:
@@ -137,3 +138,4 @@ TEST_F(ZProfileFile, AbsurdCountsDoNotEatTheMemory)
         EXPECT_LT(uNodes, 100'000u) << sz;
     }
 }
+}   // namespace
