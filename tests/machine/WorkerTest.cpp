@@ -1,6 +1,5 @@
-#include "machine/WorkerFixture.h"
-
 #include "common/Paths.h"
+#include "machine/WorkerFixture.h"
 #include "motion/MotionObserver.h"
 #include "platform/Computer.h"
 
@@ -52,7 +51,8 @@ TEST_F(Worker, TheLogIsAppendedWithoutLineEndsAndDoesNotMakeItsFolder)
     QFile file(strFolder + '/' + lstFiles[0]);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString strText = file.readAll();
-    EXPECT_TRUE(QRegularExpression("^\\[\\d\\d:\\d\\d:\\d\\d\\]first\\[\\d\\d:\\d\\d:\\d\\d\\]µ$").match(strText).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression("^\\[\\d\\d:\\d\\d:\\d\\d\\]first\\[\\d\\d:\\d\\d:\\d\\d\\]µ$").match(strText).hasMatch())
         << strText.toStdString();
 }
 
