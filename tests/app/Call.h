@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -38,6 +39,17 @@ protected:
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    // Ctrl-C once the program has said strSaid.
+    static stResult Interrupt(QProcess& process, const char* szSaid)
+    {
+        process.setReadChannel(QProcess::StandardError);
+        QByteArray said;
+        while (!said.contains(szSaid) && process.waitForReadyRead(60'000)) said += process.readAllStandardError();
+        EXPECT_TRUE(said.contains(szSaid)) << said.constData();
+        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        return End(process);
     }
 
     QString Path(const char* szName) const { return m_Folder.filePath(QString::fromLatin1(szName)); }

@@ -1,6 +1,7 @@
 #include "app/Call.h"
 
 #include <QImage>
+#include <QJsonArray>
 
 #include <cmath>
 #include <csignal>
@@ -8,7 +9,7 @@
 // What a run does: moves, edges, sensors, waits and stops, all of them seen from outside.
 
 namespace {
-double End(const QJsonObject& summary, const char* szAxis)
+double EndOf(const QJsonObject& summary, const char* szAxis)
 {
     return summary["end_mm"].toObject()[QLatin1String(szAxis)].toDouble();
 }
@@ -25,10 +26,10 @@ TEST_F(RunnerTest, PlateRunsCleanAndLeavesAPictureAndASummary)
     EXPECT_EQ(summary["result"].toString(), "done");
     EXPECT_EQ(summary["lines_run"].toInt(), summary["lines"].toInt());
     EXPECT_EQ(summary["tool_changes"].toInt(), 1);
-    EXPECT_EQ(End(summary, "X"), 0.0);
-    EXPECT_EQ(End(summary, "Z"), 20.0);
+    EXPECT_EQ(EndOf(summary, "X"), 0.0);
+    EXPECT_EQ(EndOf(summary, "Z"), 20.0);
     for (const char* szAxis : {"X", "Y", "Z"})
-        EXPECT_EQ(Carriage(summary, szAxis), std::llround(End(summary, szAxis) * 1000.0)) << szAxis;
+        EXPECT_EQ(Carriage(summary, szAxis), std::llround(EndOf(summary, szAxis) * 1000.0)) << szAxis;
     EXPECT_EQ(summary["envelope_mm"].toObject()["X"].toArray(), (QJsonArray{-2.5, 122.5}));
 
     const QImage image(Path("plate.png"));
@@ -101,8 +102,8 @@ TEST_F(RunnerTest, EdgesAndMovesAgreeWithTheCarriage)
             const qint64 lCounts = move.at("acc_" + strAxis).toLongLong() + move.at("const_" + strAxis).toLongLong() +
                                    move.at("dec_" + strAxis).toLongLong();
             EXPECT_EQ(pulses[szAxis], lCounts) << "move " << move.at("number") << ' ' << szAxis;
-            if (!move.at("reached_" + strAxis).isEmpty())
-                EXPECT_EQ(carriage[szAxis], std::llround(move.at("reached_" + strAxis).toDouble() * 1000.0));
+            if (move.at("reached_" + strAxis).isEmpty()) continue;
+            EXPECT_EQ(carriage[szAxis], std::llround(move.at("reached_" + strAxis).toDouble() * 1000.0));
         }
         pulses.clear();
     };
@@ -163,8 +164,8 @@ TEST_F(RunnerTest, HomingFindsTheSensorsFastThenSlowly)
     EXPECT_EQ(moves[5].at("reached_Z"), QStringLiteral("-5.0000"));
     EXPECT_NEAR(Seconds(0), 1.0, 0.05);   // 20 mm at 20 mm/s
     EXPECT_NEAR(Seconds(8), 2.5, 0.05);   // 5 mm at 2 mm/s
-    EXPECT_EQ(End(Summary(), "X"), -12.0);
-    EXPECT_EQ(End(Summary(), "Y"), 7.5);
+    EXPECT_EQ(EndOf(Summary(), "X"), -12.0);
+    EXPECT_EQ(EndOf(Summary(), "Y"), 7.5);
     for (const char* szAxis : {"X", "Y", "Z"}) EXPECT_EQ(Carriage(Summary(), szAxis), 0) << szAxis;
     // A sensor that answers from the wrong place: each axis stops there.
     EXPECT_EQ(Call(QStringList{"--input", "gpio23=1@0", "--input", "gpio23=0@1.2"} + call).iExit, 0);
@@ -209,11 +210,12 @@ TEST_F(RunnerTest, ProbeSetsZeroOnTheSurface)
     Write("job.ngc", "G1 Z1\nM30\n");
     EXPECT_EQ(Call({"job.ngc", "--probe-z0", "--surface", "-3.5", "--summary", "summary.json", "--quiet"}).iExit, 0);
     EXPECT_EQ(Carriage(Summary(), "Z"), -2500);
-    EXPECT_EQ(End(Summary(), "Z"), 1.0);
+    EXPECT_EQ(EndOf(Summary(), "Z"), 1.0);
     // The input itself, by hand, 0.5 s on the way down at 10 mm/s.
     EXPECT_EQ(Call({"--probe-z0", "--surface", "-90", "--input", "probe=1@0.5", "--summary", "summary.json"}).iExit, 0);
     EXPECT_NEAR(static_cast<double>(Carriage(Summary(), "Z")), -5000 + 3000, 110);
-    const stResult missed = Call({"job.ngc", "--probe-z0", "--surface", "-20000"});
+    const stResult missed =
+        Call({"job.ngc", "--homing", "--set", "m_fAxisWorkZero[2]=-10", "--probe-z0", "--surface", "-90"});
     EXPECT_EQ(missed.iExit, 1);
     EXPECT_TRUE(missed.strErr.contains(QLatin1String("The probe has met nothing"))) << missed.strErr;
 }
@@ -225,7 +227,7 @@ TEST_F(RunnerTest, ToolChangeIsAnsweredAfterItsTime)
         const stResult result = Call(QStringList{"job.ngc", "--summary", "summary.json"} + arguments);
         EXPECT_EQ(result.iExit, 0) << result.strErr;
         EXPECT_TRUE(result.strErr.contains(QLatin1String("Change tool and click start")));
-        EXPECT_EQ(End(Summary(), "X"), 2.0);
+        EXPECT_EQ(EndOf(Summary(), "X"), 2.0);
         return Summary()["machine_time_s"].toDouble();
     };
     const double fAtOnce = Time({});
@@ -283,7 +285,7 @@ TEST_F(RunnerTest, StopEndsThePulsesAtItsTime)
                 if (row.at("pin") == QLatin1String("pulse")) levels[row.at("axis")] = row.at("level");
             for (const auto& [strAxis, strLevel] : levels) EXPECT_EQ(strLevel, QStringLiteral("0")) << strAxis;
             for (const char* szAxis : {"X", "Y", "Z"})
-                EXPECT_EQ(Carriage(Summary(), szAxis), std::llround(End(Summary(), szAxis) * 1000.0)) << szAxis;
+                EXPECT_EQ(Carriage(Summary(), szAxis), std::llround(EndOf(Summary(), szAxis) * 1000.0)) << szAxis;
         }
 }
 
@@ -292,13 +294,11 @@ TEST_F(RunnerTest, InterruptIsAnEmergencyStopFirst)
     Write("job.ngc", "M6\n" + QByteArray("G1 X200\nG1 X0\n").repeated(20'000));
     QProcess process;
     Start(process, {"job.ngc", "--summary", "summary.json"});
-    while (!process.readAllStandardError().contains("answered")) ASSERT_TRUE(process.waitForReadyRead(60'000));
-    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
-    const stResult result = End(process);
+    const stResult result = Interrupt(process, "answered");
     EXPECT_EQ(result.iExit, 130);
     EXPECT_TRUE(result.strErr.contains(QLatin1String("interrupted"))) << result.strErr;
     EXPECT_EQ(Summary()["result"].toString(), "interrupted");
-    EXPECT_EQ(Carriage(Summary(), "X"), std::llround(End(Summary(), "X") * 1000.0));
+    EXPECT_EQ(Carriage(Summary(), "X"), std::llround(EndOf(Summary(), "X") * 1000.0));
 }
 
 TEST_F(RunnerTest, SimulationMovesNothingAndTakesAsLong)
@@ -368,8 +368,6 @@ TEST_F(ThreadsRealTime, StopsEndTheRun)
     QProcess process;
     Write("job.ngc", "M6\nG1 X500\nM30\n");
     Start(process, {"job.ngc", "--real-time", "--set", "m_fZSafePos=0.1"});
-    while (!process.readAllStandardError().contains("answered")) ASSERT_TRUE(process.waitForReadyRead(60'000));
-    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
-    EXPECT_EQ(End(process).iExit, 130);
+    EXPECT_EQ(Interrupt(process, "answered").iExit, 130);
 }
 }   // namespace
