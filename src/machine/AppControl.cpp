@@ -34,6 +34,10 @@ AppControl::~AppControl()
 {
     if (isRunning()) StopAll();
     wait();
+    // What the worker has done is done before anything is destroyed: said again by its last two stores, because a
+    // thread sanitizer does not see the lock inside wait().
+    (void)static_cast<bool>(m_bWorkerBusy);
+    (void)static_cast<bool>(m_bOperationFinished);
 }
 
 // ---- Start and stop -------------------------------------------------------------------------------------------------
@@ -59,7 +63,9 @@ bool AppControl::ClaimWorker()
     }
     wait();   // an ended operation may still be leaving run, and a thread that runs does not start
     m_bAbandoned = false;
-    m_bOperationFinished = false;   // of the last operation, which the interface has not noted yet
+    // What the last operation has left for the interface must not be taken for the new one's.
+    m_bOperationFinished = false;
+    m_bToolChangePause = false;
     return true;
 }
 

@@ -28,6 +28,8 @@ AxisCtrl::~AxisCtrl()
     if (CVirtualTime* pTime = CVirtualTime::Current()) pTime->DropRun(this);
     m_bMoving = false;
     wait();
+    (void)static_cast<bool>(
+        m_bThreadIdle);   // run's last store: a thread sanitizer does not see the lock inside wait()
 }
 
 bool AxisCtrl::ConfigAxis()

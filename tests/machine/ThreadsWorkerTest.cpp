@@ -48,7 +48,8 @@ protected:
 TEST_F(ThreadsWorker, StartsAgainTheMomentAnOperationHasFinished)
 {
     const GCodeProgram program(3);
-    for (int n = 0; n < 200; ++n) {
+    m_App.m_iLeavingUs = 20000;
+    for (int n = 0; n < 50; ++n) {
         m_App.m_bOperationFinished = false;
         m_App.StartExecGCodeLine(&program, n % 3);
         ASSERT_TRUE(Finished()) << n;
