@@ -59,7 +59,9 @@ bool AppControl::ClaimWorker()
     }
     wait();   // an ended operation may still be leaving run, and a thread that runs does not start
     m_bAbandoned = false;
-    m_bOperationFinished = false;   // of the last operation, which the interface has not noted yet
+    // What the last operation has left for the interface must not be taken for the new one's.
+    m_bOperationFinished = false;
+    m_bToolChangePause = false;
     return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+namespace {
 // Measuring a surface: the walk over the grid, and what is kept of it.
 
 class ZProfile : public CWorkerTest
@@ -176,8 +177,7 @@ TEST_F(ZProfile, AnOverrideChangedDuringTheMeasurementTakesEffect)
     });
     m_App.CreateZProfile();
     EXPECT_EQ(m_Info.lstPoints.size(), 2u);
-    for (int axis = 0; axis < 3; ++axis)
-        EXPECT_EQ(m_App.m_AxisCtrl[axis].m_fVel[m_App.m_AxisCtrl[axis].m_ucCurTable], 7.5) << axis;
+    for (int axis = 0; axis < 3; ++axis) EXPECT_EQ(NextFeed(axis), 7.5) << axis;
 }
 
 TEST_F(ZProfile, ARefusedMoveKeepsTheRowsThatWereDone)
@@ -208,3 +208,4 @@ TEST_F(ZProfile, AnEmergencyStopLeavesNoMessageAndNoWatch)
         EXPECT_TRUE(m_App.IsMachineIdle());
     }
 }
+}   // namespace
