@@ -318,7 +318,7 @@ TEST_F(ProgramTest, AToolFileThatCannotBeRunIsTold)
     QDir().mkpath(CPaths::Map(WORKING_FOLDER + "/T3.txt"));
     Begin();
     Run("M6\nT2 M6\nT3 M6\nG1 X1");
-    const QString strPath = CPaths::Map(WORKING_FOLDER + "/T2.txt");
+    const QString strPath = WORKING_FOLDER + "/T2.txt";
     EXPECT_EQ(m_App.TakeInfos(), QStringList({"No Tool Selected. Please use 'T' command before M06",
                                               "No ATC commands found. Please check the file, " + strPath + ", exists?",
                                               "Unable to open ATC File"}));
