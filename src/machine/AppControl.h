@@ -146,11 +146,60 @@ signals:
 
 protected:
     void run() override;
-    void AfterOperationFinish();
+    // The code as it was when run began: the interface may have taken note of an early end meanwhile.
+    void AfterOperationFinish(eOperation eCode);
 
 private:
-    // An emergency stop, or a paused job that was given up: wherever the worker asks the one it asks the other.
+    // An emergency stop, or a job that was given up: wherever the worker asks the one it asks the other.
     bool IsStopRequested() const { return AppConfig::m_bEmergencyStopON || m_bAbandoned; }
-    CShared<bool> m_bAbandoned = false;
-    bool StartOperation(eOperation eCode);
+    CShared<bool> m_bAbandoned = false;    // from StopAll to the next start; never asked by the axes, which still jog
+    CShared<bool> m_bWorkerBusy = false;   // from a start to the end of AfterOperationFinish
+
+    static int AxesInUse() { return AppConfig::m_iMchType < MAX_AXES ? AppConfig::m_iMchType : MAX_AXES; }
+
+    // Start: interface thread. False, with a message: the last operation has not ended.
+    bool ClaimWorker();
+    void LaunchOperation(eOperation eCode);
+    bool ClaimForJob();
+    void LaunchJob(eOperation eCode, bool bAutoSpindle);
+
+    // Worker.
+    struct stWork;
+    void RunOperation(eOperation eCode);
+    bool StartJobMotion(bool bWorkZeroFirst);
+    void GoToWorkZero() { (void)MoveWorkZeroAll(); }
+    void RunProgram();
+    void EndMotion(eOperation eCode);
+    void EndStoppedOperation();
+    bool IsAnyMoving(const signed char* pSelection) const;
+
+    // Homing, work zero.
+    static double SafeHeight();
+    bool PushRefusal(eAxis axis, bool bAccepted);
+    bool WaitForAxis(eAxis axis);
+    bool FindHomeSensors();
+    bool SendHome(eAxis axis);
+    bool ApproachSensorsSlowly();
+    bool CheckNewWorkZero(eAxis axis, qint64& lMachinePos);
+
+    // Program, worker.
+    friend class CGCodeLineExec;
+    // Holds the worker while the pause is set. False: the job was stopped meanwhile.
+    bool WaitWhilePaused();
+    // The words of a line that a move takes: coordinates, F, S. REFUSED: told, and the run ends before the line moves.
+    enum class eWords
+    {
+        NONE,
+        COORDINATES,
+        REFUSED
+    };
+    eWords ReadMoveWords(unsigned int uLine, stFloatPoint& pos);
+    bool TakePrgmFeed(double fFeed, unsigned int uLine);
+    bool ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info);
+    bool MoveFromHere(const stFloatPoint& target, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd);
+    bool SelectAxes(const stFloatPoint& to, const double* pDelta);
+    bool CutOrFollowSurface(stFloatPoint from, stFloatPoint& to);
+    bool SurfaceWalk(stFloatPoint start, stFloatPoint& end);
+    void RunAtcFile(const GCodeProgram& program);
+    bool m_bInAtcFile = false;
 };
