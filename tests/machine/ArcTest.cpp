@@ -25,7 +25,7 @@ TEST(Round4, EqualsPrintingAndReadingBackBitByBit)
 {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<double> exponent(-8.0, 13.0), unit(-1.0, 1.0);
-    for (int n = 0; n < 300'000; ++n) {
+    for (int n = 0; n < 100'000; ++n) {
         double fValue = unit(random) * std::pow(10.0, exponent(random));
         if (n % 3 == 0) fValue = (std::floor(fValue * 1e4) + 0.5) / 1e4;   // close to a half
         if (n % 5 == 0) fValue = std::nextafter(fValue, n % 2 ? 1e9 : -1e9);
