@@ -191,9 +191,9 @@ class ThreadsGCodeStore : public GCodeStore
 };
 TEST_F(ThreadsGCodeStore, TasksSendTheirSignalsToTheThreadOfTheObject)
 {
-    int iArguments = 0;
-    std::unique_ptr<QCoreApplication> pApp;
-    if (!QCoreApplication::instance()) pApp = std::make_unique<QCoreApplication>(iArguments, nullptr);
+    // Never destroyed: it would take the thread pool with it, which later tests of this process need.
+    static int iArguments = 0;
+    if (!QCoreApplication::instance()) (void)new QCoreApplication(iArguments, nullptr);
     CNotify notify;
     const QString strPath = Write("G1 X1\n");
     std::thread([&] {
