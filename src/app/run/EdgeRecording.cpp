@@ -7,9 +7,9 @@
 
 static constexpr size_t SOURCE_WORKER = 0, SOURCE_COORDINATED = 1, SOURCE_AXES = 2;
 
-bool CEdgeRecording::Open(const QString& strPath)
+bool CEdgeRecording::Open(const QString& strPath, qint64 lBegin)
 {
-    m_lBegin = CWait::Now();
+    m_lBegin = lBegin;
     return m_Csv.Open(strPath, "time_ns,axis,pin,level,position_units,carriage_pulses");
 }
 

@@ -13,8 +13,8 @@ class CEdgeRecording : public CEdgeRecorder
 {
 public:
     explicit CEdgeRecording(CMachineAxes& axes) : m_Axes(axes) {}
-    // False: the file cannot be written.
-    bool Open(const QString& strPath);
+    // lBegin: zero of the times, ns of CWait::Now. False: the file cannot be written.
+    bool Open(const QString& strPath, qint64 lBegin);
     void OnEdge(int iAxis, ePinRole eRole, int iLevel, qint64 lCarriage) override;
     // Writes all edges before lTime (ns): in a dry run none before it can still come.
     void WriteUntil(qint64 lTime);

@@ -8,7 +8,7 @@
 static constexpr qint64 PROGRESS_MS = 100;
 
 CHeadlessScreen::CHeadlessScreen(const QString& strFile, bool bQuiet)
-    : m_strFile(strFile), m_bQuiet(bQuiet), m_bProgress(!bQuiet && isatty(STDERR_FILENO) == 1), m_lBegin(CWait::Now())
+    : m_strFile(strFile), m_bQuiet(bQuiet), m_bProgress(!bQuiet && isatty(STDERR_FILENO) == 1)
 {
 }
 

@@ -32,6 +32,7 @@ public:
     // Of the runner itself; no message of the run.
     void Say(const QString& strText);
 
+    void SetBegin(qint64 lBegin) { m_lBegin = lBegin; }   // ns of CWait::Now, the zero of its times
     void SetLines(qint64 lLines) { m_lLines = lLines; }
     void SetLine(qint64 lLine) { m_lLine = lLine; }   // 1-based; 0: none
     qint64 Line() const { return m_lLine; }
@@ -53,7 +54,7 @@ private:
     const QString m_strFile;
     const bool m_bQuiet, m_bProgress;
     CShared<qint64> m_lLine = 0, m_lTold = 0;
-    qint64 m_lLines = 0, m_lBegin;
+    qint64 m_lLines = 0, m_lBegin = 0;
     std::mutex m_Mutex;
     std::vector<stTold> m_lstTold;
     QElapsedTimer m_Shown;

@@ -10,9 +10,9 @@
 
 static constexpr const char* g_szAxes[MAX_AXES] = {"X", "Y", "Z", "A", "B"};
 
-bool CMoveRecording::Open(const QString& strPath)
+bool CMoveRecording::Open(const QString& strPath, qint64 lBegin)
 {
-    m_lBegin = CWait::Now();
+    m_lBegin = lBegin;
     std::string strHeader = "number,line,mode";
     for (const char* szWhat : {"from", "to", "reached"})
         for (int axis = 0; axis < AppConfig::m_iMchType; ++axis)

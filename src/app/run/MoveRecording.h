@@ -25,8 +25,8 @@ class CMoveRecording : public CMotionObserver
 {
 public:
     explicit CMoveRecording(CMachineAxes& axes) : m_Axes(axes) {}
-    // False: the file cannot be written.
-    bool Open(const QString& strPath);
+    // lBegin: zero of the times, ns of CWait::Now. False: the file cannot be written.
+    bool Open(const QString& strPath, qint64 lBegin);
     // The program's line (1-based) that commands the coming moves; 0: none.
     void SetLine(qint64 lLine) { m_lLine = lLine; }
     void SetRapid(bool bRapid) { m_bRapid = bRapid; }

@@ -58,7 +58,7 @@ eExit CRunner::Run()
         std::fputs((CSettingsTable::List().join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8().constData(), stdout);
         return EXIT_DONE;
     }
-    if (!PrepareJob() || !PrepareOutputs()) return m_eFailed;
+    if (!PrepareJob() || !PrepareOutputs() || !LoadSurface() || !LoadProfile()) return m_eFailed;
     if (g_iSignal != 0) {
         m_pScreen->Say(QStringLiteral("interrupted"));
         return EXIT_INTERRUPTED;
@@ -71,8 +71,7 @@ eExit CRunner::Run()
                                 uWrong == 1 ? QStringLiteral("1 line") : QStringLiteral("%1 lines").arg(uWrong)));
         return EXIT_WRONG;
     }
-    SetUpMachine();
-    if (!PrepareSurface() || !PrepareProfile()) return m_eFailed;
+    if (!SetUpMachine()) return m_eFailed;
     RunOperations();
     return Finish();
 }
@@ -122,7 +121,7 @@ stVirtualMachine CRunner::Wiring() const
     return machine;
 }
 
-void CRunner::SetUpMachine()
+bool CRunner::SetUpMachine()
 {
     if (!m_Options.bRealTime) m_pTime = std::make_unique<CVirtualTime>();
     m_pApp = std::make_unique<CRunControl>();
@@ -130,18 +129,35 @@ void CRunner::SetUpMachine()
     if (AppConfig::m_bPWMCtrlUsed) CVANTORGPIO::PwmStart();
     m_pMachine = std::make_unique<CVirtualMachine>(Wiring());
     CVirtualPins::SetObserver(m_pMachine.get());
+    PutSurfaceUnderTheProbe();
     m_pSupervision = std::make_unique<CSupervision>(*m_pApp, *m_pMachine, *m_pScreen, m_Options);
 
     m_lBegin = CWait::Now();
     m_Wall.start();
-    CMotionObserver::Set(&m_pApp->m_Moves);
-    m_pApp->m_Moves.KeepPath(!m_Options.strPicture.isEmpty());
-    if (!m_Options.strMoves.isEmpty()) (void)m_pApp->m_Moves.Open(m_Options.strMoves);
-    if (!m_Options.strEdges.isEmpty()) {
-        m_pEdges = std::make_unique<CEdgeRecording>(*m_pApp);
-        (void)m_pEdges->Open(m_Options.strEdges);
-        m_pMachine->SetRecorder(m_pEdges.get());
-    }
+    m_pScreen->SetBegin(m_lBegin);
+    if (!OpenRecordings()) return false;
+    HookWorker();
+    if (m_pTime) HookDryRun();
+    return true;
+}
+
+bool CRunner::OpenRecordings()
+{
+    CMoveRecording& moves = m_pApp->m_Moves;
+    CMotionObserver::Set(&moves);
+    moves.KeepPath(!m_Options.strPicture.isEmpty());
+    if (!m_Options.strMoves.isEmpty() && !moves.Open(m_Options.strMoves, m_lBegin))
+        return Fail(m_Options.strMoves + QStringLiteral(": cannot be written"));
+    if (m_Options.strEdges.isEmpty()) return true;
+    m_pEdges = std::make_unique<CEdgeRecording>(*m_pApp);
+    if (!m_pEdges->Open(m_Options.strEdges, m_lBegin))
+        return Fail(m_Options.strEdges + QStringLiteral(": cannot be written"));
+    m_pMachine->SetRecorder(m_pEdges.get());
+    return true;
+}
+
+void CRunner::HookWorker()
+{
     m_pScreen->SetLines(static_cast<qint64>(CGCodeStore::m_lstOfGCodeCmds.size()));
     QObject::connect(
         m_pApp.get(), &AppControl::SelNxtGCodeLine, m_pApp.get(),
@@ -156,7 +172,6 @@ void CRunner::SetUpMachine()
         m_pApp.get(), &AppControl::AddMsg, m_pApp.get(),
         [this](const QString& strMsg, eAppMsgType eType) { m_pScreen->AddLogMsg(strMsg, eType); },
         Qt::DirectConnection);
-    if (m_pTime) HookDryRun();
 }
 
 void CRunner::HookDryRun()
@@ -203,7 +218,8 @@ void CRunner::WaitOnRealClock()
 {
     while (!m_pApp->wait(QDeadlineTimer(0))) {
         const qint64 lNow = CWait::Now() - m_lBegin;
-        if (g_iSignal != 0) m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
+        if (g_iSignal != 0 && m_pSupervision->Result() != EXIT_INTERRUPTED)
+            m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
         m_pSupervision->DoWhatIsDue(lNow);
         m_pSupervision->Tick();
         if (m_pEdges) m_pEdges->WriteAllSoFar();

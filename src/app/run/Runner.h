@@ -5,6 +5,7 @@
 #include "app/run/Options.h"
 #include "app/run/Summary.h"
 #include "app/run/Supervision.h"
+#include "app/run/Surface.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -41,13 +42,16 @@ private:
     bool PrepareSettings();
     bool PrepareJob();
     bool LoadFromStream(QFile& file, QString& strPath);
-    bool PrepareSurface();
-    bool PrepareProfile();
+    bool LoadSurface();
+    bool LoadProfile();
     bool PrepareOutputs();
     bool CheckOutput(const QString& strPath);
 
     size_t PrintCompileErrors() const;
-    void SetUpMachine();
+    bool SetUpMachine();
+    void PutSurfaceUnderTheProbe();
+    bool OpenRecordings();
+    void HookWorker();
     stVirtualMachine Wiring() const;
     void HookDryRun();
     void RunOperations();
@@ -65,8 +69,8 @@ private:
     const stRunOptions m_Options;
     QTemporaryDir m_Scratch;
     eExit m_eFailed = EXIT_DONE;
-    std::vector<std::vector<stFloatPoint>> m_Surface;   // as loaded; empty: flat
-    double m_fFlat = 0.0;
+    CSurface m_Surface{{}};   // what the probe meets; empty: flat
+    double m_fFlat = 0.0;     // mm
     // Destroyed in the opposite order: the worker's axes still ask for virtual time.
     std::unique_ptr<CVirtualTime> m_pTime;
     std::unique_ptr<CHeadlessScreen> m_pScreen;

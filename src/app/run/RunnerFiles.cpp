@@ -1,5 +1,4 @@
 #include "app/run/Runner.h"
-#include "app/run/Surface.h"
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "config/SettingsTable.h"
@@ -62,6 +61,10 @@ bool CRunner::PrepareSettings()
         if (!CSettingsTable::Set(strAssignment, strWhy))
             return Fail(QStringLiteral("--set %1: %2").arg(strAssignment, strWhy));
     }
+    const auto& inputs = m_Options.lstInputs;
+    if (AppConfig::m_eVantorCtrl > VTR5_CTRL &&
+        std::any_of(inputs.begin(), inputs.end(), [](const auto& input) { return input.eWhat == stTimedInput::INPUT; }))
+        return Fail(QStringLiteral("--input: those of an SPI board are not there; name a pin as gpioN"));
     if (m_Options.bHoming) AppConfig::m_bHomeSensorsUsed = true;
     if (m_Options.bSimulation) AppConfig::m_bSimulationMode = true;
     CSettingsTable::ApplySettings();
@@ -111,29 +114,28 @@ bool CRunner::LoadFromStream(QFile& file, QString& strPath)
     return copy.flush();
 }
 
-bool CRunner::PrepareSurface()
+bool CRunner::LoadSurface()
 {
     bool bFlat = true;
-    double fHeight = m_Options.strSurface.isEmpty() ? 0.0 : m_Options.strSurface.toDouble(&bFlat);
-    if (bFlat && !qIsFinite(fHeight)) return Fail(m_Options.strSurface + QStringLiteral(": is not a height"));
-    // Told in work coordinates; the machine lives in its own.
-    using A = AppConfig;
-    const auto Zero = [](int axis) { return A::m_bHomeSensorsUsed ? A::m_fAxisWorkZero[axis] : 0.0; };
-    if (bFlat) {
-        m_pMachine->SetFlatSurface(fHeight + Zero(Z_AXIS));
-        return true;
-    }
+    m_fFlat = m_Options.strSurface.isEmpty() ? 0.0 : m_Options.strSurface.toDouble(&bFlat);
+    if (bFlat) return qIsFinite(m_fFlat) || Fail(m_Options.strSurface + QStringLiteral(": is not a height"));
     if (const QString strWhy = WhyUnreadable(m_Options.strSurface); !strWhy.isEmpty()) return Fail(strWhy);
     const bool bLoaded = LoadZProfile(m_Options.strSurface);
-    const CSurface surface(std::exchange(A::m_ZProfileInfo.lstPoints, {}));
-    if (!bLoaded || surface.IsEmpty()) return Fail(m_Options.strSurface + QStringLiteral(": is not a profile"));
-    m_pMachine->SetSurface([surface, x = Zero(X_AXIS), y = Zero(Y_AXIS), z = Zero(Z_AXIS)](double fX, double fY) {
-        return surface.Height(fX - x, fY - y) + z;
-    });
-    return true;
+    m_Surface = CSurface(std::exchange(AppConfig::m_ZProfileInfo.lstPoints, {}));
+    return (bLoaded && !m_Surface.IsEmpty()) || Fail(m_Options.strSurface + QStringLiteral(": is not a profile"));
 }
 
-bool CRunner::PrepareProfile()
+// Told in work coordinates as the run begins; the machine lives in its own.
+void CRunner::PutSurfaceUnderTheProbe()
+{
+    const auto Zero = [](int axis) { return AppConfig::m_bHomeSensorsUsed ? AppConfig::m_fAxisWorkZero[axis] : 0.0; };
+    if (m_Surface.IsEmpty()) return m_pMachine->SetFlatSurface(m_fFlat + Zero(Z_AXIS));
+    m_pMachine->SetSurface([this, x = Zero(X_AXIS), y = Zero(Y_AXIS), z = Zero(Z_AXIS)](double fX, double fY) {
+        return m_Surface.Height(fX - x, fY - y) + z;
+    });
+}
+
+bool CRunner::LoadProfile()
 {
     if (m_Options.strZProfile.isEmpty()) return true;
     if (const QString strWhy = WhyUnreadable(m_Options.strZProfile); !strWhy.isEmpty()) return Fail(strWhy);
