@@ -33,9 +33,14 @@ AppControl::AppControl(QObject* pParent) : QThread(pParent) {}
 AppControl::~AppControl()
 {
     if (isRunning()) StopAll();
+    WaitForWorker();
+}
+
+// What the worker has done is done: said again by its last two stores, because a thread sanitizer does not see the
+// lock inside wait().
+void AppControl::WaitForWorker()
+{
     wait();
-    // What the worker has done is done before anything is destroyed: said again by its last two stores, because a
-    // thread sanitizer does not see the lock inside wait().
     (void)static_cast<bool>(m_bWorkerBusy);
     (void)static_cast<bool>(m_bOperationFinished);
 }
@@ -61,7 +66,7 @@ bool AppControl::ClaimWorker()
         PushErrMsg(AxisInUse());
         return false;
     }
-    wait();   // an ended operation may still be leaving run, and a thread that runs does not start
+    WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     m_bAbandoned = false;
     // What the last operation has left for the interface must not be taken for the new one's.
     m_bOperationFinished = false;

@@ -157,6 +157,8 @@ private:
 
     static int AxesInUse() { return AppConfig::m_iMchType < MAX_AXES ? AppConfig::m_iMchType : MAX_AXES; }
 
+    void WaitForWorker();
+
     // Start: interface thread. False, with a message: the last operation has not ended.
     bool ClaimWorker();
     void LaunchOperation(eOperation eCode);
