@@ -60,8 +60,8 @@ template <class Rules> bool NextToken(QStringView line, qsizetype& i, stExtent& 
 
 void AppendToken(QStringView line, stExtent token, GCodeTokens& tokens)
 {
-    std::string& strToken = tokens.emplace_back();
-    strToken.resize(static_cast<size_t>(token.iTo - token.iFrom));
+    // Made at its length: growing would leave a long one with twice the room.
+    std::string& strToken = tokens.emplace_back(static_cast<size_t>(token.iTo - token.iFrom), '\0');
     char* pTo = strToken.data();
     for (const QChar c : line.mid(token.iFrom, token.iTo - token.iFrom))
         if (Kind(c) != CHAR_SPACE) *pTo++ = static_cast<char>(c.unicode() & 0xff);
