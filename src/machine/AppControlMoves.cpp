@@ -137,28 +137,14 @@ bool AppControl::SetAccAndVel(stFloatPoint from, stFloatPoint to, eGMoveCmnd eCm
 
 bool AppControl::EngMoveAxisAbs(eAxis axis, double fPos, bool bWait)
 {
-    if (IsStopRequested()) return false;
-    if (!m_AxisCtrl[axis].MoveAbs(fPos)) {
-        PushErrMsg(m_AxisCtrl[axis].GetErrorMsg());
-        return false;
-    }
-    if (!bWait) return true;
-    signed char selection[MAX_AXES] = {};
-    selection[axis] = 1;
-    return WaitForMotionFinish(selection);
+    if (IsStopRequested() || !PushRefusal(axis, m_AxisCtrl[axis].MoveAbs(fPos))) return false;
+    return !bWait || WaitForAxis(axis);
 }
 
 bool AppControl::EngMoveAxisRel(eAxis axis, double fDist, bool bWait)
 {
-    if (IsStopRequested()) return false;
-    if (!m_AxisCtrl[axis].MoveRel(fDist)) {
-        PushErrMsg(m_AxisCtrl[axis].GetErrorMsg());
-        return false;
-    }
-    if (!bWait) return true;
-    signed char selection[MAX_AXES] = {};
-    selection[axis] = 1;
-    return WaitForMotionFinish(selection);
+    if (IsStopRequested() || !PushRefusal(axis, m_AxisCtrl[axis].MoveRel(fDist))) return false;
+    return !bWait || WaitForAxis(axis);
 }
 
 void AppControl::SetAxisFeed(double fFeed)
