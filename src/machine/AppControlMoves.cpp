@@ -176,8 +176,8 @@ AppControl::eWords AppControl::ReadMoveWords(unsigned int uLine, stFloatPoint& p
     static constexpr std::string_view AXIS_LETTERS = "XYZAB";
     for (const std::string& strToken : m_pGCodeProgram->at(uLine)) {
         if (IsComment(strToken)) break;
-        const char cLetter = WordLetter(strToken);
-        const double fValue = WordDouble(strToken);
+        const char cLetter = TokenLetter(strToken);
+        const double fValue = TokenFloat(strToken);
         if (const size_t uAxis = AXIS_LETTERS.find(cLetter); uAxis != std::string_view::npos) {
             const int axis = static_cast<int>(uAxis);
             // Incremental inches scale the sum, the present position included: wanted, programs are written for it.
