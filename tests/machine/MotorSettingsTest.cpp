@@ -10,7 +10,7 @@ class MotorSettings : public CWorkerTest
 {
 protected:
     MotorSettings() { Build(); }
-    // A feed of 50 mm/s at an override of 80 percent.
+    // An axis of 100 mm/s at an override of 80 percent.
     static void Feeds(int axis, double fUser, double fJog)
     {
         A::m_fMaxAxisFeed[axis] = 100.0;
@@ -34,40 +34,22 @@ TEST_F(MotorSettings, AReducedMaximumPullsUserAndJogFeedToItsRoom)
     EXPECT_FALSE(Axis(Y_AXIS).m_bStoreVelCurve);
 }
 
-TEST_F(MotorSettings, FeedsWithRoomStayAlsoExactlyAtTheEdge)
-{
-    Feeds(X_AXIS, 20.0, 19.0);
-    m_Motors.SetMaxFeed(X_AXIS, 30.0);
-    EXPECT_EQ(A::m_fUserAxisFeed[X_AXIS], 20.0);
-    EXPECT_EQ(A::m_fAxisJogFeed[X_AXIS], 19.0);
-    m_Motors.SetMaxFeed(X_AXIS, 28.5);
-    EXPECT_EQ(A::m_fUserAxisFeed[X_AXIS], 19.0);
-    EXPECT_EQ(A::m_fAxisJogFeed[X_AXIS], 19.0);
-}
-
-TEST_F(MotorSettings, TheLeastMaximumCountsXYZAlone)
+TEST_F(MotorSettings, TheLeastMaximumCountsXYZAndThePlungeFeedFollowsZDown)
 {
     A::m_fMaxAxisFeed[A_AXIS] = 5.0;
-    m_Motors.SetMaxFeed(X_AXIS, 60.0);
-    EXPECT_EQ(A::m_fMinMaxAxisFeed, 30.0);
-    m_Motors.SetMaxFeed(Z_AXIS, 12.0);
-    EXPECT_EQ(A::m_fMinMaxAxisFeed, 12.0);
-}
-
-TEST_F(MotorSettings, ThePlungeFeedFollowsZDownAndNeverUp)
-{
     A::m_fPlungeFeed = 15.0;
-    m_Motors.SetMaxFeed(X_AXIS, 3.0);
+    m_Motors.SetMaxFeed(X_AXIS, 13.0);
+    EXPECT_EQ(A::m_fMinMaxAxisFeed, 13.0);
     EXPECT_EQ(A::m_fPlungeFeed, 15.0);
     m_Motors.SetMaxFeed(Z_AXIS, 12.0);
+    EXPECT_EQ(A::m_fMinMaxAxisFeed, 12.0);
     EXPECT_EQ(A::m_fPlungeFeed, 8.0);
-    EXPECT_EQ(m_Motors.SetUserFeed(Z_AXIS, 6.0), "");
-    EXPECT_EQ(A::m_fPlungeFeed, 6.0);
+    m_Motors.SetUserFeed(Z_AXIS, 6.0);
     m_Motors.SetUserFeed(Z_AXIS, 7.0);
     EXPECT_EQ(A::m_fPlungeFeed, 6.0);
 }
 
-TEST_F(MotorSettings, AFinerStepCutsTheFeedToThePulseRate)
+TEST_F(MotorSettings, AFinerStepCutsTheFeedAndACoarserOneRaisesTheArcStep)
 {
     A::m_fAxisFeed[X_AXIS] = 150.0;
     A::m_fMaxAxisFeed[X_AXIS] = 200.0;
@@ -78,11 +60,7 @@ TEST_F(MotorSettings, AFinerStepCutsTheFeedToThePulseRate)
     EXPECT_TRUE(m_Motors.IsFeedCut());
     EXPECT_EQ(A::m_fAxisFeed[X_AXIS], 0.0001 * 1500000.0);
     EXPECT_EQ(CMotorSettings::HighestMaxFeed(X_AXIS), 0.0001 * 1500000.0);
-}
 
-TEST_F(MotorSettings, ACoarserStepRaisesTheArcStepAndReachesTheAxis)
-{
-    m_Motors.SetMovPerPulse(X_AXIS, 0.05);
     EXPECT_EQ(A::m_GCodeRunSettings.fAxisStep, 0.1);
     m_Motors.SetMovPerPulse(X_AXIS, 0.25);
     EXPECT_EQ(A::m_GCodeRunSettings.fAxisStep, 0.25);
