@@ -76,6 +76,7 @@ CCleanMachine::CCleanMachine()
 {
     ResetStatics();
     CPaths::SetHomeFolder(m_Home.path());
+    CPaths::SetMountFolder(m_Home.filePath(QStringLiteral("media")));
     CPaths::Establish();
 }
 
@@ -83,4 +84,5 @@ CCleanMachine::~CCleanMachine()
 {
     ResetStatics();
     CPaths::SetHomeFolder(QString());
+    CPaths::SetMountFolder(QString());
 }
