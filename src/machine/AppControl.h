@@ -3,6 +3,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
 #include "config/AppConfig.h"
+#include "gcode/GCodeTokens.h"
 #include "motion/MachineAxes.h"
 
 #include <QMutex>
@@ -23,9 +24,6 @@ enum eOperation
     OP_Z_PROBE = 6,
     OP_Z_PROFILE = 7
 };
-
-using GCodeTokens = std::vector<std::string>;   // of one line, 8-bit characters
-using GCodeProgram = std::vector<GCodeTokens>;
 
 // All of one arc, mm.
 struct stGCodeEllipseInfo

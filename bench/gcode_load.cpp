@@ -1,0 +1,103 @@
+// Loads and compiles a program of 1,000,000 lines (or as many as the argument says) and compares with a loop that only
+// reads the lines of the same file. Run it in a fresh process, since the heap is measured too:
+//   ./build/bin/gcode_load > gcode_load.json
+// Bounds: nine times the reading; 32 bytes a token + 2 a character + 160 a line.
+#include "config/AppConfig.h"
+#include "gcode/GCodeStore.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <malloc.h>
+
+namespace {
+struct stShape
+{
+    qint64 lCharacters = 0, lTokens = 0;
+};
+
+// A relief as a carving program would be: short feed moves, some rapids, comments and arcs between.
+bool WriteJob(const QString& strPath, int iLines)
+{
+    QFile file(strPath);
+    if (!file.open(QIODevice::WriteOnly)) return false;
+    QByteArray content;
+    for (int n = 0; n < iLines; ++n) {
+        const double fX = (n % 2000) * 0.05, fY = (n / 2000) * 0.1, fZ = -1.0 + std::sin(n * 0.01);
+        char szLine[96];
+        if (n % 2000 == 0)
+            std::snprintf(szLine, sizeof szLine, "G0 X%.4f Y%.4f Z5.0000 (row %d)\n", fX, fY, n / 2000);
+        else if (n % 50 == 0)
+            std::snprintf(szLine, sizeof szLine, "G2 X%.4f Y%.4f I0.0250 J0.0000\n", fX, fY);
+        else if (n % 50 == 1)
+            std::snprintf(szLine, sizeof szLine, "N%d G1 X%.4f Y%.4f Z%.4f F1500\n", n, fX, fY, fZ);
+        else
+            std::snprintf(szLine, sizeof szLine, "G1 X%.4f Y%.4f Z%.4f\n", fX, fY, fZ);
+        content += szLine;
+    }
+    return file.write(content) == content.size();
+}
+
+double ReadOnlyMs(const QString& strPath)
+{
+    QFile file(strPath);
+    if (!file.open(QIODevice::ReadOnly)) return 0.0;
+    QElapsedTimer timer;
+    timer.start();
+    QTextStream stream(&file);
+    qint64 lRead = 0;
+    while (!stream.atEnd()) lRead += stream.readLine().size();
+    const double fMs = double(timer.nsecsElapsed()) / 1e6;
+    return lRead > 0 ? fMs : 0.0;
+}
+
+size_t HeapBytes()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+stShape Measure()
+{
+    stShape shape;
+    for (const QString& strLine : CGCodeStore::m_lstOfGCodeLines) shape.lCharacters += strLine.size();
+    for (const GCodeTokens& tokens : CGCodeStore::m_lstOfGCodeCmds) shape.lTokens += qint64(tokens.size());
+    return shape;
+}
+}   // namespace
+
+int main(int argc, char** argv)
+{
+    const int iLines = argc > 1 ? std::atoi(argv[1]) : 1'000'000;
+    QTemporaryDir folder;
+    const QString strPath = folder.filePath(QStringLiteral("job.ngc"));
+    if (iLines < 1 || !WriteJob(strPath, iLines)) return 1;
+
+    ReadOnlyMs(strPath);   // the file into the cache
+    const size_t uHeapBefore = HeapBytes();
+    QElapsedTimer timer;
+    timer.start();
+    CGCodeStore::LoadGCode(strPath, nullptr);
+    const double fLoad = double(timer.nsecsElapsed()) / 1e6;
+    const size_t uHeap = HeapBytes() - uHeapBefore;
+    timer.restart();
+    CGCodeStore::CompileGCode(nullptr);
+    const double fCompile = double(timer.nsecsElapsed()) / 1e6;
+    double fRead = ReadOnlyMs(strPath);
+    for (int n = 0; n < 4; ++n) fRead = std::min(fRead, ReadOnlyMs(strPath));
+
+    const stShape shape = Measure();
+    const double fBound = 32.0 * double(shape.lTokens) / iLines + 2.0 * double(shape.lCharacters) / iLines + 160.0;
+    std::printf("{\"lines\": %d, \"errors\": %zu, \"load_ms\": %.1f, \"compile_ms\": %.1f, \"read_line_ms\": %.1f, "
+                "\"ratio\": %.2f, \"ratio_bound\": 9.0,\n \"bytes_a_line\": %.1f, \"bytes_a_line_bound\": %.1f, "
+                "\"tokens_a_line\": %.2f, \"characters_a_line\": %.2f}\n",
+                iLines, CGCodeStore::m_CompilationErrors.size(), fLoad, fCompile, fRead, (fLoad + fCompile) / fRead,
+                double(uHeap) / iLines, fBound, double(shape.lTokens) / iLines, double(shape.lCharacters) / iLines);
+    std::fflush(stdout);
+    std::_Exit(0);   // nothing of it is worth a million releases
+}

@@ -1,0 +1,53 @@
+#pragma once
+#include "common/Shared.h"
+#include "gcode/GCodeTokens.h"
+
+#include <QString>
+
+#include <map>
+#include <string>
+#include <vector>
+
+class CGCodeCompiler;
+class QFile;
+class QObject;
+
+// The one G-code program of the system, line by line as text and as tokens. Static, so that the worker, the pooled
+// tasks and the screens reach the same data. There is no lock: the interface thread starts a load or a compilation
+// only while no other one runs and no operation does, by the flags below.
+class CGCodeStore
+{
+public:
+    static std::vector<QString> m_lstOfGCodeLines;               // as read, without line ends
+    static GCodeProgram m_lstOfGCodeCmds;                        // entry n belongs to line n
+    static std::map<quint32, std::string> m_CompilationErrors;   // by line, of the last compilation
+    static CShared<bool> m_bGCodeLoading, m_bGCodeCompiling;     // raised by the starter, cleared by the task
+    static CShared<bool> m_bToolChgCompiling;                    // the compiler is inside a tool-change file
+    // The tokens of a tool-change file stand in the place of the program's: whoever would start, compile or edit the
+    // program must be refused meanwhile. m_bGCodeCompiling does not tell, since the walk of that file clears it.
+    static CShared<bool> m_bProgramExchanged;
+
+    static GCodeTokens Parse_GCode_Line(const QString& strLine) { return TokenizeProgramLine(strLine); }
+
+    // Appends the lines of a file to the store, all of them at once. A pooled task; m_bGCodeLoading is up. Afterwards
+    // the flag is down, and the signal GCodeLoadComplete of notify (may be null) is sent, to its own thread.
+    // A file that cannot be opened ends it without a signal and with the flag up. One that cannot be read to its end
+    // adds nothing, and the operator is told.
+    static void LoadGCode(QString strFile, QObject* notify);
+
+    // Checks the program and adds what is wrong to m_CompilationErrors, which the caller has emptied. Changes
+    // AppConfig::m_PlaneSel. A pooled task or the interface thread. At the end m_bGCodeCompiling is down, and the
+    // signal GCodeCompilationComplete of notify (may be null) is sent; not if the walk has failed.
+    static void CompileGCode(QObject* notify);
+
+    // The name under which a program typed by the operator is saved: with ".ncc" where it has no extension.
+    static QString SaveFileName(const QString& strName);
+    // Writes the text, "\n" behind every line: the file is the old one or the whole new one. False where the disk
+    // refuses.
+    static bool WriteProgram(const QString& strPath);
+    static void ClearProgram();
+
+private:
+    // A T word: the tool-change file of that name is compiled in the program's place.
+    static void CompileToolFile(CGCodeCompiler& compiler);
+};

@@ -1,0 +1,7 @@
+#include "gcode/GCodeTokens.h"
+#include "machine/AppControl.h"
+
+GCodeTokens AppControl::Parse_GCode_Line(const QString& strLine)
+{
+    return TokenizeToolLine(strLine);
+}
