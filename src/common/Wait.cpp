@@ -4,6 +4,7 @@
 #include <QThreadPool>
 
 CShared<qint64> CWait::m_lShorten = 1;
+CShared<void (*)(qint64)> CWait::m_fnSleepHook = nullptr;
 
 static QElapsedTimer StartedTimer()
 {
@@ -22,6 +23,7 @@ qint64 CWait::Now()
 void CWait::SleepUs(qint64 lUs)
 {
     if (CVirtualTime* pTime = CVirtualTime::Current()) return pTime->Sleep(lUs * 1000);
+    if (const auto fnHook = static_cast<void (*)(qint64)>(m_fnSleepHook)) fnHook(lUs);
     QThread::usleep(static_cast<unsigned long>(lUs / m_lShorten));
 }
 

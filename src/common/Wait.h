@@ -45,12 +45,17 @@ public:
         return true;
     }
 
+    // Called on the sleeping thread ahead of every sleep of the real clock: how a supervision that nobody sits at sees
+    // that the worker waits (in a dry run CVirtualTime::m_fnSupervise). Null by default; set while nothing runs.
+    static void SetSleepHook(void (*fnHook)(qint64 lUs)) { m_fnSleepHook = fnHook; }
+
     // Tests shorten the sleeps of the real clock by this factor.
     static void SetShorten(qint64 lFactor) { m_lShorten = lFactor; }
 
 private:
     static qint64 Until(qint64 lNow, qint64 lLimit) { return lLimit < FOREVER - lNow ? lNow + lLimit : FOREVER; }
     static CShared<qint64> m_lShorten;
+    static CShared<void (*)(qint64)> m_fnSleepHook;
 };
 
 // A task on the thread pool whose result nobody asks for; in a dry run it is done at once.

@@ -43,8 +43,8 @@ public:
     void Finish() override
     {
         if (m_bEnding) return CAllAxisCtrl::EndAutoMode();
+        CAllAxisCtrl::TellMoveEnd();
         CAllAxisCtrl::EndMove();
-        if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(-1);
     }
 
 private:
@@ -114,11 +114,18 @@ void CAllAxisCtrl::RunAutoMode()
         if (m_bStartMotion) {
             PrepareMove(move, clock);
             RunMove(std::span(move.tracks, move.uAxes), m_bAutoMode, AppConfig::m_bSimulationMode, clock, pins);
+            TellMoveEnd();
         }
         EndMove();
     }
     CWait::SleepUs(PINS_LOW_DELAY_US);
     EndAutoMode();
+}
+
+// While the next move can't be handed over yet.
+void CAllAxisCtrl::TellMoveEnd()
+{
+    if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(-1);
 }
 
 // A move that was cut off between the edges of a pulse leaves no pin high.

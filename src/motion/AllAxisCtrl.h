@@ -44,6 +44,7 @@ private:
         size_t uAxes = 0;
     };
     template <class Clock> static void PrepareMove(stMove& move, Clock& clock);
+    static void TellMoveEnd();
     static void EndMove() { m_bStartMotion = false; }
     static void EndAutoMode();
 };

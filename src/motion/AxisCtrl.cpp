@@ -245,6 +245,7 @@ bool AxisCtrl::MoveAxis()
 
 void AxisCtrl::StartThread()
 {
+    if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnAxisMove(m_sAxis);   // before the first pulse
     if (CVirtualTime* pTime = CVirtualTime::Current()) {
         m_bThreadIdle = false;
         m_bStartPending = true;
@@ -252,7 +253,6 @@ void AxisCtrl::StartThread()
     } else {
         start();
     }
-    if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnAxisMove(m_sAxis);
 }
 
 void AxisCtrl::CreateMotionCurve()
@@ -378,9 +378,8 @@ qint64 AxisCtrl::Run(qint64 lStart)
 
 void AxisCtrl::Finish()
 {
+    if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(m_sAxis);
     m_bDecelerate = false;
     m_bMoving = false;
     m_bThreadIdle = true;
-    if (CVirtualTime::Current())
-        if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(m_sAxis);
 }

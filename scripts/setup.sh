@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs what building and testing need, by package name; does nothing, quickly, when nothing is missing.
+# Debian 12, or Raspberry Pi OS of the same age.
+set -euo pipefail
+
+packages=(
+    cmake ninja-build g++       # the build
+    ccache                      # makes a second build quick
+    qt6-base-dev                # Core, Concurrent, Gui and their build tools; brings the OpenGL headers that Gui asks for
+    libgtest-dev                # tests
+    libbenchmark-dev            # bench/
+    clang-format                # the check of the layout
+    fonts-dejavu-core           # the one font of pictures and screens
+)
+
+if ! command -v dpkg-query >/dev/null; then
+    echo "setup: no dpkg on this system; please install what stands for: ${packages[*]}" >&2
+    exit 0
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+        echo "setup: please install as root: apt-get install ${missing[*]}" >&2
+        exit 1
+    fi
+    as_root=(sudo)
+fi
+echo "setup: installing ${missing[*]}" >&2
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"

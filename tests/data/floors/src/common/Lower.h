@@ -1,0 +1,1 @@
+#include "motion/Upper.h"   // goes up

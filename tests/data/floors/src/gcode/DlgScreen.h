@@ -1,0 +1,2 @@
+#include "common/Fine.h"
+#include "gcode/Model.h"

@@ -1,0 +1,1 @@
+#include "gcode/DlgScreen.h"   // a screen is above the machine
