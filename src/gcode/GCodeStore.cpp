@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QObject>
+#include <QSaveFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -129,14 +130,14 @@ QString CGCodeStore::SaveFileName(const QString& strName)
     return strName.indexOf(QLatin1Char('.'), iFirst + 1) < 0 ? strName + QStringLiteral(".ncc") : strName;
 }
 
-bool CGCodeStore::WriteProgram(const QString& strPath)
+bool CGCodeStore::WriteProgram(const QString& strPath, bool* pOpened)
 {
-    QByteArray content;
-    for (const QString& strLine : m_lstOfGCodeLines) {
-        content += strLine.toUtf8();
-        content += '\n';
-    }
-    return ReplaceFile(strPath, content);
+    QSaveFile file(strPath);
+    const bool bOpened = file.open(QIODevice::WriteOnly);
+    if (pOpened) *pOpened = bOpened;
+    if (!bOpened) return false;
+    for (const QString& strLine : m_lstOfGCodeLines) file.write(strLine.toUtf8() + '\n');
+    return file.commit();   // refuses when a line could not be written
 }
 
 void CGCodeStore::ClearProgram()
