@@ -60,7 +60,7 @@ public:
     static bool LoadConfig(QString path);
     // Writes the store whole: the file is the old one or the new one, also after a crash. A failure is a line in the
     // operator's log.
-    static void SaveConfig(QString path);
+    static bool SaveConfig(QString path);   // false, and logged: the disk refuses
     static void CreateConfigFile(QString path);   // the same; what it writes at a first start are the defaults
     // The reading alone: board pins and PWM frequency are set, feeds are not yet derived, no file is written.
     // False: another version wrote it, so that m_bUseG01FeedForJog was not read. What is missing at the end reads as
