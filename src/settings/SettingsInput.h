@@ -13,10 +13,10 @@ bool RefuseMachineInUse(CScreenHost& host);
 // One number behind a button.
 struct stNumberField
 {
-    QString strTitle;      // of the keypad
-    QString strCaption;    // under the number on the button; empty: the number alone
-    stFloatPoint fRange;   // x lowest, y highest; zeros: no check
-    bool bSign = false;    // may be negative
+    QString strTitle = {};      // of the keypad
+    QString strCaption = {};    // under the number on the button; empty: the number alone
+    stFloatPoint fRange = {};   // x lowest, y highest; zeros: no check
+    bool bSign = false;         // may be negative
     quint16 iDecimals = PRECISION;
 };
 void ShowNumber(QPushButton* pButton, const stNumberField& field, double fValue);
