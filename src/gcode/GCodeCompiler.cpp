@@ -10,6 +10,7 @@ namespace {
 // What one line may cost beyond the walk itself, in tokens. Each G word looks at the rest of its line, so that a line
 // of a megabyte could take hours, and its error texts all memory. Reached by lines of more than 3000 words only.
 constexpr size_t LINE_BUDGET = 10'000'000;
+constexpr size_t ERROR_COST = 20;   // about what its text takes
 
 bool IsDigit(char c)
 {
@@ -213,14 +214,17 @@ void CGCodeCompiler::GWord()
 unsigned CGCodeCompiler::NoteRepetitions(std::string_view strLetters)
 {
     unsigned uSeen = 0;
-    size_t n = m_uToken + 1;
+    size_t n = m_uToken + 1, uCost = 0;
     for (; n < Count() && LetterAt(n) != '('; ++n) {
         const size_t uLetter = strLetters.find(LetterAt(n));
         if (uLetter == std::string_view::npos) continue;
-        if (uSeen >> uLetter & 1u) ErrorAt(n, "Repitition");
+        if (uSeen >> uLetter & 1u) {
+            ErrorAt(n, "Repitition");
+            uCost += ERROR_COST;
+        }
         uSeen |= 1u << uLetter;
     }
-    Spend(n - m_uToken);
+    Spend(n - m_uToken + uCost);
     return uSeen;
 }
 

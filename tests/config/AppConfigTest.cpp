@@ -2,8 +2,9 @@
 
 #include "common/Paths.h"
 #include "config/SettingsTable.h"
+#include "support/Cases.h"
 #include "support/CleanMachine.h"
-#include "support/DataFiles.h"
+#include "support/Files.h"
 #include "support/LoggedScreen.h"
 
 #include <QJsonArray>
@@ -66,11 +67,11 @@ class AppConfigCase : public CCleanMachine, public testing::WithParamInterface<s
 
 TEST_P(AppConfigCase, LoadsAndLeavesTheFileAsTold)
 {
-    const QString strCase = QStringLiteral("config/") + QString::fromStdString(GetParam());
-    const QJsonObject expected = ReadJson(strCase + QStringLiteral(".json"));
+    const QString strCase = QString::fromStdString(GetParam());
+    const QJsonObject expected = CCases::Json("config", strCase + QStringLiteral(".json"));
     QByteArray before;
     if (!expected["file"].isNull()) {
-        before = ReadAll(DataPath(strCase + QStringLiteral(".dat")));
+        before = CCases::Bytes("config", strCase + QStringLiteral(".dat"));
         WriteAll(ConfigPath(), before);
     }
 
@@ -79,15 +80,15 @@ TEST_P(AppConfigCase, LoadsAndLeavesTheFileAsTold)
     ExpectMembers(expected["members"].toObject());
     for (const char* szKey : {"created_at_path", "config_file_after"})
         if (expected.contains(QLatin1String(szKey)))
-            before = ReadAll(DataPath(QStringLiteral("config/") + expected[QLatin1String(szKey)].toString()));
+            before = CCases::Bytes("config", expected[QLatin1String(szKey)].toString());
     EXPECT_EQ(ReadAll(ConfigPath()).toHex(), before.toHex());
 }
-INSTANTIATE_TEST_SUITE_P(Files, AppConfigCase, testing::ValuesIn(CaseNames("config", "*.json")));
+INSTANTIATE_TEST_SUITE_P(Files, AppConfigCase, testing::ValuesIn(CCases::Names("config", ".json")), CaseName);
 
 // Wherever the file ends, each setting is that of the whole file or zero, and what was whole stays whole.
 TEST_F(AppConfigFile, CutShortAtEveryLengthReadsZerosBeyondItsEnd)
 {
-    WriteAll(ConfigPath(), ReadAll(DataPath("config/04_old_version.dat")));
+    WriteAll(ConfigPath(), CCases::Bytes("config", "04_old_version.dat"));
     ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE));   // an old file, so the new one is whole
     const QByteArray whole = ReadAll(ConfigPath());
     ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE));
@@ -130,11 +131,11 @@ TEST_F(AppConfigFile, UnopenableFileIsToldInABoxAndLeavesTheDefaults)
 TEST_F(AppConfigFile, UpgradeGoesToTheProductsFileWhateverWasRead)
 {
     const QString strOther = m_Home.filePath("other.dat");
-    const QByteArray old = ReadAll(DataPath("config/04_old_version.dat"));
+    const QByteArray old = CCases::Bytes("config", "04_old_version.dat");
     WriteAll(strOther, old);
     EXPECT_TRUE(AppConfig::LoadConfig(strOther));
     EXPECT_EQ(ReadAll(strOther), old);
-    EXPECT_EQ(ReadAll(ConfigPath()), ReadAll(DataPath("config/04_old_version.after.dat")));
+    EXPECT_EQ(ReadAll(ConfigPath()), CCases::Bytes("config", "04_old_version.after.dat"));
 }
 
 TEST_F(AppConfigFile, SaveThatFailsIsToldInTheLogAndLeavesNothingBehind)

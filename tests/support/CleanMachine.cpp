@@ -4,6 +4,7 @@
 #include "common/Paths.h"
 #include "common/Wait.h"
 #include "config/AppConfig.h"
+#include "gcode/GCodeStore.h"
 #include "motion/AllAxisCtrl.h"
 #include "motion/MotionObserver.h"
 #include "platform/Computer.h"
@@ -65,6 +66,11 @@ void ResetStatics()
     CAllAxisCtrl::m_bStartMotion = false;
     CAllAxisCtrl::m_bAutoModeRunning = false;
     CAllAxisCtrl::m_lstAxisToMov = {};
+    CGCodeStore::ClearProgram();
+    CGCodeStore::m_bGCodeLoading = false;
+    CGCodeStore::m_bGCodeCompiling = false;
+    CGCodeStore::m_bToolChgCompiling = false;
+    CGCodeStore::m_bProgramExchanged = false;
     CMotionObserver::Set(nullptr);
     COperatorScreen::Set(nullptr);
     CVirtualPins::Reset();
