@@ -2,6 +2,7 @@
 
 #include "app/RunWindow.h"
 #include "config/AppConfig.h"
+#include "platform/WiringPi.h"
 #include "support/CleanMachine.h"
 #include "ui/ScreenSupport.h"
 
@@ -9,12 +10,9 @@ namespace {
 class BenchPanel : public CCleanMachine
 {
 protected:
-    BenchPanel()
-    {
-        AppConfig::LoadConfig(CONFIG_FILE);
-        CVirtualPins::SetObserver(&m_Machine);
-    }
+    BenchPanel() { CVirtualPins::SetObserver(&m_Machine); }
     int Level(int iPin) const { return CVirtualPins::Level(iPin); }
+    const bool m_bLoaded = AppConfig::LoadConfig(CONFIG_FILE);   // first: the panel is wired by it
     CBenchPanel::stWiring m_Wiring = CBenchPanel::WiringOfSettings();
     CVirtualMachine m_Machine{m_Wiring.machine};
     CBenchPanel m_Panel{m_Machine, m_Wiring};

@@ -88,6 +88,7 @@ void CBenchPanel::AddLamp(const stPin& output)
 
 void CBenchPanel::Refresh()
 {
+    StayReachable();
     for (const stSwitch& input : m_lstSwitches) input.pButton->setChecked(CVirtualPins::Level(input.iPin) != 0);
     for (stLamp& lamp : m_lstLamps) {
         const int iLevel = lamp.iPin >= 0 ? CVirtualPins::Level(lamp.iPin) : 0;
@@ -141,12 +142,6 @@ void CBenchPanel::ShowBeside(const QWidget& window)
     move(std::min(beside.right() + GAP, area.right() - width()), std::max(area.top(), beside.top()));
     show();
     connect(&window, &QObject::destroyed, this, &QWidget::close);
-}
-
-bool CBenchPanel::event(QEvent* pEvent)
-{
-    if (pEvent->type() == QEvent::WindowBlocked) QTimer::singleShot(0, this, &CBenchPanel::StayReachable);
-    return QWidget::event(pEvent);
 }
 
 // A modal box blocks every window that is not its own: the panel becomes its own until the box goes.

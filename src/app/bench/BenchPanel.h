@@ -43,9 +43,6 @@ public:
     // To the right of the window where the screen has room, else over the screen's right edge. It closes with it.
     void ShowBeside(const QWidget& window);
 
-protected:
-    bool event(QEvent* pEvent) override;
-
 private slots:
     void on_Btn_EStop_clicked(bool bOn) { m_Machine.PressEmergencyStop(bOn); }
     void on_Btn_Start_pressed();
