@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # ./run.sh JOB [OPTIONS]  builds and runs a job without a display: progress, a summary, a picture of the tool path.
-# ./run.sh                the operator's window: on a Pi the machine's, elsewhere on a machine that does not exist.
+# ./run.sh                the operator's window: on a Pi with its pin libraries on the machine, elsewhere on a virtual one.
 # All options are those of vantor-run (./run.sh --help).
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -9,7 +9,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 target=vantor-run
 if [ $# -eq 0 ]; then
     target=vantor-bench
-    if grep -qs 'Raspberry Pi' /proc/device-tree/model; then target=vantor; fi
+    libraries=$(/sbin/ldconfig -p)
+    if [[ $libraries == *libwiringPi.so* && $libraries == *libpigpio.so* ]]; then target=vantor; fi
 fi
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
