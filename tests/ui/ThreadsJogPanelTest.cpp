@@ -73,6 +73,7 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
     const QPoint middle = button.rect().center();
     QDialog box(&m_Host);
     box.setModal(true);
+    QWidget other;
     const std::pair<const char*, std::function<void()>> ways[] = {
         {"the finger leaves",
          [&] {
@@ -82,6 +83,11 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
         {"the panel is hidden", [&] { m_Panel.hide(); }},
         {"the window is disabled", [&] { m_Host.setEnabled(false); }},
         {"the window is hidden", [&] { m_Host.hide(); }},
+        {"another window becomes the active one",
+         [&] {
+             ShowWindow(other);
+             other.activateWindow();
+         }},
         {"a box blocks the window", [&] { ShowWindow(box); }}};
     for (const auto& [szWay, fnEnd] : ways) {
         TouchDown(button, middle);
@@ -89,6 +95,8 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
         fnEnd();
         EXPECT_TRUE(StandsStill()) << szWay;
         box.hide();
+        other.hide();
+        m_Host.activateWindow();
         m_Host.setEnabled(true);
         m_Panel.setEnabled(true);
         m_Panel.show();
