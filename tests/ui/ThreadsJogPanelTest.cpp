@@ -75,6 +75,12 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
     box.setModal(true);
     QWidget other;
     const std::pair<const char*, std::function<void()>> ways[] = {
+        {"another window becomes the active one",
+         [&] {
+             EXPECT_EQ(QApplication::activeWindow(), &m_Host);
+             ShowWindow(other);
+             other.activateWindow();
+         }},
         {"the finger leaves",
          [&] {
              TouchMove(button, {-5, 20});
@@ -83,11 +89,6 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
         {"the panel is hidden", [&] { m_Panel.hide(); }},
         {"the window is disabled", [&] { m_Host.setEnabled(false); }},
         {"the window is hidden", [&] { m_Host.hide(); }},
-        {"another window becomes the active one",
-         [&] {
-             ShowWindow(other);
-             other.activateWindow();
-         }},
         {"a box blocks the window", [&] { ShowWindow(box); }}};
     for (const auto& [szWay, fnEnd] : ways) {
         TouchDown(button, middle);
