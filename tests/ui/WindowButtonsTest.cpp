@@ -117,7 +117,7 @@ TEST_F(WindowButtons, ClearAndSaveTheLog)
         CAnswer file(CAnswer::File(m_Home.filePath(strName)));
         TouchButton("Btn_SaveLog");
         EXPECT_EQ(file.Title(), "Select file name");
-        return Log().first();
+        return Log().value(0);
     };
     EXPECT_EQ(Save("log"), "Log saved: " + m_Home.filePath("log.txt"));
     EXPECT_TRUE(QRegularExpression("^\\[[\\d:]{8}\\]two\nlines\n\\[[\\d:]{8}\\]older\n$")
@@ -136,7 +136,7 @@ TEST_F(WindowButtons, ClearAndSaveTheLog)
     EXPECT_EQ(Log(), QStringList());
     for (int n = 0; n < 2100; ++n) Window().AddLogMsg(QString::number(n), MSG_INFO);
     EXPECT_EQ(Log().size(), 2000);
-    EXPECT_EQ(Log().first() + Log().last(), "2099100");
+    EXPECT_EQ(Log().value(0) + Log().last(), "2099100");
 }
 
 // ---- Work piece ----
@@ -153,7 +153,7 @@ TEST_F(WindowButtons, SetTheWorkPieceWithinItsRange)
     EXPECT_EQ(Set("Length", "C300"), "300.00\nLength(X)");
     EXPECT_EQ(Set("Width", "C10000.5"), "10000.00\nWidth(Y)");
     EXPECT_EQ(Set("Height", "C0.5"), "1.00\nHeight(Z)");
-    EXPECT_EQ(Log().at(0), "Value must be between\n1.0000 and 10000.0000");
+    EXPECT_EQ(Log().value(0), "Value must be between\n1.0000 and 10000.0000");
     Window().SetWorkPieceHeight(2.5);   // a job fixes it
     EXPECT_EQ(Button("Btn_SetWorkPieceHeight").text(), "2.50\nHeight(Z)");
     Button("Btn_SelectToolPaths").setStyleSheet(BTN_BKGND_GRAY);

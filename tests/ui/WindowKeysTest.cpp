@@ -86,6 +86,8 @@ TEST_F(WindowKeys, AJogEndsWhenABoxComesOrTheWindowLosesTheKeyboard)
         TouchButton("Btn_ClearLog");
     }
     Key(Qt::Key_6, false);
+    Window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window()));
     Jog();
     QWidget other;
     other.show();
@@ -267,7 +269,7 @@ TEST_F(WindowKeys, LoadTheFirstProgramOfAStick)
     const QString strStick = CPaths::MountFolder() + "/STICK/";
     ASSERT_TRUE(QDir().mkpath(strStick));
     TapKey(Qt::Key_Plus);
-    EXPECT_EQ(Log().first(), "No G-Code files found");
+    EXPECT_EQ(Log().value(0), "No G-Code files found");
 
     QFile file(strStick + "part.ncc");
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

@@ -21,10 +21,11 @@ protected:
 // The whole road: load by the file dialog, compile, start, pause, resume, reset, run again to the end.
 TEST_F(WindowRun, FollowsThePressOfStart)
 {
+    for (double& fFeed : AppConfig::m_fUserAxisFeed) fFeed = 5.0;   // slow enough to be paused in time
     Open();
-    QFile file(m_Home.filePath("part.ncc"));
+    QFile file(m_Home.filePath("part.tap"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("G1 X2.0\nG1 Y1.5\nG1 X0.5 Z-0.25\nM30\n");
+    file.write("G1 X2.0\nG1 Y5\nG1 X0.5 Z-0.25\nM30\n");
     file.close();
 
     CAnswer open(CAnswer::File(file.fileName()));
@@ -34,7 +35,7 @@ TEST_F(WindowRun, FollowsThePressOfStart)
     ExpectLogged("G-Code Compilation Completed");
 
     Touch(Round("m_BtnStart"));
-    EXPECT_EQ(Log().first(), "G-Code execution Started");
+    EXPECT_EQ(Log().value(0), "G-Code execution Started");
     EXPECT_TRUE(Round("m_BtnStart").IsPressed() && !Round("m_BtnStart").isEnabled());
     EXPECT_TRUE(WaitFor([] { return StatusOutput() == 1; }));
     EXPECT_TRUE(WaitFor([&] { return Machine().GetCurPos(X_AXIS) > 0.1; }));
@@ -54,30 +55,31 @@ TEST_F(WindowRun, FollowsThePressOfStart)
     ClearLog();
     Touch(Round("m_BtnReset"));
     EXPECT_EQ(Log(), QStringList("Pause execution to Reset"));
+    EXPECT_TRUE(WaitFor([&] { return !Round("m_BtnReset").IsPressed(); }));
     Touch(Round("m_BtnPause"));
     Touch(Round("m_BtnReset"));
-    EXPECT_EQ(Log().first(), "Wait for Machine to Stop to Reset");
+    EXPECT_EQ(Log().value(0), "Wait for Machine to Stop to Reset");
     EXPECT_TRUE(WaitFor([&] { return AllStands(); }));
     EXPECT_TRUE(WaitFor([&] { return !Round("m_BtnReset").IsPressed(); }));
     Touch(Round("m_BtnReset"));
-    EXPECT_EQ(Log().at(0) + Log().at(1), "Execution resetG-Code execution finished");
+    EXPECT_EQ(Log().value(0) + Log().value(1), "Execution resetG-Code execution finished");
     EXPECT_EQ(Machine().m_eOperation, OP_NONE);
     EXPECT_TRUE(WaitIdle());
     EXPECT_EQ(StatusOutput(), 0);
-    EXPECT_EQ(Carriages().Carriage(Y_AXIS), 1500) << "abandoned where it stood";
+    EXPECT_EQ(Carriages().Carriage(Y_AXIS), 5000) << "abandoned where it stood";
 
     ClearLog();
     StartByTouch();
     ExpectLogged("G-Code execution finished");
     EXPECT_TRUE(WaitIdle());
     EXPECT_EQ(Carriages().Carriage(X_AXIS), 500);
-    EXPECT_EQ(Carriages().Carriage(Y_AXIS), 1500);
+    EXPECT_EQ(Carriages().Carriage(Y_AXIS), 5000);
     EXPECT_EQ(Carriages().Carriage(Z_AXIS), -250);
     EXPECT_EQ(StatusOutput(), 0);
     EXPECT_TRUE(Button("Btn_UserSettings").isEnabled() && Button("Btn_OpenGCode").isEnabled());
     EXPECT_TRUE(!Round("m_BtnStart").IsPressed() && Round("m_BtnStart").isEnabled());
     Window().OnTimer();
-    EXPECT_TRUE(Child<QLabel>(Window(), "LE_CurPos").text().startsWith("0.5000\n1.5000\n-0.2500\n"));
+    EXPECT_TRUE(Child<QLabel>(Window(), "LE_CurPos").text().startsWith("0.5000\n5.0000\n-0.2500\n"));
 }
 
 TEST_F(WindowRun, IsRefusedInTheOrderOfItsChecks)
@@ -134,13 +136,13 @@ TEST_F(WindowRun, ThePlainButtonsStartPauseResumeAndReset)
     EXPECT_EQ(start.text() + start.styleSheet(), "Resume" + BTN_BKGND_BLUE);
     EXPECT_TRUE(reset.isEnabled() && Machine().m_bPause);
     reset.click();
-    EXPECT_EQ(Log().first(), "Wait for Machine to Stop to Reset");
+    EXPECT_EQ(Log().value(0), "Wait for Machine to Stop to Reset");
     start.click();
     EXPECT_TRUE(start.text() == "Pause" && !reset.isEnabled() && !Machine().m_bPause);
     start.click();
     EXPECT_TRUE(WaitFor([&] { return AllStands(); }));
     reset.click();
-    EXPECT_EQ(Log().first(), "Machine is reset");
+    EXPECT_EQ(Log().value(0), "Machine is reset");
     EXPECT_EQ(start.text() + start.styleSheet(), "Start" + BTN_BKGND_START);
     EXPECT_TRUE(!reset.isEnabled() && Machine().m_eOperation == OP_NONE);
     Button("Btn_AppHelp").click();   // has no behaviour
