@@ -68,14 +68,20 @@ public:
     }
     void SetSpindleSpeed(int iSpeed) override
     {
+        const qsizetype iEvent = m_Trace.size();
         if (AppConfig::m_GCodeRunSettings.bUsePrgmSpindleSpeed) Note({{"ev", "spindle"}, {"speed", iSpeed}});
-        AppControl::SetSpindleSpeed(iSpeed);
+        AppControl::SetSpindleSpeed(iSpeed);   // sets the frequency and sleeps
+        for (qsizetype n = iEvent; n < m_Trace.size(); ++n) {
+            QJsonObject event = m_Trace[n].toObject();
+            if (event["ev"] == QLatin1String("spindle")) event["freq"] = int(AppConfig::m_stPwmSpndlSettings.iCurFreq);
+            m_Trace[n] = event;
+        }
     }
     bool CutArc(unsigned uLine, stGCodeEllipseInfo& info) override
     {
         if (!Inside([&] { return AppControl::CutArc(uLine, info); })) return false;
         Note({{"ev", "arc"},
-              {"plane", AppConfig::m_PlaneSel},
+              {"plane", int(AppConfig::m_PlaneSel)},
               {"dir", info.eDir},
               {"start", PointArray(info.stStart)},
               {"end", PointArray(info.stEnd)},
@@ -234,13 +240,13 @@ protected:
                              {"program_position", PointArray(m_App.m_CurGCodePos, m_App.m_iAxes)},
                              {"abs_rel", run.sAbsRel},
                              {"state", run.iState},
-                             {"plane", AppConfig::m_PlaneSel},
-                             {"units", AppConfig::m_eSelUnits},
+                             {"plane", int(AppConfig::m_PlaneSel)},
+                             {"units", int(AppConfig::m_eSelUnits)},
                              {"unit_factor", m_App.m_fUnitFactor},
                              {"feed", run.fFeed},
                              {"tool", QString::fromStdString(m_App.m_strSelTool)},
                              {"cur_line", m_App.m_iCurGCodeLine},
-                             {"spindle_on", AppConfig::m_bSpindleOn},
+                             {"spindle_on", bool(AppConfig::m_bSpindleOn)},
                              {"nesting", qint64(m_App.m_lstSubPrgmStartLine.size())}};
         EXPECT_EQ(final.keys(), is.keys());
         EXPECT_TRUE(Same(final, is, fTolerance)) << Text(final) << "\n" << Text(is);

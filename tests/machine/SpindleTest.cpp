@@ -1,5 +1,6 @@
 #include "machine/WorkerFixture.h"
 
+namespace {
 class Spindle : public CWorkerTest
 {
 protected:
@@ -55,3 +56,4 @@ INSTANTIATE_TEST_SUITE_P(
                     stSpeed{2147483647, 0, 65535, 0, 1, 1},         // 2147483647 * 65535 is 1 modulo 65536
                     stSpeed{2000, 3000, 100, 1000, 2000, 100},      // differences in 16 bits: 62636 per 1000
                     stSpeed{5000, 100, 3000, 1000, 1000, 77}));
+}   // namespace

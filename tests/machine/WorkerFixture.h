@@ -7,8 +7,15 @@
 
 #include <QStringList>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
+#include <ostream>
+
+inline void PrintTo(const QString& str, std::ostream* pOut)
+{
+    *pOut << '"' << str.toStdString() << '"';
+}
 
 // What the worker says to the operator's side, in order.
 class CWorkerScreen : public COperatorScreen
@@ -32,12 +39,12 @@ public:
 
     bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait) override
     {
-        Note(axis, QString::number(fPos, 'g', 10));
+        Note(axis, Number("%.10g", fPos));
         return AppControl::EngMoveAxisAbs(axis, fPos, bWait);
     }
     bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait) override
     {
-        Note(axis, '+' + QString::number(fDist, 'g', 10));
+        Note(axis, Number("+%.10g", fDist));
         return AppControl::EngMoveAxisRel(axis, fDist, bWait);
     }
     bool MoveWorkZeroAll() override
@@ -57,6 +64,12 @@ public:
     std::function<bool()> m_fnWorkZero;   // in place of the move
 
 private:
+    static QString Number(const char* szFormat, double fValue)   // shows the sign of zero, which Qt's own does not
+    {
+        char szText[40];
+        std::snprintf(szText, sizeof szText, szFormat, fValue);
+        return QString::fromLatin1(szText);
+    }
     void Note(eAxis axis, const QString& strHow) { m_lstMoves += QStringLiteral("XYZAB").mid(axis, 1) + ' ' + strHow; }
 };
 
@@ -99,6 +112,12 @@ protected:
                              m_App.StopAll();
                          },
                          [](int, CShared<bool>& bRun) { bRun = false; }});
+    }
+    // mm/s of the table that the axis moves by next.
+    double NextFeed(int iAxis) const
+    {
+        const AxisCtrl& axis = m_App.m_AxisCtrl[iAxis];
+        return axis.m_fVel[axis.m_bNewTable ? 1 - axis.m_ucCurTable : int(axis.m_ucCurTable)];
     }
     double Z() const { return m_App.GetCurPos(Z_AXIS); }
     static int StatusLevel() { return CVirtualPins::Level(AppConfig::m_iPgmStatusOutput); }

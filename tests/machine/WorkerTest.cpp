@@ -1,14 +1,15 @@
-#include "machine/WorkerFixture.h"
-
 #include "common/Paths.h"
+#include "machine/WorkerFixture.h"
 #include "motion/MotionObserver.h"
 #include "platform/Computer.h"
 
 #include <QDate>
 #include <QDir>
+#include <QRegularExpression>
 
 #include <cmath>
 
+namespace {
 // The worker's frame around every operation, on virtual time and on the test's own thread.
 
 class Worker : public CWorkerTest
@@ -52,7 +53,8 @@ TEST_F(Worker, TheLogIsAppendedWithoutLineEndsAndDoesNotMakeItsFolder)
     QFile file(strFolder + '/' + lstFiles[0]);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString strText = file.readAll();
-    EXPECT_TRUE(QRegularExpression("^\\[\\d\\d:\\d\\d:\\d\\d\\]first\\[\\d\\d:\\d\\d:\\d\\d\\]µ$").match(strText).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression("^\\[\\d\\d:\\d\\d:\\d\\d\\]first\\[\\d\\d:\\d\\d:\\d\\d\\]µ$").match(strText).hasMatch())
         << strText.toStdString();
 }
 
@@ -61,7 +63,7 @@ TEST_F(Worker, InitTellsWhyAnAxisCannotMove)
     AppConfig::m_fAxisAcc[Y_AXIS] = 0.0;
     m_App.m_AxisCtrl[X_AXIS].SetCurPos(7.0);
     m_App.InitMachine();
-    EXPECT_EQ(m_App.TakeErrors(), QStringList("Y Axis acceleration must be greater than zero"));
+    EXPECT_EQ(m_App.TakeErrors(), QStringList("Y-Axis acceleration must be greater than zero"));
     EXPECT_EQ(m_App.m_AxisCtrl[Z_AXIS].m_sAxis, Z_AXIS);
     EXPECT_EQ(m_App.GetCurPos(X_AXIS), 0.0);
     EXPECT_EQ(m_App.m_AxisCtrl[Z_AXIS].m_lNegLimit, -AxisCtrl::NO_LIMIT);
@@ -222,10 +224,9 @@ TEST_P(WorkerFrame, GoesByTheOperation)
     const GCodeProgram program(1);
     m_App.m_pGCodeProgram = &program;
     m_App.m_bExecSingleLine = GetParam().bSingleLine;
-    AxisCtrl& x = m_App.m_AxisCtrl[X_AXIS];
-    x.SetVelocityAcc(3.0, 600.0);
+    m_App.m_AxisCtrl[X_AXIS].SetVelocityAcc(3.0, 600.0);
     m_App.m_fnWorkZero = [&] {
-        EXPECT_EQ(x.m_fVel[1 - x.m_ucCurTable], GetParam().bResets ? 15.0 : 3.0);
+        EXPECT_EQ(NextFeed(X_AXIS), GetParam().bResets ? 15.0 : 3.0);
         return true;
     };
     m_App.RunAs(GetParam().eCode);
@@ -356,3 +357,4 @@ INSTANTIATE_TEST_SUITE_P(Jobs, WorkerSpindle,
                                          stSpindle{false, false, false, false, 0, 0},
                                          stSpindle{false, true, true, false, 0, 0},
                                          stSpindle{true, true, false, true, 0, 1}));   // in simulation too
+}   // namespace

@@ -1,9 +1,9 @@
 #include "machine/WorkerFixture.h"
-
 #include "support/Cases.h"
 
 #include <cmath>
 
+namespace {
 // Measuring a surface: the walk over the grid, and what is kept of it.
 
 class ZProfile : public CWorkerTest
@@ -44,7 +44,8 @@ class ZProfileCase : public ZProfile, public testing::WithParamInterface<std::st
 TEST_P(ZProfileCase, ProbesTheGrid)
 {
     const QString strName = QString::fromStdString(GetParam());
-    const QJsonObject in = CCases::Json("zmoves", strName + ".in.json"), out = CCases::Json("zmoves", strName + ".out.json");
+    const QJsonObject in = CCases::Json("zmoves", strName + ".in.json"),
+                      out = CCases::Json("zmoves", strName + ".out.json");
     if (in["kind"] != QLatin1String("probe")) return;
     ApplyConfig(in["cfg"].toObject());
     const QJsonObject info = in["info"].toObject();
@@ -76,7 +77,8 @@ TEST_P(ZProfileCase, ProbesTheGrid)
         ASSERT_EQ(qsizetype(m_Info.lstPoints[size_t(r)].size()), nodes.size());
         for (int n = 0; n < nodes.size(); ++n)
             for (int axis = 0; axis < MAX_AXES; ++axis)
-                EXPECT_NEAR(AxisOf(m_Info.lstPoints[size_t(r)][size_t(n)], axis), nodes[n].toArray()[axis].toDouble(), 1e-12)
+                EXPECT_NEAR(AxisOf(m_Info.lstPoints[size_t(r)][size_t(n)], axis), nodes[n].toArray()[axis].toDouble(),
+                            1e-12)
                     << r << ' ' << n << ' ' << axis;
     }
     for (int axis = 0; axis < 3; ++axis)
@@ -138,9 +140,9 @@ TEST_F(ZProfile, SettingsThatWouldNeverEndAreRefusedAtTheStart)
         for (const double fBad : {0.0, -1.0, std::nan("")}) {
             const double fGood = std::exchange(*pSetting, fBad);
             m_App.RunZProfile();
-            EXPECT_EQ(m_App.TakeErrors(), QStringList(pSetting == &m_Info.fXYStep
-                                                          ? "Z-Profile: X-Y Step must be greater than zero"
-                                                          : "Z-Profile: Z Range must be greater than zero"));
+            EXPECT_EQ(m_App.TakeErrors(),
+                      QStringList(pSetting == &m_Info.fXYStep ? "Z-Profile: X-Y Step must be greater than zero"
+                                                              : "Z-Profile: Z Range must be greater than zero"));
             EXPECT_EQ(m_App.m_eOperation, OP_NONE);
             EXPECT_EQ(m_App.m_iWorkZeroMoves, 0);
             *pSetting = fGood;
@@ -175,8 +177,7 @@ TEST_F(ZProfile, AnOverrideChangedDuringTheMeasurementTakesEffect)
     });
     m_App.CreateZProfile();
     EXPECT_EQ(m_Info.lstPoints.size(), 2u);
-    for (int axis = 0; axis < 3; ++axis)
-        EXPECT_EQ(m_App.m_AxisCtrl[axis].m_fVel[m_App.m_AxisCtrl[axis].m_ucCurTable], 7.5) << axis;
+    for (int axis = 0; axis < 3; ++axis) EXPECT_EQ(NextFeed(axis), 7.5) << axis;
 }
 
 TEST_F(ZProfile, ARefusedMoveKeepsTheRowsThatWereDone)
@@ -207,3 +208,4 @@ TEST_F(ZProfile, AnEmergencyStopLeavesNoMessageAndNoWatch)
         EXPECT_TRUE(m_App.IsMachineIdle());
     }
 }
+}   // namespace

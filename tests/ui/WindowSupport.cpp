@@ -69,8 +69,8 @@ QStringList CWindowTest::Log() const
 
 void CWindowTest::ExpectLogged(const QString& strText)
 {
-    EXPECT_TRUE(WaitFor([&] { return Logged(strText); }))
-        << strText.toStdString() << " is not in:\n" << Log().join('\n').toStdString();
+    EXPECT_TRUE(WaitFor([&] { return Logged(strText); })) << strText.toStdString() << " is not in:\n"
+                                                          << Log().join('\n').toStdString();
 }
 
 void CWindowTest::Hold(const QStringList& lstLines)

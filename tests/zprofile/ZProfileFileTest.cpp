@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+namespace {
 class ZProfileFile : public CCleanMachine
 {
 protected:
@@ -124,8 +125,9 @@ TEST_P(ZProfileText, MalformedWordsGiveZeros)
 INSTANTIATE_TEST_SUITE_P(Texts, ZProfileText,
                          testing::Values(stText{"1\n1\nabc\n", {{{0, 0, 0}}}}, stText{"1\n1\n1,x,3\n", {{{1, 0, 3}}}},
                                          stText{"1\n1\n1,2,3,4\n", {{{1, 2, 0}}}}, stText{"1\n1\n,,3\n", {{{0, 0, 3}}}},
-                                         stText{"1\n1\n7\n", {{{0, 0, 0}}}}, stText{"2\n1\n1,2,3\n", {{{1, 2, 3}}, {{}}}},
-                                         stText{"-1\n5\n1,2,3\n", {}}, stText{"1\n-5\n1,2,3\n", {{}}}));
+                                         stText{"1\n1\n7\n", {{{0, 0, 0}}}},
+                                         stText{"2\n1\n1,2,3\n", {{{1, 2, 3}}, {{}}}}, stText{"-1\n5\n1,2,3\n", {}},
+                                         stText{"1\n-5\n1,2,3\n", {{}}}));
 
 TEST_F(ZProfileFile, AbsurdCountsDoNotEatTheMemory)
 {
@@ -136,3 +138,4 @@ TEST_F(ZProfileFile, AbsurdCountsDoNotEatTheMemory)
         EXPECT_LT(uNodes, 100'000u) << sz;
     }
 }
+}   // namespace
