@@ -133,6 +133,7 @@ private:
     bool m_bEdited = false;      // changed since it was loaded or saved
     bool m_bSingleLineRun = false;
     bool m_bEditMode = false;                  // the edit field accepts input
+    QString m_strOpenFilter;                   // the kind of file chosen last
     QString m_strStickFile;                    // being loaded from a stick
     QFuture<void> m_LoadTask, m_CompileTask;   // the last ones; the destructor waits for them
     QMetaObject::Connection m_RunningLine;
