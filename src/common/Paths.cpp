@@ -29,6 +29,22 @@ QString CPaths::Map(const QString& strPath)
     return strPath;
 }
 
+static QString& Mount()
+{
+    static QString strMount;
+    return strMount;
+}
+
+QString CPaths::MountFolder()
+{
+    return Mount().isEmpty() ? QStringLiteral("/media/vantor") : Mount();
+}
+
+void CPaths::SetMountFolder(const QString& strFolder)
+{
+    Mount() = strFolder;
+}
+
 QString CPaths::Establish()
 {
     if (Root().isEmpty() && !QFileInfo(HOME_FOLDER).isWritable())

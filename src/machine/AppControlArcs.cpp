@@ -44,8 +44,8 @@ bool AppControl::ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info)
     const qint32 iAbsRel = AppConfig::m_GCodeRunSettings.sAbsRel;
     for (const std::string& strToken : m_pGCodeProgram->at(uLine)) {
         if (IsComment(strToken)) break;
-        const char cLetter = WordLetter(strToken);
-        const double fValue = WordDouble(strToken);
+        const char cLetter = TokenLetter(strToken);
+        const double fValue = TokenFloat(strToken);
         if (cLetter >= 'X' && cLetter <= 'Z') {
             const int axis = cLetter - 'X';
             AxisOf(info.stEnd, axis) = (iAbsRel * m_AxisCtrl[axis].GetCurPos() + fValue) * m_fUnitFactor;

@@ -1,11 +1,9 @@
-#include "common/Paths.h"
 #include "common/Wait.h"
+#include "gcode/ExecStatus.h"
 #include "machine/AppControl.h"
 #include "machine/GCodeLineExec.h"
 #include "machine/GCodeWords.h"
 #include "motion/AllAxisCtrl.h"
-
-#include <QDataStream>
 
 #include <algorithm>
 
@@ -88,31 +86,9 @@ void AppControl::RunAtcFile(const GCodeProgram& program)
     }
 }
 
-// White space ends a token here, and a single last character is one: wanted, the files of the tools are written for it.
-GCodeTokens AppControl::Parse_GCode_Line(const QString& strLine)
-{
-    GCodeTokens tokens;
-    const auto Continues = [](QChar c) { return c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char('-'); };
-    const auto LowByte = [](QChar c) { return static_cast<char>(c.unicode() & 0xff); };
-    for (qsizetype n = 0; n < strLine.size();) {
-        if (strLine[n].isSpace()) {
-            ++n;
-            continue;
-        }
-        std::string strToken(1, LowByte(strLine[n]));
-        for (++n; n < strLine.size() && Continues(strLine[n]); ++n) strToken += LowByte(strLine[n]);
-        tokens.push_back(std::move(strToken));
-    }
-    return tokens;
-}
-
 void AppControl::AutoSaveGCodeExecStatus(QString strFile, int iLine)
 {
-    QByteArray content;
-    QDataStream stream(&content, QIODevice::WriteOnly);
-    stream.setVersion(7);
-    stream << strFile << static_cast<qint32>(iLine);
-    ReplaceFile(CPaths::Map(GCODE_EXEC_STATUS_FILE), content);
+    WriteExecStatus(GCODE_EXEC_STATUS_FILE, strFile, iLine);
     m_bWritingGCodeExecStatusFile = false;
 }
 
@@ -124,7 +100,7 @@ const std::string* CGCodeLineExec::TokenBehind(size_t uDistance) const
 bool CGCodeLineExec::Run()
 {
     if (m_Tokens.empty()) return true;
-    if (WordLetter(m_Tokens[0]) == 'N') m_uToken = 1;   // a label is only skipped
+    if (TokenLetter(m_Tokens[0]) == 'N') m_uToken = 1;   // a label is only skipped
     if (m_uToken == m_Tokens.size()) return true;
     while (m_uToken < m_Tokens.size()) {
         switch (Word()) {
@@ -147,7 +123,7 @@ CGCodeLineExec::eNext CGCodeLineExec::Word()
                                             {"XYZAB", &CGCodeLineExec::ModalMove}, {"IJ", &CGCodeLineExec::ModalArc},
                                             {"F", &CGCodeLineExec::FeedWord},      {"S", &CGCodeLineExec::SpeedWord},
                                             {"T", &CGCodeLineExec::ToolWord},      {"M", &CGCodeLineExec::MWord}};
-    const char cLetter = WordLetter(Token());
+    const char cLetter = TokenLetter(Token());
     for (const stLetters& entry : LETTERS)
         if (std::string_view(entry.szLetters).find(cLetter) != std::string_view::npos) return (this->*entry.fnDo)();
     return eNext::UNSUPPORTED;

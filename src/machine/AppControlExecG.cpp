@@ -15,7 +15,7 @@ Exec::eNext Exec::GWord()
                                             {2, 3, &Exec::Arc},        {17, 19, &Exec::Plane},
                                             {20, 21, &Exec::Units},    {28, 28, &Exec::ReturnToZero},
                                             {30, 30, &Exec::WorkZero}, {90, 91, &Exec::AbsoluteOrRelative}};
-    m_iNumber = WordInt(Token());
+    m_iNumber = TokenInt(Token());
     return Numbered(NUMBERS);
 }
 
@@ -25,7 +25,7 @@ AppControl::eWords Exec::ReadTarget(stFloatPoint& target)
     const AppControl::eWords eFound = m_App.ReadMoveWords(static_cast<unsigned>(m_iLine), target);
     if (eFound == AppControl::eWords::NONE)
         m_bNothingToMove = std::none_of(m_Tokens.begin(), m_Tokens.end(), [](const std::string& strToken) {
-            return WordLetter(strToken) == 'F' || WordLetter(strToken) == 'S';
+            return TokenLetter(strToken) == 'F' || TokenLetter(strToken) == 'S';
         });
     return eFound;
 }
@@ -143,7 +143,7 @@ Exec::eNext Exec::FeedWord()
 {
     CAllAxisCtrl::WaitForMotion();
     if (AppConfig::m_bSimulationMode || !AppConfig::m_GCodeRunSettings.bUsePrgmFeed) return eNext::WORD;
-    const double fFeed = WordDouble(Token());
+    const double fFeed = TokenFloat(Token());
     if (!m_App.TakePrgmFeed(fFeed, static_cast<unsigned>(m_iLine))) return eNext::END_RUN;
     m_App.m_fLastPrgmFeed = fFeed;
     return eNext::WORD;
@@ -152,7 +152,7 @@ Exec::eNext Exec::FeedWord()
 Exec::eNext Exec::SpeedWord()
 {
     CAllAxisCtrl::WaitForMotion();
-    if (!AppConfig::m_bSimulationMode) m_App.SetSpindleSpeed(WordInt(Token()));
+    if (!AppConfig::m_bSimulationMode) m_App.SetSpindleSpeed(TokenInt(Token()));
     return eNext::WORD;
 }
 

@@ -39,7 +39,7 @@ Exec::eNext Exec::MWord()
     if (m_App.IsStopRequested()) return eNext::END_RUN;
     // Skipped altogether in simulation, M2 and M30 too: the run goes on to the last line of the file.
     if (AppConfig::m_bSimulationMode) return eNext::WORD;
-    m_iNumber = WordInt(Token());
+    m_iNumber = TokenInt(Token());
     return Numbered(NUMBERS);
 }
 
@@ -186,14 +186,14 @@ Exec::eNext Exec::WaitWord()
 {
     const size_t uWords = m_Tokens.size() - m_uToken;
     const auto Nanoseconds = [](const std::string& strToken) {
-        return std::max<qint64>(0, CutTo<qint64>(WordDouble(strToken) * 1000000.0));
+        return std::max<qint64>(0, CutTo<qint64>(TokenFloat(strToken) * 1000000.0));
     };
     const auto Stopped = [this] { return m_App.IsStopRequested(); };
     if (uWords == 2) CWait::SleepUntil(Stopped, DWELL_STEP_US, Nanoseconds(*TokenBehind(1)));
     if (uWords < 3) return eNext::WORD;
 
-    const quint16 pin = AppConfig::m_lstIPs[CutTo<quint8>(WordDouble(*TokenBehind(1)))];
-    const int iMode = WordInt(*TokenBehind(2));
+    const quint16 pin = AppConfig::m_lstIPs[CutTo<quint8>(TokenFloat(*TokenBehind(1)))];
+    const int iMode = TokenInt(*TokenBehind(2));
     bool bArmed = false;
     const auto Happened = [&] {
         if (m_App.IsStopRequested()) return true;
@@ -214,7 +214,7 @@ namespace {
 // 0 for text that is no whole number.
 unsigned WordUInt(const std::string& strToken)
 {
-    return QString::fromLatin1(WordValue(strToken)).toUInt();
+    return QString::fromLatin1(strToken).mid(1).toUInt();
 }
 }   // namespace
 
@@ -234,7 +234,7 @@ Exec::eNext Exec::CallSubProgram()
     // Not backwards, and among N words only, for M98 too.
     const GCodeProgram& program = *m_App.m_pGCodeProgram;
     const auto found = std::find_if(program.begin() + m_iLine, program.end(), [&](const GCodeTokens& tokens) {
-        return !tokens.empty() && WordLetter(tokens[0]) == 'N' && WordUInt(tokens[0]) == uTarget;
+        return !tokens.empty() && TokenLetter(tokens[0]) == 'N' && WordUInt(tokens[0]) == uTarget;
     });
     if (found == program.end()) {
         m_App.PushErrMsg(QStringLiteral("No line starting with ") + QString::fromLatin1(*pTarget) +

@@ -137,28 +137,14 @@ bool AppControl::SetAccAndVel(stFloatPoint from, stFloatPoint to, eGMoveCmnd eCm
 
 bool AppControl::EngMoveAxisAbs(eAxis axis, double fPos, bool bWait)
 {
-    if (IsStopRequested()) return false;
-    if (!m_AxisCtrl[axis].MoveAbs(fPos)) {
-        PushErrMsg(m_AxisCtrl[axis].GetErrorMsg());
-        return false;
-    }
-    if (!bWait) return true;
-    signed char selection[MAX_AXES] = {};
-    selection[axis] = 1;
-    return WaitForMotionFinish(selection);
+    if (IsStopRequested() || !PushRefusal(axis, m_AxisCtrl[axis].MoveAbs(fPos))) return false;
+    return !bWait || WaitForAxis(axis);
 }
 
 bool AppControl::EngMoveAxisRel(eAxis axis, double fDist, bool bWait)
 {
-    if (IsStopRequested()) return false;
-    if (!m_AxisCtrl[axis].MoveRel(fDist)) {
-        PushErrMsg(m_AxisCtrl[axis].GetErrorMsg());
-        return false;
-    }
-    if (!bWait) return true;
-    signed char selection[MAX_AXES] = {};
-    selection[axis] = 1;
-    return WaitForMotionFinish(selection);
+    if (IsStopRequested() || !PushRefusal(axis, m_AxisCtrl[axis].MoveRel(fDist))) return false;
+    return !bWait || WaitForAxis(axis);
 }
 
 void AppControl::SetAxisFeed(double fFeed)
@@ -190,8 +176,8 @@ AppControl::eWords AppControl::ReadMoveWords(unsigned int uLine, stFloatPoint& p
     static constexpr std::string_view AXIS_LETTERS = "XYZAB";
     for (const std::string& strToken : m_pGCodeProgram->at(uLine)) {
         if (IsComment(strToken)) break;
-        const char cLetter = WordLetter(strToken);
-        const double fValue = WordDouble(strToken);
+        const char cLetter = TokenLetter(strToken);
+        const double fValue = TokenFloat(strToken);
         if (const size_t uAxis = AXIS_LETTERS.find(cLetter); uAxis != std::string_view::npos) {
             const int axis = static_cast<int>(uAxis);
             // Incremental inches scale the sum, the present position included: wanted, programs are written for it.

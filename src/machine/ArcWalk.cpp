@@ -114,6 +114,7 @@ double Round4(double fValue)
     // that is asked for, so the nearest whole number is certain, and its quotient is the double nearest to the decimal.
     constexpr double SAFE_SIZE = 1099511627776.0;    // 2^40
     constexpr double SAFE_DISTANCE = 1.0 / 4096.0;   // 2^-12
+    if (fValue == 0.0) return 0.0;                   // printed without its sign
     const double fUnits = fValue * DECIMAL_MULTIPLYER;
     const double fDown = std::floor(fUnits);
     const double fRest = fUnits - fDown;

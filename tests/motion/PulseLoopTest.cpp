@@ -9,7 +9,7 @@
 
 using Edges = std::vector<CPinLog::stEdge>;
 
-static thread_local int g_iAllocations = 0;
+thread_local int g_iAllocations = 0;   // by this thread; other suites count with it
 void* operator new(size_t uSize)
 {
     ++g_iAllocations;

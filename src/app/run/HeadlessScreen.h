@@ -1,0 +1,61 @@
+#pragma once
+#include "common/OperatorScreen.h"
+#include "common/Shared.h"
+
+#include <QElapsedTimer>
+
+#include <mutex>
+#include <vector>
+
+// One message of a run, for the summary.
+struct stTold
+{
+    qint64 lTime;   // ns since the run began
+    qint64 lLine;   // of the program, 1-based; 0: none
+    eAppMsgType eType;
+    QString strText;   // on one line
+};
+
+// The operator's screen of a run that nobody watches: messages and, on a terminal, a line of progress go to standard
+// error. Any thread.
+class CHeadlessScreen : public COperatorScreen
+{
+public:
+    // strFile as it is to be told; bQuiet: errors only.
+    CHeadlessScreen(const QString& strFile, bool bQuiet);
+
+    void AddLogMsg(const QString& strMsg, eAppMsgType eType) override;
+    void ShowCriticalBox(const QString& strTitle, const QString& strText) override;
+
+    // An error of the system: told as "FILE:LINE: TEXT" while a line of the program runs.
+    void AddError(const QString& strMsg) { AddLogMsg(strMsg, MSG_ERROR); }
+    // Of the runner itself; no message of the run.
+    void Say(const QString& strText);
+
+    void SetLines(qint64 lLines) { m_lLines = lLines; }
+    void SetLine(qint64 lLine) { m_lLine = lLine; }   // 1-based; 0: none
+    qint64 Line() const { return m_lLine; }
+    // At most ten times a second.
+    void ShowProgress();
+    void EndProgress();
+
+    std::vector<stTold> Told();
+    qint64 ToldCount() const { return m_lTold; }   // also those beyond what is kept
+
+    // A text of the system on one line: line breaks as " / ", other control characters as "?".
+    static QString OneLine(const QString& strText);
+
+private:
+    static constexpr size_t MAX_KEPT = 1000;
+    void Print(const QString& strLine);
+    void ClearProgress();
+
+    const QString m_strFile;
+    const bool m_bQuiet, m_bProgress;
+    CShared<qint64> m_lLine = 0, m_lTold = 0;
+    qint64 m_lLines = 0, m_lBegin;
+    std::mutex m_Mutex;
+    std::vector<stTold> m_lstTold;
+    QElapsedTimer m_Shown;
+    bool m_bShown = false;
+};

@@ -1,0 +1,303 @@
+#include "app/run/Runner.h"
+
+#include "common/Paths.h"
+#include "common/Wait.h"
+#include "config/AppConfig.h"
+#include "config/SettingsTable.h"
+#include "gcode/GCodeStore.h"
+#include "hardware/VantorGpio.h"
+#include "platform/Computer.h"
+#include "zprofile/ZProfileFile.h"
+
+#include <QDir>
+#include <QSaveFile>
+
+#include <cstdio>
+
+static constexpr qint64 TICK_US = 34'000;   // of the supervision loop on the real clock
+
+static CShared<int> g_iSignal = 0;
+static CShared<CVirtualTime*> g_pTime = nullptr;
+
+bool CRunControl::G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
+{
+    m_Moves.SetRapid(true);
+    return AppControl::G00_Move(target, bSetAccVel, bWait);
+}
+bool CRunControl::G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
+{
+    m_Moves.SetRapid(false);
+    return AppControl::G01_Move(target, bSetAccVel, bWait);
+}
+
+CRunner::CRunner(const stRunOptions& options) : m_Options(options) {}
+
+CRunner::~CRunner()
+{
+    g_pTime = nullptr;
+    CVirtualPins::SetObserver(nullptr);
+    CMotionObserver::Set(nullptr);
+}
+
+void CRunner::Interrupt(int iSignal)
+{
+    g_iSignal = iSignal;
+    if (CVirtualTime* pTime = g_pTime) pTime->Interrupt();
+}
+
+eExit CRunner::Run()
+{
+    m_pScreen = std::make_unique<CHeadlessScreen>(m_Options.strJob, m_Options.bQuiet);
+    COperatorScreen::Set(m_pScreen.get());
+    SetStartDetached([](const QString& strProgram) {
+        COperatorScreen::Get().AddLogMsg(QStringLiteral("not started here: ") + strProgram, MSG_NOTICE);
+        return false;
+    });
+    if (!PrepareFolders() || !PrepareSettings()) return m_eFailed;
+    if (m_Options.bListSettings) {
+        std::fputs((CSettingsTable::List().join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8().constData(), stdout);
+        return EXIT_DONE;
+    }
+    if (!PrepareJob() || !PrepareOutputs()) return m_eFailed;
+    if (g_iSignal != 0) {
+        m_pScreen->Say(QStringLiteral("interrupted"));
+        return EXIT_INTERRUPTED;
+    }
+    const size_t uWrong = PrintCompileErrors();
+    if (m_Options.bCheck) return uWrong == 0 ? EXIT_DONE : EXIT_WRONG;
+    if (uWrong > 0) {
+        m_pScreen->Say(QStringLiteral("%1: %2 with errors, not run")
+                           .arg(m_Options.strJob,
+                                uWrong == 1 ? QStringLiteral("1 line") : QStringLiteral("%1 lines").arg(uWrong)));
+        return EXIT_WRONG;
+    }
+    SetUpMachine();
+    if (!PrepareSurface() || !PrepareProfile()) return m_eFailed;
+    RunOperations();
+    return Finish();
+}
+
+bool CRunner::Fail(const QString& strWhy)
+{
+    m_pScreen->Say(QStringLiteral("vantor-run: ") + strWhy);
+    m_eFailed = EXIT_USAGE;
+    return false;
+}
+
+size_t CRunner::PrintCompileErrors() const
+{
+    for (const auto& [uLine, strText] : CGCodeStore::m_CompilationErrors)
+        std::fputs(QStringLiteral("%1:%2: %3\n")
+                       .arg(m_Options.strJob)
+                       .arg(uLine + 1)
+                       .arg(CHeadlessScreen::OneLine(QString::fromLatin1(strText)))
+                       .toUtf8()
+                       .constData(),
+                   stdout);
+    return CGCodeStore::m_CompilationErrors.size();
+}
+
+// ---- The machine ------------------------------------------------------------------------------------------------
+
+stVirtualMachine CRunner::Wiring() const
+{
+    using A = AppConfig;
+    stVirtualMachine machine;
+    for (int axis = 0; axis < A::m_iMchType; ++axis) {
+        stVirtualAxis& built = machine.axes[static_cast<size_t>(axis)];
+        built.iPulsePin = A::m_iAxisPulseOutput[axis];
+        built.iDirPin = A::m_iAxisDirOutput[axis];
+        built.iHomePin = A::m_iAxisMchHomeSensorInput[axis];
+        built.iUpLevel = A::m_eAxisPosDir[axis];
+        if (A::m_fAxisMovPerPulse[axis] > 0.0) built.fMmPerPulse = A::m_fAxisMovPerPulse[axis];
+        if (!A::m_bHomeSensorsUsed) continue;
+        // The home is 0 of the machine's coordinates; a machine that is switched on stands somewhere in between.
+        built.fSensorAt = 0.0;
+        built.bSensorAbove = A::m_eAxisHomeDir[axis] == A::m_eAxisPosDir[axis];
+        built.fStart = (A::m_fAxisPosDirLimit[axis] + A::m_fAxisNegDirLimit[axis]) / 2.0;
+    }
+    machine.iProbePin = A::m_iZProbeInput;
+    machine.iEStopPin = A::m_iEStopInput;
+    machine.iStartPin = A::m_iPgmStartInput;
+    return machine;
+}
+
+void CRunner::SetUpMachine()
+{
+    if (!m_Options.bRealTime) m_pTime = std::make_unique<CVirtualTime>();
+    m_pApp = std::make_unique<CRunControl>();
+    CVANTORGPIO::InitGpio();
+    if (AppConfig::m_bPWMCtrlUsed) CVANTORGPIO::PwmStart();
+    m_pMachine = std::make_unique<CVirtualMachine>(Wiring());
+    CVirtualPins::SetObserver(m_pMachine.get());
+    m_pSupervision = std::make_unique<CSupervision>(*m_pApp, *m_pMachine, *m_pScreen, m_Options);
+
+    m_lBegin = CWait::Now();
+    m_Wall.start();
+    CMotionObserver::Set(&m_pApp->m_Moves);
+    m_pApp->m_Moves.KeepPath(!m_Options.strPicture.isEmpty());
+    if (!m_Options.strMoves.isEmpty()) (void)m_pApp->m_Moves.Open(m_Options.strMoves);
+    if (!m_Options.strEdges.isEmpty()) {
+        m_pEdges = std::make_unique<CEdgeRecording>(*m_pApp);
+        (void)m_pEdges->Open(m_Options.strEdges);
+        m_pMachine->SetRecorder(m_pEdges.get());
+    }
+    m_pScreen->SetLines(static_cast<qint64>(CGCodeStore::m_lstOfGCodeCmds.size()));
+    QObject::connect(
+        m_pApp.get(), &AppControl::SelNxtGCodeLine, m_pApp.get(),
+        [this](unsigned uLine) {
+            ++m_lLinesRun;
+            m_pScreen->SetLine(static_cast<qint64>(uLine) + 1);
+            m_pApp->m_Moves.SetLine(static_cast<qint64>(uLine) + 1);
+            if (m_pTime) m_pScreen->ShowProgress();
+        },
+        Qt::DirectConnection);
+    QObject::connect(
+        m_pApp.get(), &AppControl::AddMsg, m_pApp.get(),
+        [this](const QString& strMsg, eAppMsgType eType) { m_pScreen->AddLogMsg(strMsg, eType); },
+        Qt::DirectConnection);
+    if (m_pTime) HookDryRun();
+}
+
+void CRunner::HookDryRun()
+{
+    m_pTime->m_fnSupervise = [this] { m_pSupervision->Tick(); };
+    if (m_pEdges) m_pTime->m_fnAdvance = [this](qint64 lTo) { m_pEdges->WriteUntil(lTo); };
+    m_pTime->m_fnStuck = [this] {
+        m_pSupervision->EmergencyStop(QStringLiteral("the program waits for what will never come"), EXIT_TIME);
+    };
+    m_pTime->m_fnInterrupted = [this] {
+        m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
+    };
+    m_pSupervision->PlanEvents(*m_pTime);
+    g_pTime = m_pTime.get();
+    if (g_iSignal != 0) m_pTime->Interrupt();
+}
+
+// ---- Operations -------------------------------------------------------------------------------------------------
+
+void CRunner::RunOperations()
+{
+    (void)Operate([this] { (void)m_pApp->InitMachine(); });   // which may home by itself
+    RunHoming();
+    RunProbe();
+    RunMakeProfile();
+    RunJob();
+}
+
+// Starts an operation and waits for its end. False: it told an error, or was stopped.
+bool CRunner::Operate(const std::function<void()>& fnStart)
+{
+    if (IsStopped()) return false;
+    fnStart();
+    if (m_pTime)
+        (void)m_pApp->wait();
+    else
+        WaitOnRealClock();
+    m_pSupervision->TakeMessages();
+    m_pSupervision->OnOperationFinish();
+    return !IsStopped();
+}
+
+void CRunner::WaitOnRealClock()
+{
+    while (!m_pApp->wait(QDeadlineTimer(0))) {
+        const qint64 lNow = CWait::Now() - m_lBegin;
+        if (g_iSignal != 0) m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
+        m_pSupervision->DoWhatIsDue(lNow);
+        m_pSupervision->Tick();
+        if (m_pEdges) m_pEdges->WriteAllSoFar();
+        const qint64 lUntilDue = std::max<qint64>(0, m_pSupervision->NextDue() - lNow) / 1000;
+        (void)m_pApp->wait(QDeadlineTimer(std::chrono::microseconds(std::min(TICK_US, lUntilDue + 1))));
+    }
+}
+
+void CRunner::RunHoming()
+{
+    if (!AppConfig::m_bHomeSensorsUsed || m_pApp->GetHomeDone()) return;
+    if (!Operate([this] { (void)m_pApp->StartMchHomingSequence(); })) return;
+    if (m_pApp->GetHomeDone())
+        m_pScreen->AddLogMsg(QStringLiteral("Machine Homing finished"), MSG_INFO);
+    else
+        m_pSupervision->EmergencyStop(QStringLiteral("The machine has not found its home"), EXIT_WRONG);
+}
+
+void CRunner::RunProbe()
+{
+    if (!m_Options.bProbeZ0) return;
+    const auto bTouched = [this] {
+        for (const stTold& told : m_pScreen->Told())
+            if (told.eType == MSG_INFO && told.strText.endsWith(QLatin1String("Work Zero is set"))) return true;
+        return false;
+    };
+    if (Operate([this] { m_pApp->StartZ0usingZProbeSeq(); }) && !bTouched())
+        m_pSupervision->EmergencyStop(QStringLiteral("The probe has met nothing"), EXIT_WRONG);
+}
+
+void CRunner::RunMakeProfile()
+{
+    if (m_Options.strMakeZProfile.isEmpty() || !Operate([this] { m_pApp->RunZProfile(); })) return;
+    if (!HasZProfile())
+        m_pSupervision->EmergencyStop(ZProfileNotCreated(), EXIT_WRONG);
+    else if (!SaveZProfile(m_Options.strMakeZProfile))
+        Fail(m_Options.strMakeZProfile + QStringLiteral(": cannot be written"));
+    else
+        m_pScreen->AddLogMsg(QStringLiteral("Z profiling completed"), MSG_INFO);
+    AppConfig::m_bUseZProfile = true;
+}
+
+void CRunner::RunJob()
+{
+    if (m_Options.strJob.isEmpty() || m_eFailed != EXIT_DONE) return;
+    m_pApp->m_Moves.BeginCounting();
+    AppConfig::m_GCodeRunSettings.strFile = m_Options.strJob;
+    AppConfig::m_GCodeRunSettings.iCurLine = m_Options.iStartLine - 1;
+    (void)Operate([this] { m_pApp->StartGCode(&CGCodeStore::m_lstOfGCodeCmds); });
+}
+
+// ---- The end ----------------------------------------------------------------------------------------------------
+
+stSummary CRunner::Summarize() const
+{
+    stSummary summary;
+    summary.strFile = m_Options.strJob.isEmpty() ? QStringLiteral("vantor-run") : m_Options.strJob;
+    summary.strPicture = m_Options.strPicture;
+    summary.eResult = m_eFailed != EXIT_DONE ? m_eFailed : m_pSupervision->Result();
+    summary.bRealTime = m_Options.bRealTime;
+    summary.lLines = static_cast<qint64>(CGCodeStore::m_lstOfGCodeLines.size());
+    summary.lLinesRun = m_lLinesRun;
+    summary.iToolChanges = m_pSupervision->ToolChanges();
+    summary.fMachineTime = static_cast<double>(CWait::Now() - m_lBegin) / 1e9;
+    summary.fWallTime = static_cast<double>(m_Wall.nsecsElapsed()) / 1e9;
+    summary.iAxes = AppConfig::m_iMchType;
+    summary.figures = m_pApp->m_Moves.Figures();
+    for (int axis = 0; axis < summary.iAxes; ++axis) {
+        summary.ends[static_cast<size_t>(axis)] = m_pApp->m_AxisCtrl[axis].GetCurPosLong();
+        summary.carriages[static_cast<size_t>(axis)] = m_pMachine->Carriage(axis);
+    }
+    summary.lstTold = m_pScreen->Told();
+    summary.lTold = m_pScreen->ToldCount();
+    return summary;
+}
+
+eExit CRunner::Finish()
+{
+    m_pScreen->EndProgress();
+    if (!m_pApp->m_Moves.Close()) Fail(m_Options.strMoves + QStringLiteral(": could not be written whole"));
+    stSummary summary = Summarize();
+    if (m_pEdges && !m_pEdges->Close()) Fail(m_Options.strEdges + QStringLiteral(": could not be written whole"));
+    if (!m_Options.strPicture.isEmpty()) {
+        const QString strNote = QStringLiteral("machine time %1    path %2 mm")
+                                    .arg(ClockTime(summary.fMachineTime))
+                                    .arg(summary.figures.fFeedPath + summary.figures.fRapidPath, 0, 'f', 1);
+        const QImage image = DrawToolPath(m_pApp->m_Moves.Path(), QFileInfo(summary.strFile).fileName(), strNote);
+        QSaveFile file(m_Options.strPicture);
+        if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
+            Fail(m_Options.strPicture + QStringLiteral(": cannot be written"));
+    }
+    if (m_eFailed != EXIT_DONE) summary.eResult = m_eFailed;
+    if (!m_Options.strSummary.isEmpty() && !ReplaceFile(m_Options.strSummary, SummaryJson(summary)))
+        Fail(m_Options.strSummary + QStringLiteral(": cannot be written"));
+    if (!m_Options.bQuiet) std::fputs(SummaryText(summary).toUtf8().constData(), stdout);
+    return m_eFailed != EXIT_DONE && summary.eResult != EXIT_INTERRUPTED ? m_eFailed : summary.eResult;
+}

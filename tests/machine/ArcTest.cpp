@@ -1,0 +1,276 @@
+#include "common/UnitConverter.h"
+#include "machine/ArcWalk.h"
+#include "machine/MoveSpy.h"
+#include "support/LoggedScreen.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+// Arcs beyond the reference cases: the shape of random ones, what is refused, and what happens on their way.
+
+namespace {
+double Printed4(double fValue)
+{
+    return QString::number(fValue, 'f', 4).toDouble();
+}
+quint64 Bits(double fValue)
+{
+    return std::bit_cast<quint64>(fValue);
+}
+}   // namespace
+
+TEST(Round4, EqualsPrintingAndReadingBackBitByBit)
+{
+    std::mt19937_64 random(3);
+    std::uniform_real_distribution<double> exponent(-8.0, 14.0), unit(-1.0, 1.0);
+    for (int n = 0; n < 300'000; ++n) {
+        double fValue = unit(random) * std::pow(10.0, exponent(random));
+        if (n % 3 == 0) fValue = (std::floor(fValue * 1e4) + 0.5) / 1e4;   // close to a half
+        if (n % 5 == 0) fValue = std::nextafter(fValue, n % 2 ? 1e9 : -1e9);
+        if (n % 7 == 0)
+            fValue = double(qint64(random() % 2'000'001) - 1'000'000) / 32768.0;   // some are halves exactly
+        ASSERT_EQ(Bits(Round4(fValue)), Bits(Printed4(fValue))) << QString::number(fValue, 'g', 17).toStdString();
+    }
+    for (const double fValue : {0.0, -0.0, 0.00005, -0.00005, -0.00001, 0.03125, -0.09375, 1e300, HUGE_VAL, -HUGE_VAL,
+                                1099511627.77595, 5e-324})
+        EXPECT_EQ(Bits(Round4(fValue)), Bits(Printed4(fValue))) << fValue;
+    EXPECT_TRUE(std::isnan(Round4(std::nan(""))));
+}
+
+TEST(ArcWalk, RandomArcsStayOnTheirCircleAndTurnTheWayAsked)
+{
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> angle(0.0, 2.0 * M_PI), size(0.5, 30.0), place(-50.0, 50.0);
+    for (int n = 0; n < 2000; ++n) {
+        stArcShape arc;
+        arc.eDir = random() % 2 ? DIR_CW : DIR_CCW;
+        arc.fRadius = size(random);
+        arc.fStep = arc.fRadius / double(5 + random() % 60);
+        arc.center = {place(random), place(random)};
+        const double fFrom = angle(random), fTo = angle(random);
+        const auto At = [&](double a) {
+            return stArcPoint{Printed4(arc.center.fFirst + arc.fRadius * std::cos(a)),
+                              Printed4(arc.center.fSecond + arc.fRadius * std::sin(a))};
+        };
+        arc.start = At(fFrom);
+        arc.end = At(fTo);
+        std::vector<stArcPoint> points;
+        QString strWhy;
+        ASSERT_TRUE(WalkArc(arc, points, strWhy)) << strWhy.toStdString();
+        EXPECT_EQ(points.size(), points.capacity()) << "allocated once";
+        EXPECT_EQ(points.back().fSecond, arc.end.fSecond);
+        // The angle that the chords turn through, against the direction's sign.
+        double fTurned = 0.0;
+        stArcPoint last = arc.start;
+        const auto Angle = [&](const stArcPoint& p) {
+            return std::atan2(p.fSecond - arc.center.fSecond, p.fFirst - arc.center.fFirst);
+        };
+        for (const stArcPoint& p : points) {
+            const double fOff = std::hypot(p.fFirst - arc.center.fFirst, p.fSecond - arc.center.fSecond) - arc.fRadius;
+            ASSERT_NEAR(fOff, 0.0, 2e-4) << "arc " << n;
+            fTurned += std::remainder(Angle(p) - Angle(last), 2.0 * M_PI);
+            last = p;
+        }
+        const double fAsked = arc.eDir == DIR_CCW ? std::fmod(fTo - fFrom + 4.0 * M_PI, 2.0 * M_PI)
+                                                  : -std::fmod(fFrom - fTo + 4.0 * M_PI, 2.0 * M_PI);
+        const double fLaps = (fTurned - fAsked) / (2.0 * M_PI);
+        ASSERT_NEAR(fLaps, std::round(fLaps), 1e-3) << "arc " << n;
+        // An end within a step of the start may cost or save a lap; no other does.
+        if (std::abs(arc.start.fFirst - arc.end.fFirst) > 2.0 * arc.fStep) {
+            ASSERT_NEAR(fLaps, 0.0, 1e-3) << "arc " << n;
+        }
+    }
+}
+
+struct stArcRefusal
+{
+    const char* szName;
+    stArcShape arc;
+    QString strWhy;
+    size_t uPoints;   // where it is not refused
+};
+
+class ArcLimits : public testing::TestWithParam<stArcRefusal>
+{
+};
+
+TEST_P(ArcLimits, AreHeld)
+{
+    std::vector<stArcPoint> points;
+    QString strWhy;
+    EXPECT_EQ(WalkArc(GetParam().arc, points, strWhy), GetParam().strWhy.isEmpty());
+    EXPECT_EQ(strWhy, GetParam().strWhy);
+    EXPECT_EQ(points.size(), GetParam().uPoints);
+}
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, ArcLimits,
+    testing::Values(
+        stArcRefusal{"CentreNotFinite", {{0, 0}, {9, 0}, {5, NOT_A_NUMBER}, 5, DIR_CW, false, 0.1}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"CentreInfinite", {{0, 0}, {9, 0}, {-HUGE_VAL, 0}, 5, DIR_CW, false, 0.1}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"RadiusNotFinite", {{0, 0}, {9, 0}, {5, 0}, HUGE_VAL, DIR_CW, false, 0.1}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"NoStep", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, 0.0}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"StepBelowZero", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, -0.1}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"StepNotANumber", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, NOT_A_NUMBER}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"TooManyPoints", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, 9.9e-7}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"JustNotTooMany", {{0, 0}, {1024, 0}, {512, 0}, 512, DIR_CW, false, 0.001953125}, "", 524288},
+        stArcRefusal{"StepTooSmallToMove", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, 1e-300}, ARC_TOO_SMALL, 0},
+        stArcRefusal{"OneStepBeyondIsClamped", {{0, 0}, {10.5, 0}, {5, 0}, 5, DIR_CW, false, 0.5}, "", 20},
+        stArcRefusal{"OneUnitMoreIsNot",
+                     {{0, 0}, {10.5001, 0}, {5, 0}, 5, DIR_CW, false, 0.5},
+                     "End Point X:10.5001 is outside the circle by 0.5001mm",
+                     0},
+        stArcRefusal{"BelowAlike",
+                     {{0, 0}, {-1.25, 0}, {5, 0}, 5, DIR_CW, false, 1.0},
+                     "End Point X:-1.2500 is outside the circle by 1.2500mm",
+                     0},
+        // Rounding leaves the last point before the turn a hair more than a step from the end: it would go round for
+        // ever.
+        stArcRefusal{"Endless", {{0.624, -0.75}, {1.374, 0}, {0.624, 0}, 0.75, DIR_CW, false, 0.3}, ARC_TOO_SMALL, 0}),
+    [](const auto& param) { return param.param.szName; });
+
+TEST(ArcWalk, TheFirstTwoStepsOfAFullCircleAreNotBoundedByIt)
+{
+    std::vector<stArcPoint> points;
+    QString strWhy;
+    ASSERT_TRUE(WalkArc({{0, 0}, {0, 0}, {5, 0}, 5, DIR_CW, true, 8}, points, strWhy));
+    ASSERT_GE(points.size(), 3u);
+    EXPECT_EQ(points[0].fFirst, 8.0);
+    EXPECT_EQ(points[1].fFirst, 16.0) << "beyond the circle, which ends at 10";
+    EXPECT_EQ(points[1].fSecond, Printed4(std::sqrt(11.0 * 11.0 - 25.0)));
+    EXPECT_EQ(points[2].fFirst, 10.0);
+}
+
+// The end lies a little beyond the right-hand extreme, above the centre: a walk towards it moves to the right. Were the
+// direction taken from the end as clamped, level with the centre, it would be another.
+TEST(ArcWalk, TheDirectionAtTheEndIsThatOfTheEndAsProgrammed)
+{
+    std::vector<stArcPoint> points;
+    QString strWhy;
+    ASSERT_TRUE(WalkArc({{0, 0}, {10.05, 0}, {5, 0}, 5, DIR_CW, false, 1}, points, strWhy));
+    EXPECT_EQ(points.size(), 10u);
+    ASSERT_TRUE(WalkArc({{5, 5}, {-0.05, -0.1}, {5, 0}, 5, DIR_CW, false, 1}, points, strWhy));
+    EXPECT_EQ(points.back().fFirst, 0.0);
+    EXPECT_GT(points.size(), 14u) << "round by the right and below";
+}
+
+// ---- On the machine -------------------------------------------------------------------------------------------------
+
+class ArcTest : public CMoveTest
+{
+protected:
+    bool Arc(GCodeTokens tokens, eDirection eDir = DIR_CW)
+    {
+        SetProgram({std::move(tokens)});
+        stGCodeEllipseInfo info;
+        info.eDir = eDir;
+        const bool bOk = m_App.CutArc(0, info);
+        m_App.Settle();
+        return bOk;
+    }
+};
+
+TEST_F(ArcTest, ACentreThatDividesByZeroIsRefused)
+{
+    Begin();
+    EXPECT_FALSE(Arc({"G2", "X10", "I1", "J1", "R8"}));
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({ARC_TOO_SMALL}));
+    EXPECT_TRUE(m_App.m_lstTargets.empty());
+}
+
+TEST_F(ArcTest, RotaryAxesRunToZeroAndTheLogSaysSoOnce)
+{
+    CLoggedScreen screen;
+    AppConfig::m_iMchType = 5;
+    AppConfig::m_GCodeRunSettings.fAxisStep = 1.0;
+    Begin({0, 0, 0, 0, 2.0});
+    EXPECT_TRUE(Arc({"G2", "X10", "I5", "J0"}));
+    EXPECT_EQ(m_App.Units()[B_AXIS], 0);
+    EXPECT_EQ(screen.m_lstLog, QStringList({"1 Arc moves A-Axis and B-Axis to 0.0000"}));
+    EXPECT_TRUE(Arc({"G2", "X0", "Y0", "I-5", "J0"}));
+    EXPECT_EQ(screen.m_lstLog.size(), 1);
+}
+
+TEST_F(ArcTest, AHelixRisesByEqualStepsToItsExactEnd)
+{
+    Begin({0, 0, 1.0});
+    EXPECT_TRUE(Arc({"G3", "X10", "Z-4.0007", "I5", "J0"}, DIR_CCW));
+    const auto& points = m_App.m_lstTargets;
+    ASSERT_EQ(points.size(), 101u);
+    for (size_t n = 0; n + 1 < points.size(); ++n)
+        ASSERT_NEAR(points[n].z, 1.0 - 5.0007 * double(n + 1) / 101.0, 1e-9) << n;
+    EXPECT_EQ(points.back().z, -4.0007);
+}
+
+TEST_F(ArcTest, APauseHoldsTheNextChordAndAStopEndsTheArc)
+{
+    Begin();
+    m_Time.AddEvent({100'000'000, [&] { m_App.m_bPause = true; }, {}});
+    m_Time.AddEvent({5'000'000'000, [&] { m_App.m_bPause = false; }, {}});
+    m_Time.AddEvent({5'500'000'000, [&] { m_App.StopAll(); }, {}});
+    EXPECT_FALSE(Arc({"G2", "X10", "I5", "J0"}));
+    EXPECT_TRUE(m_App.TakeErrors().isEmpty());
+    EXPECT_GT(m_Time.Now(), 5'000'000'000);
+    EXPECT_LT(m_App.m_lstTargets.size(), 60u);
+}
+
+// ---- On a measured surface ------------------------------------------------------------------------------------------
+
+class SurfaceTest : public ArcTest
+{
+protected:
+    SurfaceTest()
+    {
+        AppConfig::m_bUseZProfile = true;
+        AppConfig::m_GCodeRunSettings.fAxisStep = 2.5;
+        AppConfig::m_ZProfileInfo.lstPoints = {{{0, 0, 0.1}, {5, 0, 0.2}, {10, 0, 0.3}}, {{10, 5, 0.4}, {5, 5, 0.5}}};
+    }
+    std::vector<double> Heights() const
+    {
+        std::vector<double> heights;
+        for (const stFloatPoint& pos : m_App.m_lstTargets) heights.push_back(pos.z);
+        return heights;
+    }
+};
+
+// From the height of the chord before, so that the second one is a plunge, which reads the first cell: wanted.
+TEST_F(SurfaceTest, ChordsFollowItEachFromTheHeightOfTheOneBefore)
+{
+    Begin();
+    EXPECT_TRUE(Arc({"G2", "X10", "I5", "J0"}));
+    EXPECT_EQ(Heights(), std::vector<double>({0.4, 0.4, 0.5, 0.5}));
+    EXPECT_EQ(m_App.Units()[Z_AXIS], 5000);
+}
+
+TEST_F(SurfaceTest, AShortRowIsReadAtItsLastNode)
+{
+    Begin({10, 4, 0});
+    stFloatPoint end{10, 5, 0};
+    EXPECT_TRUE(m_App.ZProfileMove({10, 4, 0}, end));
+    EXPECT_EQ(end.z, 0.5) << "a third node of the second row does not exist";
+}
+
+TEST_F(SurfaceTest, WhatNoWalkCanServeIsRefused)
+{
+    Begin();
+    auto& info = AppConfig::m_ZProfileInfo;
+    const auto Refused = [&](const char* szWhy) {
+        stFloatPoint end{10, 5, 0};
+        EXPECT_FALSE(m_App.ZProfileMove({}, end)) << szWhy;
+        EXPECT_EQ(m_App.TakeErrors(), QStringList({szWhy}));
+    };
+    for (const double fStep : {0.0, -10.0, 1e-9, NOT_A_NUMBER}) {
+        info.fXYStep = fStep;
+        Refused("X-Y Step of the Z-Profile is too small");
+    }
+    info.fXYStep = 10.0;
+    info.lstPoints[1].clear();
+    Refused("Z-Profile is not usable: a row has no points");
+    info.lstPoints = {{{0, 0, 0}}, {{0, 5, 0}}};
+    Refused("Z-Profile is not usable: a row has no points");
+    stFloatPoint end{HUGE_VAL, 0, 0};
+    EXPECT_FALSE(m_App.ZProfileMove({}, end));
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({"Position to move must be within the motion limits"}));
+}

@@ -1,0 +1,415 @@
+#include "common/Paths.h"
+#include "gcode/ExecStatus.h"
+#include "gcode/GCodeTokens.h"
+#include "machine/MoveSpy.h"
+#include "platform/VirtualPins.h"
+
+#include <QDir>
+
+// The line executor and the run loop beyond the reference cases, on virtual time.
+
+namespace {
+QString Unsupported(int iLine)
+{
+    return QStringLiteral("Error:%1 - Command/Format No Supported").arg(iLine);
+}
+}   // namespace
+
+class ProgramTest : public CMoveTest, public CPinObserver
+{
+protected:
+    ProgramTest()
+    {
+        AppConfig::ApplyBoardPins();
+        CVirtualPins::SetObserver(this);
+        QObject::connect(&m_App, &AppControl::SelNxtGCodeLine, &m_App,
+                         [this](unsigned uLine) { m_lstShown += int(uLine); });
+        m_Time.m_fnSupervise = [this] {
+            if (m_bAnswerToolChange && m_App.m_bToolChangePause.Exchange(false))
+                m_App.m_bPause = true;
+            else if (m_bAnswerToolChange)
+                m_App.m_bPause = false;
+        };
+    }
+    ~ProgramTest() override { CVirtualPins::SetObserver(nullptr); }
+
+    void OnWrite(int iPin, int iLevel) override
+    {
+        for (int axis = 0; axis < AppConfig::m_iMchType; ++axis)
+            if (iPin == AppConfig::m_iAxisPulseOutput[axis] || iPin == AppConfig::m_iAxisDirOutput[axis]) return;
+        m_lstOutputs += QStringLiteral("%1=%2").arg(iPin).arg(iLevel);
+    }
+    void Load(const QString& strText)
+    {
+        GCodeProgram program;
+        for (const QString& strLine : strText.split('\n')) program.push_back(TokenizeProgramLine(strLine));
+        SetProgram(std::move(program));
+    }
+    // The whole program from the start line.
+    void Run(const QString& strText)
+    {
+        Load(strText);
+        m_App.RunGCode();
+        m_App.Settle();
+    }
+    // Line by line, whatever a line returns.
+    std::string ExecLines(const QString& strText)
+    {
+        Load(strText);
+        std::string strResults;
+        for (size_t n = 0; n < m_Program.size(); ++n) strResults += m_App.ExecGCodeLine(int(n)) ? '+' : '-';
+        m_App.Settle();
+        return strResults;
+    }
+    void WriteToolFile(const char* szName, const char* szText)
+    {
+        ReplaceFile(CPaths::Map(WORKING_FOLDER + '/' + szName), szText);
+    }
+    // The emergency stop's flag alone, or a job that is given up: each must do without the other.
+    void StopAt(qint64 lMs, bool bEmergency)
+    {
+        m_Time.AddEvent({m_Time.Now() + lMs * 1'000'000,
+                         [=, this] { bEmergency ? void(AppConfig::m_bEmergencyStopON = true) : m_App.StopAll(); },
+                         {}});
+    }
+    qint64 NowMs() const { return m_Time.Now() / 1'000'000; }
+    double X() const { return m_App.GetCurPos(X_AXIS); }
+
+    QList<int> m_lstShown;
+    QStringList m_lstOutputs;
+    bool m_bAnswerToolChange = true;
+};
+
+// ---- Modal state ----------------------------------------------------------------------------------------------------
+
+TEST_F(ProgramTest, ARunKeepsUnitsPlaneAndModeOfTheOneBefore)
+{
+    Begin();
+    Run("G20 G91 G18\nG1 X1");
+    EXPECT_EQ(X(), 25.4);
+    Run("G1 X1");
+    EXPECT_EQ(X(), 670.56) << "the position in mm is taken as inches too: (25.4 + 1) * 25.4";
+    EXPECT_EQ(AppConfig::m_PlaneSel, 18);
+    EXPECT_EQ(AppConfig::m_GCodeRunSettings.iState, G01_MOVE);
+    Run("G21 G90 G17\nG0 X0\nX5");
+    EXPECT_EQ(X(), 5.0);
+    EXPECT_EQ(AppConfig::m_GCodeRunSettings.iState, G00_MOVE);
+}
+
+TEST_F(ProgramTest, AFeedOrArcWithAFeedNotAboveZeroEndsTheRunBeforeItsLineMoves)
+{
+    for (const char* szLine : {"G1 X9 F0", "F-5 G1 X9", "X9 F ", "G0 X9 F0", "G2 X9 I2 J0 F0", "G28 G90 X9 Y9 Z9 F0"}) {
+        AppConfig::m_GCodeRunSettings.bUsePrgmFeed = true;
+        Begin();
+        Run(QStringLiteral("G1 X1\n%1\nG1 X5").arg(szLine));
+        EXPECT_EQ(X(), 1.0) << szLine;
+        EXPECT_EQ(m_App.TakeErrors(), QStringList({"Error:1 - Feed, F-Code, must be greater than zero"})) << szLine;
+        AppConfig::m_GCodeRunSettings.bUsePrgmFeed = false;
+        Run("F0\nG1 X1 F0\nG1 X3");
+        EXPECT_EQ(X(), 3.0) << szLine << ": not looked at where the program's feed is not used";
+        EXPECT_TRUE(m_App.TakeErrors().isEmpty());
+        CAllAxisCtrl::StopAutoMode();
+        CAllAxisCtrl::WaitForAutoModeEnd();
+    }
+}
+
+TEST_F(ProgramTest, SimulationSkipsWordsOfOutputsToolsAndSpeeds)
+{
+    AppConfig::m_bSimulationMode = true;
+    AppConfig::m_GCodeRunSettings.bUsePrgmFeed = true;
+    Begin();
+    Run("M3 S1000 T5 F0\nM6\nM30\nG1 X2\nM66 Q100\nG1 X3");
+    EXPECT_EQ(X(), 2.0);
+    EXPECT_EQ(m_App.m_strSelTool, "");
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({Unsupported(4)})) << "the parameter of a skipped wait";
+    EXPECT_TRUE(m_lstOutputs.isEmpty());
+    EXPECT_LT(NowMs(), 1000);
+}
+
+// ---- M words --------------------------------------------------------------------------------------------------------
+
+TEST_F(ProgramTest, ProgramStopsDoNotStop)
+{
+    Begin();
+    Run("M0\nM1 G1 X2\nM00 M2\nG1 X9");
+    EXPECT_EQ(X(), 2.0);
+    EXPECT_TRUE(m_App.m_bStartBtnPressRequest);
+    EXPECT_FALSE(m_App.m_bPause);
+    EXPECT_GE(NowMs(), 300) << "each is seen for 100 ms";
+}
+
+TEST_F(ProgramTest, TheSpindleDoesNotStartBehindAStop)
+{
+    for (const bool bEmergency : {true, false}) {
+        Begin();
+        m_lstOutputs.clear();
+        StopAt(500, bEmergency);
+        EXPECT_EQ(ExecLines("M3"), "-");
+        EXPECT_TRUE(m_lstOutputs.contains("9=0"));
+        EXPECT_FALSE(m_lstOutputs.contains("8=1")) << m_lstOutputs.join(' ').toStdString();
+        EXPECT_FALSE(AppConfig::m_bSpindleOn);
+        EXPECT_EQ(ExecLines("M4"), "-") << "nothing is written while it stands";
+        AppConfig::m_bEmergencyStopON = false;
+    }
+}
+
+TEST_F(ProgramTest, SpindleWordsTellTheWindow)
+{
+    Begin();
+    EXPECT_EQ(ExecLines("M4\nM05\nm03"), "+++");
+    EXPECT_EQ(m_lstOutputs, QStringList({"8=0", "9=1", "8=0", "9=0", "9=0", "8=1"}));
+    EXPECT_TRUE(AppConfig::m_bSpindleOn);
+    EXPECT_TRUE(AppConfig::m_bSpindleOnOffStatusChangeInGCode);
+    EXPECT_FALSE(AppConfig::m_bSpindleDirInGcode);
+    EXPECT_EQ(NowMs(), 4000);
+}
+
+TEST_F(ProgramTest, UserOutputsReachTo223)
+{
+    AppConfig::m_eVantorCtrl = VTR3_CTRL;
+    for (quint16 uCode = 212; uCode <= 224; ++uCode) AppConfig::m_lstMCodesPin[uCode] = qint8(uCode - 182);
+    Begin();
+    EXPECT_EQ(ExecLines("M222\nM223\nM224\nM225\nM10\nM77"), "++++++");
+    EXPECT_EQ(m_lstOutputs, QStringList({"40=1", "41=0"}));
+}
+
+struct stWait
+{
+    const char* szLine;
+    qint64 lEndMs;
+};
+class InputWait : public ProgramTest, public testing::WithParamInterface<stWait>
+{
+};
+
+// Input 1 goes up at 100 ms, down at 300 ms and up at 500 ms.
+TEST_P(InputWait, EndsWithItsConditionAndThenTheRunEnds)
+{
+    Begin();
+    for (const int iMs : {100, 300, 500})
+        m_Time.AddEvent({iMs * 1'000'000, [iMs] { CVirtualPins::SetInput(19, iMs != 300); }, {}});
+    EXPECT_EQ(ExecLines(GetParam().szLine), "-");
+    EXPECT_EQ(NowMs(), GetParam().lEndMs);
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({Unsupported(0)})) << "of the word behind M66: wanted";
+}
+INSTANTIATE_TEST_SUITE_P(M66, InputWait,
+                         testing::Values(stWait{"M66 Q250", 250}, stWait{"M66 Q-5", 0}, stWait{"M66 P1 L1", 100},
+                                         stWait{"M66 P1 L2", 300}, stWait{"M66 P1 L3", 100}, stWait{"M66 P1 L4", 0},
+                                         stWait{"M66 P1 L2 Q200.5", 200}, stWait{"M66 P1 L1 Q1000", 100},
+                                         stWait{"m66 p1 l1 q50", 50}, stWait{"M66 P1 L3 Q0", 0}));
+
+TEST_F(ProgramTest, AWaitEndsWithAStop)
+{
+    Begin();
+    for (const auto& [szLine, bEmergency] :
+         {std::pair{"M66 Q900000", true}, {"M66 P1 L3", true}, {"M66 P1 L3", false}}) {
+        StopAt(700, bEmergency);
+        const qint64 lFrom = NowMs();
+        ExecLines(szLine);
+        EXPECT_EQ(NowMs() - lFrom, 700) << szLine;
+        AppConfig::m_bEmergencyStopON = false;
+    }
+}
+
+// ---- Sub-programs ---------------------------------------------------------------------------------------------------
+
+TEST_F(ProgramTest, ACallSetsItsStacksAndThenEndsTheRun)
+{
+    Begin();
+    Run("G1 X1\nM98 P7 L3\nG1 X2\n\nN007 G1 X3\nM99");
+    EXPECT_EQ(X(), 1.0);
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({Unsupported(1)}));
+    EXPECT_EQ(m_App.m_iCurGCodeLine, 3) << "one before the label";
+    EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({3}));
+    EXPECT_EQ(m_App.m_lstSubPrgmRetLine, std::vector<int>({1}));
+    EXPECT_EQ(m_App.m_lstSubPrgmRepeats, std::vector<unsigned>({3}));
+    Run("G1 X5");
+    EXPECT_TRUE(m_App.m_lstSubPrgmRetLine.empty()) << "a run begins without calls";
+}
+
+TEST_F(ProgramTest, AReturnRepeatsAndThenGoesBack)
+{
+    Begin();
+    EXPECT_EQ(ExecLines("M97 P5 L2\n\nN5"), "-++");
+    m_App.m_iCurGCodeLine = 9;
+    EXPECT_EQ(ExecLines("M99\nM99\nM99"), "++-");
+    EXPECT_EQ(m_App.m_iCurGCodeLine, 0) << "behind the call";
+    m_App.TakeErrors();
+    ExecLines("\nM97 P5\n\n\nN5");
+    ExecLines("M97 P1 L0\nN1");
+    EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({3, 0}));
+    ExecLines("M99");
+    EXPECT_EQ(m_App.m_lstSubPrgmRepeats, std::vector<unsigned>({1, 4294967295u}))
+        << "no repeat is practically for ever";
+    EXPECT_EQ(m_App.m_iCurGCodeLine, 0);
+}
+
+TEST_F(ProgramTest, CallsThatCannotBeMadeSayWhy)
+{
+    Begin();
+    EXPECT_EQ(ExecLines("N9\nM97 P9\nM98 O12\nO12\nM97\nM99"), "+-----")
+        << "not backwards, no O word, no target, no call";
+    EXPECT_EQ(m_App.TakeErrors(),
+              QStringList({"No line starting with P9 is found", "No line starting with O12 is found", Unsupported(3),
+                           Unsupported(4), "No line Number defined (M97) to return"}));
+    for (int n = 0; n < 7; ++n) ExecLines("M97 P1\nN1");
+    EXPECT_EQ(m_App.m_lstSubPrgmStartLine.size(), 6u);
+    EXPECT_EQ(m_App.TakeErrors().last(), "Maximum 6 Subprogram nesting is allowed");
+}
+
+TEST_F(ProgramTest, ASingleLineHasNoToolChangeAndNoCalls)
+{
+    Begin();
+    m_App.m_bExecSingleLine = true;
+    EXPECT_EQ(ExecLines("M6 G1 X1\nM99\nM97\nM98\n\nN5\nM7"), "+++++++");
+    EXPECT_TRUE(m_App.TakeErrors().isEmpty() && m_App.TakeInfos().isEmpty());
+    EXPECT_EQ(m_lstShown, QList<int>({0, 1, 2, 3, 6})) << "shown at the end of a line with words";
+    m_App.m_bExecSingleLine = false;
+    EXPECT_FALSE(m_App.ExecGCodeLine(7)) << "a line that is not there";
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({Unsupported(7)}));
+}
+
+// ---- Tool change ----------------------------------------------------------------------------------------------------
+
+TEST_F(ProgramTest, AToolChangeByHandWaitsWhereTheToolIs)
+{
+    Begin();
+    Run("G1 X10\nM6\nG91\nG1 X1");
+    EXPECT_EQ(m_App.TakeInfos(), QStringList({"Change tool and click start"}));
+    EXPECT_EQ(X(), 11.0);
+    EXPECT_FALSE(m_App.m_bPause);
+    EXPECT_EQ(m_lstShown, QList<int>({0, 1, 2, 3}));
+}
+
+TEST_F(ProgramTest, AToolChangeThatIsStoppedEndsTheRun)
+{
+    m_bAnswerToolChange = false;
+    Begin();
+    for (const bool bEmergency : {true, false}) {
+        m_App.m_bToolChangePause = false;
+        StopAt(60'000, bEmergency);
+        EXPECT_EQ(ExecLines("M6"), "-");
+        EXPECT_TRUE(m_App.m_bToolChangePause);
+        AppConfig::m_bEmergencyStopON = false;
+        AppConfig::m_bEnlManualToolChange = true;
+    }
+    EXPECT_EQ(X(), -50.0);
+    EXPECT_EQ(m_App.m_CurGCodePos.x, 0.0);
+}
+
+TEST_F(ProgramTest, AToolChangeThatCannotMoveSaysWhyOnce)
+{
+    AppConfig::m_bEnlManualToolChange = true;
+    for (const eAxis axis : {Y_AXIS, X_AXIS, Z_AXIS}) {
+        AppConfig::m_fAxisManualToolChngPos[axis] = 1e9;
+        Begin();
+        EXPECT_EQ(ExecLines("M6"), "-");
+        EXPECT_EQ(m_App.TakeErrors(), QStringList({"Position to move must be within the motion limits"}));
+        EXPECT_FALSE(m_App.m_bToolChangePause);
+        for (const eAxis moving : {X_AXIS, Y_AXIS, Z_AXIS}) m_App.Stop(moving);
+    }
+}
+
+TEST_F(ProgramTest, AToolFileThatCannotBeRunIsTold)
+{
+    AppConfig::m_bEnlAutoToolChange = true;
+    QDir().mkpath(CPaths::Map(WORKING_FOLDER + "/T3.txt"));
+    Begin();
+    Run("M6\nT2 M6\nT3 M6\nG1 X1");
+    const QString strPath = CPaths::Map(WORKING_FOLDER + "/T2.txt");
+    EXPECT_EQ(m_App.TakeInfos(), QStringList({"No Tool Selected. Please use 'T' command before M06",
+                                              "No ATC commands found. Please check the file, " + strPath + ", exists?",
+                                              "Unable to open ATC File"}));
+    EXPECT_EQ(X(), 1.0) << "and the program goes on";
+}
+
+TEST_F(ProgramTest, AToolFileLeavesTheProgramWhereItStood)
+{
+    AppConfig::m_bEnlAutoToolChange = true;
+    WriteToolFile("T1.txt", "G1 X3\nM97 P9 L4\nN9");
+    WriteToolFile("T2.txt", "\n\n\nG1 X4\nK5\nG1 X99");
+    WriteToolFile("T3.txt", "G1 X5\nM6\nG1 X99");
+    Begin();
+    m_App.m_iCurGCodeLine = 0;
+    m_App.m_lstSubPrgmRetLine = m_App.m_lstSubPrgmStartLine = {4};
+    m_App.m_lstSubPrgmRepeats = {2};
+    EXPECT_EQ(ExecLines("T1 M6 T2 M6 T3 M6 G1 Y1"), "+");
+    EXPECT_EQ(m_App.m_iCurGCodeLine, 0);
+    EXPECT_EQ(m_App.m_lstSubPrgmRetLine, std::vector<int>({4}));
+    EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({4}));
+    EXPECT_EQ(m_App.m_lstSubPrgmRepeats, std::vector<unsigned>({2}));
+    EXPECT_EQ(m_App.m_pGCodeProgram, &m_Program);
+    EXPECT_EQ(m_App.TakeErrors(),
+              QStringList({Unsupported(1), Unsupported(4), "Error:1 - Tool Change, M06, must not exist in ATC file"}));
+    EXPECT_EQ(X(), 5.0);
+    EXPECT_EQ(m_App.GetCurPos(Y_AXIS), 1.0);
+}
+
+// ---- The way back and the run loop ----------------------------------------------------------------------------------
+
+TEST_F(ProgramTest, AWayBackThatFailsGoesOnWithTheNextWord)
+{
+    Begin();
+    EXPECT_EQ(ExecLines("G30 G1 X9\nG28\n"), "--+") << "a return that is made ends the run without a word";
+    EXPECT_EQ(X(), 0.0);
+    AppConfig::m_fZSafePos = 1e9;   // cannot be reached
+    EXPECT_EQ(ExecLines("G30 G1 X9"), "+");
+    EXPECT_EQ(X(), 9.0);
+    EXPECT_EQ(m_App.TakeErrors(), QStringList({"Position to move must be within the motion limits"}));
+}
+
+TEST_F(ProgramTest, WordsWithoutAnActionEndTheRun)
+{
+    Begin();
+    EXPECT_EQ(ExecLines("K1\nL1\nO5\nP1\nQ1\nR1\nG1 N5\n= \nG99\nG1\nN5\nN5 G1 X1\n(P1\n%\n; K"), "--------+++++++")
+        << "but not unknown numbers, labels and comments";
+    EXPECT_EQ(m_App.TakeErrors().size(), 8);
+    EXPECT_EQ(X(), 1.0);
+    EXPECT_EQ(ExecLines("I5 J0"), "+") << "a modal arc, clockwise";
+    EXPECT_GT(m_App.m_lstTargets[5].y, 0.0);
+}
+
+TEST_F(ProgramTest, TheStatusFileFollowsByTenLinesAndMore)
+{
+    AppConfig::m_GCodeRunSettings.bSaveExecStatus = true;
+    AppConfig::m_GCodeRunSettings.strFile = "/home/vantor/plate.ncc";
+    Begin();
+    const auto Saved = [] {
+        stExecStatus status;
+        EXPECT_TRUE(ReadExecStatus(GCODE_EXEC_STATUS_FILE, status));
+        EXPECT_EQ(status.strFile, "/home/vantor/plate.ncc");
+        return status.iLine;
+    };
+    Run(QStringLiteral("G90\n").repeated(11) + "M30");
+    EXPECT_EQ(Saved(), 10);
+    AppConfig::m_GCodeRunSettings.iCurLine = 1;
+    Run(QStringLiteral("G90\n").repeated(100));
+    EXPECT_EQ(Saved(), 99);
+    AppControl::m_bWritingGCodeExecStatusFile = true;   // a card that is busy is not asked again
+    AppConfig::m_GCodeRunSettings.iCurLine = 0;
+    Run(QStringLiteral("G90\n").repeated(50));
+    EXPECT_EQ(Saved(), 99);
+    m_Time.AddEvent({m_Time.Now() + 5'000'000, [] { AppControl::m_bWritingGCodeExecStatusFile = false; }, {}});
+    const qint64 lFrom = NowMs();
+    Run("M30");
+    EXPECT_EQ(NowMs() - lFrom, 5) << "a run that is ended waits for the file";
+}
+
+TEST_F(ProgramTest, AStartLineBelowZeroIsTheFirstAndARunCanBeHeldAndAbandoned)
+{
+    AppConfig::m_GCodeRunSettings.iCurLine = -5;
+    m_bAnswerToolChange = false;
+    Begin();
+    m_App.m_bPause = true;
+    m_Time.AddEvent({3'500'000'000, [&] { m_App.m_bPause = false; }, {}});
+    Run("G90\nG1 X1");
+    EXPECT_EQ(m_lstShown, QList<int>({0, 1}));
+    EXPECT_GE(NowMs(), 4000);
+    EXPECT_EQ(X(), 1.0);
+    m_App.m_bPause = true;
+    StopAt(1500, false);
+    m_lstShown.clear();
+    Run("G91\nM3");
+    EXPECT_TRUE(m_lstShown.isEmpty());
+    EXPECT_EQ(AppConfig::m_GCodeRunSettings.sAbsRel, 0) << "no further word";
+}

@@ -1,0 +1,211 @@
+#include "machine/WorkerFixture.h"
+#include "support/Cases.h"
+
+#include <cmath>
+
+namespace {
+// Measuring a surface: the walk over the grid, and what is kept of it.
+
+class ZProfile : public CWorkerTest
+{
+protected:
+    ZProfile()
+    {
+        m_Info.fXYStep = 10.0;
+        m_Info.fLength = 20.0;
+        m_Info.fWidth = 10.0;
+    }
+    void BuildOver(CVirtualMachine::HeightFn fnSurface)
+    {
+        Build();
+        m_pMachine->SetSurface(std::move(fnSurface));
+    }
+    std::vector<std::vector<double>> GridOf(double stFloatPoint::*pField) const
+    {
+        std::vector<std::vector<double>> lst;
+        for (const auto& row : m_Info.lstPoints) {
+            lst.emplace_back();
+            for (const stFloatPoint& node : row) lst.back().push_back(node.*pField);
+        }
+        return lst;
+    }
+    stZProfileInfo& m_Info = AppConfig::m_ZProfileInfo;
+    using Rows = std::vector<std::vector<double>>;
+};
+
+static double Plane(double x, double y)
+{
+    return 0.01 * x - 0.02 * y + 0.05;
+}
+
+class ZProfileCase : public ZProfile, public testing::WithParamInterface<std::string>
+{
+};
+TEST_P(ZProfileCase, ProbesTheGrid)
+{
+    const QString strName = QString::fromStdString(GetParam());
+    const QJsonObject in = CCases::Json("zmoves", strName + ".in.json"),
+                      out = CCases::Json("zmoves", strName + ".out.json");
+    if (in["kind"] != QLatin1String("probe")) return;
+    ApplyConfig(in["cfg"].toObject());
+    const QJsonObject info = in["info"].toObject();
+    m_Info.fZRange = info["fZRange"].toDouble();
+    m_Info.fXYStep = info["fXYStep"].toDouble();
+    m_Info.fLength = info["fLength"].toDouble();
+    m_Info.fWidth = info["fWidth"].toDouble();
+    m_Info.fZStart = info["fZStart"].toDouble();
+    Build();
+    if (const QJsonArray s = in["surface"].toArray(); !s.isEmpty())
+        m_pMachine->SetSurface([a = s[0].toDouble(), b = s[1].toDouble(), c = s[2].toDouble()](double x, double y) {
+            return a * x + b * y + c;
+        });
+    m_App.m_fnWorkZero = [] { return true; };   // the case begins behind that move
+    m_App.CreateZProfile();
+
+    QStringList lstCommands;
+    for (const QJsonValue& command : out["commands"].toObject()["all"].toArray()) {
+        const QJsonArray c = command.toArray();
+        lstCommands += c[0] == QLatin1String("ABS") ? c[1].toString() + ' ' + QString::number(c[2].toDouble())
+                                                    : "Z +" + QString::number(c[1].toDouble());
+    }
+    EXPECT_EQ(m_App.m_lstMoves, lstCommands);
+    EXPECT_EQ(m_App.TakeErrors().size(), out["err"].toArray().size());
+    const QJsonArray rows = out["grid"].toArray();
+    ASSERT_EQ(qsizetype(m_Info.lstPoints.size()), rows.size());
+    for (int r = 0; r < rows.size(); ++r) {
+        const QJsonArray nodes = rows[r].toArray();
+        ASSERT_EQ(qsizetype(m_Info.lstPoints[size_t(r)].size()), nodes.size());
+        for (int n = 0; n < nodes.size(); ++n)
+            for (int axis = 0; axis < MAX_AXES; ++axis)
+                EXPECT_NEAR(AxisOf(m_Info.lstPoints[size_t(r)][size_t(n)], axis), nodes[n].toArray()[axis].toDouble(),
+                            1e-12)
+                    << r << ' ' << n << ' ' << axis;
+    }
+    for (int axis = 0; axis < 3; ++axis)
+        EXPECT_EQ(m_App.m_AxisCtrl[axis].GetCurPosLong(), out["positions"].toArray()[axis].toInt());
+}
+INSTANTIATE_TEST_SUITE_P(Reference, ZProfileCase,
+                         testing::Values("28_worked", "31_offset", "34_no_surface", "37_pulse_does_not_divide"),
+                         CaseName);
+
+TEST_F(ZProfile, AGridFromPressToLiftEqualsTheSurface)
+{
+    AppConfig::m_fZSafePos = 7.0;
+    AppConfig::m_lstMCodesPin[3] = 8;
+    m_Info.fLength = 25.0;   // not a multiple of the pitch: the far border is measured too
+    m_Info.fWidth = 25.0;
+    BuildOver(Plane);
+    m_App.TurnOnOffSpindle(true, DIR_CW);
+    m_App.RunZProfile();
+    m_App.wait();
+    EXPECT_EQ(m_App.TakeErrors(), QStringList());
+    EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
+    EXPECT_FALSE(AppConfig::m_bSpindleOn);
+    EXPECT_TRUE(m_App.m_bOperationFinished);
+    EXPECT_EQ(Z(), 7.0);
+
+    const std::vector<double> up = {0, 10, 20, 25}, down = {25, 15, 5, 0};
+    EXPECT_EQ(GridOf(&stFloatPoint::x), (Rows{up, down, up, down}));
+    EXPECT_EQ(GridOf(&stFloatPoint::y), (Rows{{0, 0, 0, 0}, {10, 10, 10, 10}, {20, 20, 20, 20}, {25, 25, 25, 25}}));
+    for (const auto& row : m_Info.lstPoints)
+        for (const stFloatPoint& node : row)
+            EXPECT_NEAR(node.z, &node == &m_Info.lstPoints[0][0] ? 0.0 : Plane(node.x, node.y), 1e-9);
+    EXPECT_FALSE(m_App.m_AxisCtrl[Z_AXIS].m_bWatchZProbe);
+}
+
+struct stExtent
+{
+    double fLength, fWidth;
+    size_t uRows;
+};
+class ZProfileExtent : public ZProfile, public testing::WithParamInterface<stExtent>
+{
+};
+TEST_P(ZProfileExtent, WithoutACellKeepsNothing)
+{
+    m_Info.fLength = GetParam().fLength;
+    m_Info.fWidth = GetParam().fWidth;
+    BuildOver(Plane);
+    m_App.CreateZProfile();
+    EXPECT_EQ(m_Info.lstPoints.size(), GetParam().uRows);
+    EXPECT_EQ(m_App.TakeErrors(), QStringList());
+}
+INSTANTIATE_TEST_SUITE_P(Extents, ZProfileExtent,
+                         testing::Values(stExtent{20, 0, 0}, stExtent{0, 10, 0}, stExtent{0.5, 0.5, 2}));
+
+TEST_F(ZProfile, SettingsThatWouldNeverEndAreRefusedAtTheStart)
+{
+    Build();
+    for (double* pSetting : {&m_Info.fXYStep, &m_Info.fZRange})
+        for (const double fBad : {0.0, -1.0, std::nan("")}) {
+            const double fGood = std::exchange(*pSetting, fBad);
+            m_App.RunZProfile();
+            EXPECT_EQ(m_App.TakeErrors(),
+                      QStringList(pSetting == &m_Info.fXYStep ? "Z-Profile: X-Y Step must be greater than zero"
+                                                              : "Z-Profile: Z Range must be greater than zero"));
+            EXPECT_EQ(m_App.m_eOperation, OP_NONE);
+            EXPECT_EQ(m_App.m_iWorkZeroMoves, 0);
+            *pSetting = fGood;
+        }
+    m_App.m_eOperation = OP_GCODE;
+    m_App.RunZProfile();
+    EXPECT_EQ(m_App.TakeErrors(), QStringList("Axis in use"));
+}
+
+TEST_F(ZProfile, NewRowsGoBehindTheOldOnesAndTheOffsetIsAddedToAll)
+{
+    m_Info.lstPoints = {{{1, 2, 3}, {4, 5, 6}}};
+    m_Info.fZStart = -0.1;
+    BuildOver(Plane);
+    m_App.CreateZProfile();
+    EXPECT_EQ(m_Screen.m_lstCalls,
+              QStringList("New Z-Profile rows are added behind the old ones, which stay in force"));
+    ASSERT_EQ(m_Info.lstPoints.size(), 3u);
+    EXPECT_DOUBLE_EQ(m_Info.lstPoints[0][1].z, 5.9);
+    EXPECT_DOUBLE_EQ(m_Info.lstPoints[1][0].z, -0.1);   // the first node too
+}
+
+TEST_F(ZProfile, AnOverrideChangedDuringTheMeasurementTakesEffect)
+{
+    BuildOver(Plane);
+    m_App.ResetAccVel();
+    At(3.0, [] {
+        for (int axis = 0; axis < 3; ++axis) {
+            AppConfig::m_fAxisFeed[axis] = 7.5;
+            AppConfig::m_fAxisFeedPercent[axis] = 0.5;
+        }
+    });
+    m_App.CreateZProfile();
+    EXPECT_EQ(m_Info.lstPoints.size(), 2u);
+    for (int axis = 0; axis < 3; ++axis) EXPECT_EQ(NextFeed(axis), 7.5) << axis;
+}
+
+TEST_F(ZProfile, ARefusedMoveKeepsTheRowsThatWereDone)
+{
+    AppConfig::m_bHomeSensorsUsed = true;
+    AppConfig::m_fAxisPosDirLimit[Y_AXIS] = 5.0;   // the third row is out of reach
+    AppConfig::m_fAxisPosDirLimit[Z_AXIS] = 50.0;
+    m_Info.fXYStep = 5.0;
+    BuildOver(Plane);
+    m_App.SetMchHome();
+    m_App.CreateZProfile();
+    EXPECT_EQ(m_App.TakeErrors(),
+              QStringList("Y Axis Absolute Position value must be between -180.0000 and 5.0000"));   // once
+    EXPECT_EQ(m_Info.lstPoints.size(), 2u);
+    EXPECT_FALSE(m_App.m_AxisCtrl[Z_AXIS].m_bWatchZProbe);
+}
+
+TEST_F(ZProfile, AnEmergencyStopLeavesNoMessageAndNoWatch)
+{
+    for (double fAt = 0.1; fAt < 12.0; fAt += 0.7) {
+        AppConfig::m_bEmergencyStopON = false;
+        m_Info.lstPoints.clear();
+        BuildOver(Plane);
+        EmergencyStopAt(fAt);
+        m_App.CreateZProfile();
+        EXPECT_EQ(m_App.TakeErrors(), QStringList()) << fAt;
+        EXPECT_FALSE(m_App.m_AxisCtrl[Z_AXIS].m_bWatchZProbe);
+        EXPECT_TRUE(m_App.IsMachineIdle());
+    }
+}
+}   // namespace

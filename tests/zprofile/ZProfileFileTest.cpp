@@ -1,0 +1,141 @@
+#include "zprofile/ZProfileFile.h"
+
+#include "config/AppConfig.h"
+#include "support/Cases.h"
+#include "support/CleanMachine.h"
+
+#include <QFile>
+
+namespace {
+class ZProfileFile : public CCleanMachine
+{
+protected:
+    QString WriteFile(const QByteArray& content) const
+    {
+        const QString strPath = m_Home.filePath("profile.txt");
+        QFile file(strPath);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        return strPath;
+    }
+    static QJsonArray Grid()
+    {
+        QJsonArray rows;
+        for (const auto& row : AppConfig::m_ZProfileInfo.lstPoints) {
+            QJsonArray nodes;
+            for (const stFloatPoint& node : row) nodes.append(PointArray(node));
+            rows.append(nodes);
+        }
+        return rows;
+    }
+    static void SetGrid(const QJsonArray& rows)
+    {
+        auto& grid = AppConfig::m_ZProfileInfo.lstPoints;
+        grid.clear();
+        for (const QJsonValue& row : rows) {
+            grid.emplace_back();
+            for (const QJsonValue& node : row.toArray()) grid.back().push_back(PointFrom(node.toArray()));
+        }
+    }
+    std::vector<std::vector<stFloatPoint>>& m_Grid = AppConfig::m_ZProfileInfo.lstPoints;
+};
+
+class ZProfileFileCase : public ZProfileFile, public testing::WithParamInterface<std::string>
+{
+};
+TEST_P(ZProfileFileCase, IsReadOrWritten)
+{
+    const QString strName = QString::fromStdString(GetParam());
+    const QJsonObject expected = CCases::Json("zfile", strName + ".json");
+    QJsonArray grid = expected["grid"].toArray();
+    if (expected.contains("reads_back_as")) {
+        SetGrid(grid);
+        const QString strPath = m_Home.filePath("saved.txt");
+        ASSERT_TRUE(SaveZProfile(strPath));
+        QFile file(strPath);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), CCases::Bytes("zfile", strName + ".txt"));
+        grid = expected["reads_back_as"].toArray();
+    }
+    m_Grid = {{{9, 9, 9}}};
+    EXPECT_EQ(LoadZProfile(CCases::Folder("zfile") + '/' + strName + ".txt"), !expected["grid"].isNull());
+    EXPECT_EQ(Grid(), grid);
+}
+INSTANTIATE_TEST_SUITE_P(Reference, ZProfileFileCase, testing::ValuesIn(CCases::Names("zfile", ".json")), CaseName);
+
+TEST_F(ZProfileFile, RoundsToSixDigitsAndKeepsTheOrderOfRows)
+{
+    m_Grid = {{{0, 0, 0}, {100.00049, 0.5, -0.0000123456}}, {{100.0005, 10, 1.0 / 3.0}, {0, 1234567.0, -2}}};
+    const QString strPath = m_Home.filePath("grid.txt");
+    ASSERT_TRUE(SaveZProfile(strPath));
+    QFile file(strPath);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "2\n2\n0,0,0\n100,0.5,-1.23456e-05\n100.001,10,0.333333\n0,1.23457e+06,-2\n");
+    ASSERT_TRUE(LoadZProfile(strPath));
+    EXPECT_EQ(m_Grid[1][0].z, 0.333333);
+    EXPECT_EQ(m_Grid[1][1].y, 1234570.0);
+}
+
+TEST_F(ZProfileFile, AFileThatCannotBeReadTakesTheOldGridWithIt)
+{
+    m_Grid = {{{1, 2, 3}}};
+    EXPECT_FALSE(LoadZProfile(m_Home.filePath("missing.txt")));
+    EXPECT_TRUE(m_Grid.empty());
+}
+
+TEST_F(ZProfileFile, ADiskThatRefusesIsTold)
+{
+    m_Grid = {{{1, 2, 3}}};
+    EXPECT_FALSE(SaveZProfile(m_Home.filePath("no/folder/grid.txt")));
+}
+
+TEST_F(ZProfileFile, AGridNeedsTwoNodesInItsFirstRow)
+{
+    EXPECT_FALSE(HasZProfile());
+    m_Grid = {{{1, 2, 3}}, {{1, 2, 3}, {4, 5, 6}}};
+    EXPECT_FALSE(HasZProfile());
+    std::swap(m_Grid[0], m_Grid[1]);
+    EXPECT_TRUE(HasZProfile());
+}
+
+TEST(ZProfileFileNames, EndInLowerCaseTxt)
+{
+    const std::pair<const char*, const char*> lst[] = {
+        {"a", "a.txt"}, {"a.txt", "a.txt"}, {"a.TXT", "a.TXT.txt"}, {"a.txt.old", "a.txt.old.txt"}, {"a.", "a..txt"}};
+    for (const auto& [szTyped, szSaved] : lst) EXPECT_EQ(ZProfileFileName(szTyped), szSaved);
+}
+
+struct stText
+{
+    const char* szContent;
+    std::vector<std::vector<stFloatPoint>> grid;
+};
+class ZProfileText : public ZProfileFile, public testing::WithParamInterface<stText>
+{
+};
+TEST_P(ZProfileText, MalformedWordsGiveZeros)
+{
+    LoadZProfile(WriteFile(GetParam().szContent));
+    ASSERT_EQ(m_Grid.size(), GetParam().grid.size());
+    for (size_t r = 0; r < m_Grid.size(); ++r) {
+        ASSERT_EQ(m_Grid[r].size(), GetParam().grid[r].size());
+        for (size_t n = 0; n < m_Grid[r].size(); ++n)
+            EXPECT_EQ(PointArray(m_Grid[r][n]), PointArray(GetParam().grid[r][n])) << r << ' ' << n;
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Texts, ZProfileText,
+                         testing::Values(stText{"1\n1\nabc\n", {{{0, 0, 0}}}}, stText{"1\n1\n1,x,3\n", {{{1, 0, 3}}}},
+                                         stText{"1\n1\n1,2,3,4\n", {{{1, 2, 0}}}}, stText{"1\n1\n,,3\n", {{{0, 0, 3}}}},
+                                         stText{"1\n1\n7\n", {{{0, 0, 0}}}},
+                                         stText{"2\n1\n1,2,3\n", {{{1, 2, 3}}, {{}}}}, stText{"-1\n5\n1,2,3\n", {}},
+                                         stText{"1\n-5\n1,2,3\n", {{}}}));
+
+TEST_F(ZProfileFile, AbsurdCountsDoNotEatTheMemory)
+{
+    for (const char* sz : {"2000000000\n0\n", "2000000000\n2000000000\n1,2,3\n", "1\n2000000000\n"}) {
+        EXPECT_TRUE(LoadZProfile(WriteFile(sz)));
+        size_t uNodes = m_Grid.size();
+        for (const auto& row : m_Grid) uNodes += row.size();
+        EXPECT_LT(uNodes, 100'000u) << sz;
+    }
+}
+}   // namespace
