@@ -121,6 +121,7 @@ private:
 
     // ---- Editing ----
     void SetEditMode(bool bOn);
+    void EditByTouch();
     void InsertLine();
     void MoveLine(qint32 iStep);
     void Swap_GCode_Lines(qint32 iLine, qint32 iOther);
