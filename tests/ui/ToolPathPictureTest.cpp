@@ -92,7 +92,9 @@ TEST(ToolPathPicture, DrawsTheWayInTheBrightnessOfItsDepth)
         const int iDown = static_cast<int>(6.0 * test.fZ);
         EXPECT_EQ(picture.LastPoint(), CENTER + QPoint(7, 6 - iDown)) << test.fZ;
         picture.Draw(Pos(60.0, 0.0, test.fZ), OP_GCODE, 8);
-        if (std::abs(iDown) < 100) EXPECT_EQ(At(picture, CENTER + QPoint(20, 19 - iDown)), test.way) << test.fZ;
+        if (std::abs(iDown) < 100) {
+            EXPECT_EQ(At(picture, CENTER + QPoint(20, 19 - iDown)), test.way) << test.fZ;
+        }
     }
 }
 

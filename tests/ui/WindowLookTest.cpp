@@ -33,9 +33,9 @@ TEST_F(WindowLook, IsTidyInEveryState)
     SaveScreen(Window(), "window-stopped");
     EXPECT_TIDY(Window(), WINDOW_EXEMPT);
 
-    for (const QString& strScreen : {"JobSettings", "UserSettings", "MachineSettings"}) {
-        TouchButton("Btn_" + strScreen);
-        SaveScreen(Window(), "window-" + strScreen.toLower());
+    for (const char* szScreen : {"JobSettings", "UserSettings", "MachineSettings"}) {
+        TouchButton(QStringLiteral("Btn_") + szScreen);
+        SaveScreen(Window(), QStringLiteral("window-") + szScreen);
     }
     for (const char* szName : {"Length", "Width", "Height"}) {
         CAnswer size(CAnswer::Keys("C10000"));
