@@ -342,7 +342,14 @@ TEST_F(GCodeScreen, ChangesLinesInEditMode)
     EXPECT_EQ(Store().mid(9, 2), L({"G1X99", "M5"}));
     EXPECT_EQ(Bar().maximum(), 12);
     EXPECT_EQ(Rows().value(List().currentRow()) + Field().text(), "M5[10]M5");   // in view, for the next press
-    Type("G5");
+    {
+        const CAnswer pad([](QWidget& modal) {   // the keyboard shows the text alone
+            EXPECT_EQ(Child<QLineEdit>(modal, "LE_Text").text(), "M5");
+            for (const char* szKey : {"Btn_Clear", "Btn_Key_G", "Btn_Key_5", "Btn_OK"}) Click(modal, szKey);
+        });
+        Click(Field());
+        EXPECT_TRUE(WaitFor([this] { return Field().text() == "[10]G5"; }));
+    }
     Do("AddNewGCodeLine");
     EXPECT_EQ(Store().mid(10, 3), L({"M5", "G5", "G1 X10 Y0"}));
     EXPECT_EQ(Count(), "1");   // checked at once
