@@ -9,13 +9,13 @@
 #include <cstdlib>
 #include <limits>
 
-static constexpr float ANGLE = 0.765f;       // radians, of the isometric view
-static constexpr int Z_PIXELS = 6;           // a mm; the box's height has one pixel, wanted: depths are small
-static constexpr int AXIS_MARK = 50;         // pixels
-static constexpr int LABEL_POINTS = 15;      // font
-static constexpr double LIFTED = 9e-5;       // mm, above it the tool is off the work piece
-static constexpr int DARKEST = 10;           // never below: the path must show on black
-static constexpr int BRIGHTEST = 255;        // at the surface
+static constexpr float ANGLE = 0.765f;         // radians, of the isometric view
+static constexpr int Z_PIXELS = 6;             // a mm; the box's height has one pixel, wanted: depths are small
+static constexpr int AXIS_MARK = 50;           // pixels
+static constexpr int LABEL_POINTS = 15;        // font
+static constexpr double LIFTED = 9e-5;         // mm, above it the tool is off the work piece
+static constexpr int DARKEST = 10;             // never below: the path must show on black
+static constexpr int BRIGHTEST = 255;          // at the surface
 static constexpr double GRAY_LEVELS = 225.0;   // from the surface to the bottom of the work piece
 static const QColor BOX_COLOR(150, 150, 150);
 

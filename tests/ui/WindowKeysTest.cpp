@@ -44,9 +44,12 @@ TEST_F(WindowKeys, JogWhileTheyAreHeld)
 {
     Open();
     Child<QWidget>(Window(), "LW_GcodeCommands").setFocus();   // the window has them whatever has the focus
-    for (const auto& [eKey, axis, iSign] :
-         {std::tuple(Qt::Key_6, X_AXIS, 1), {Qt::Key_4, X_AXIS, -1}, {Qt::Key_8, Y_AXIS, 1}, {Qt::Key_2, Y_AXIS, -1},
-          {Qt::Key_9, Z_AXIS, 1}, {Qt::Key_3, Z_AXIS, -1}}) {
+    for (const auto& [eKey, axis, iSign] : {std::tuple(Qt::Key_6, X_AXIS, 1),
+                                            {Qt::Key_4, X_AXIS, -1},
+                                            {Qt::Key_8, Y_AXIS, 1},
+                                            {Qt::Key_2, Y_AXIS, -1},
+                                            {Qt::Key_9, Z_AXIS, 1},
+                                            {Qt::Key_3, Z_AXIS, -1}}) {
         PlaceAll(0.0);
         const qint64 lFrom = Carriages().Carriage(axis);
         Key(eKey);

@@ -1,6 +1,6 @@
+#include "common/Paths.h"
 #include "gcode/ExecStatus.h"
 #include "motion/AllAxisCtrl.h"
-#include "common/Paths.h"
 #include "ui/WindowSupport.h"
 
 namespace {

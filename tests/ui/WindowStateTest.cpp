@@ -124,15 +124,14 @@ TEST_P(WindowState, ShowsAndStopsTheAutomaticSpindle)
     EXPECT_TRUE(cw.isEnabled() && ccw.isEnabled());
     EXPECT_EQ(ccw.text() + cw.text(), "Spindle\nCCW OFFSpindle\nCW OFF");
 }
-INSTANTIATE_TEST_SUITE_P(
-    Operations, WindowState,
-    testing::Values(stOperation{1, "Moving to Work Home", "Work home postion reached"},
-                    stOperation{2, "Moving to Machine Home", "Machine Homing finished"},
-                    stOperation{3, "Shapes cutting started", "Shapes cutting completed"},
-                    stOperation{4, "3D relief Carving started", "3D Relief carving completed"},
-                    stOperation{5, "G-Code execution Started", "G-Code execution finished"},
-                    stOperation{6, "Setting Z0 using Z-Probe", ""},
-                    stOperation{7, "Z profiling Started", "Z profiling completed"}));
+INSTANTIATE_TEST_SUITE_P(Operations, WindowState,
+                         testing::Values(stOperation{1, "Moving to Work Home", "Work home postion reached"},
+                                         stOperation{2, "Moving to Machine Home", "Machine Homing finished"},
+                                         stOperation{3, "Shapes cutting started", "Shapes cutting completed"},
+                                         stOperation{4, "3D relief Carving started", "3D Relief carving completed"},
+                                         stOperation{5, "G-Code execution Started", "G-Code execution finished"},
+                                         stOperation{6, "Setting Z0 using Z-Probe", ""},
+                                         stOperation{7, "Z profiling Started", "Z profiling completed"}));
 
 // ---- Ends that say less ----
 
