@@ -61,6 +61,8 @@ CdlgGCode::CdlgGCode(QWidget* pParent) : QDialog(pParent), m_pUi(std::make_uniqu
     for (QLabel* pLabel : {m_pUi->Hdg_Program, m_pUi->Hdg_Lines, m_pUi->Hdg_Check, m_pUi->Hdg_Run})
         pLabel->setStyleSheet(CLook::HEADING_STYLE);
     m_pUi->LW_GcodeCommands->setItemDelegate(new CNumberedRow(m_pUi->LW_GcodeCommands));
+    // The running line is shown in the closed field: it must be read from afar.
+    m_pUi->LE_GCodeCmnds->setStyleSheet(QStringLiteral("QLineEdit:disabled {color: rgb(230, 230, 230);}"));
     m_pUi->LE_GCodeCmnds->installEventFilter(this);
     m_pUi->Btn_OpenDXF->setEnabled(DXF_SCREEN_READY);
     connect(this, &CdlgGCode::GCodeLoadComplete, this, &CdlgGCode::on_GCode_Load_Complete);
@@ -240,7 +242,9 @@ void CdlgGCode::ShowErrorsOf(qint32 iLine)
 
 void CdlgGCode::ShowErrorCount()
 {
-    m_pUi->LBL_GCodeCompileErrorCount->setText(QString::number(m_CompilationErrors.size()));
+    QLabel& label = *m_pUi->LBL_GCodeCompileErrorCount;
+    label.setText(QString::number(m_CompilationErrors.size()));
+    label.setStyleSheet(m_CompilationErrors.empty() ? QString() : QStringLiteral("color: ") + FAULTY.name());
 }
 
 void CdlgGCode::ShowFile()

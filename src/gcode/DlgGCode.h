@@ -121,6 +121,7 @@ private:
 
     // ---- Editing ----
     void SetEditMode(bool bOn);
+    void EditByTouch();
     void InsertLine();
     void MoveLine(qint32 iStep);
     void Swap_GCode_Lines(qint32 iLine, qint32 iOther);
@@ -133,6 +134,7 @@ private:
     bool m_bEdited = false;      // changed since it was loaded or saved
     bool m_bSingleLineRun = false;
     bool m_bEditMode = false;                  // the edit field accepts input
+    QString m_strOpenFilter;                   // the kind of file chosen last
     QString m_strStickFile;                    // being loaded from a stick
     QFuture<void> m_LoadTask, m_CompileTask;   // the last ones; the destructor waits for them
     QMetaObject::Connection m_RunningLine;

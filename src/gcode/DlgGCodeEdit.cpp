@@ -1,8 +1,10 @@
 #include "gcode/DlgGCode.h"
+#include "ui/DlgTextPad.h"
 #include "ui/PressedBtn.h"
 #include "ui_DlgGCode.h"
 
-#include <QMouseEvent>
+#include <QEvent>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -115,7 +117,20 @@ void CdlgGCode::Swap_GCode_Lines(qint32 iLine, qint32 iOther)
     CGCodeEditor::Swap(iLine, iOther);
 }
 
+// The keyboard opens behind the release, when the field has done with the press.
 bool CdlgGCode::eventFilter(QObject* pObject, QEvent* pEvent)
 {
+    if (pObject == m_pUi->LE_GCodeCmnds && pEvent->type() == QEvent::MouseButtonRelease && m_bEditMode)
+        QTimer::singleShot(0, this, [this] { EditByTouch(); });
     return QDialog::eventFilter(pObject, pEvent);
+}
+
+// Only the text of the line: the number before it stays.
+void CdlgGCode::EditByTouch()
+{
+    QLineEdit& field = *m_pUi->LE_GCodeCmnds;
+    const QString strField = field.text();
+    QString strText = CGCodeEditor::TextOf(strField);
+    const QString strNumber = strField.left(strField.size() - strText.size());
+    if (CDlgTextPad::Edit(this, QStringLiteral("G-Code Line"), strText)) field.setText(strNumber + strText);
 }

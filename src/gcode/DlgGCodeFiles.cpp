@@ -61,7 +61,7 @@ QString CdlgGCode::AskProgram()
         return status.strFile;
     }
     return QFileDialog::getOpenFileName(this, QStringLiteral("Select a file to Open..."),
-                                        CPaths::Map(AppConfig::m_strLastFolderPath), OPEN_FILTER, nullptr,
+                                        CPaths::Map(AppConfig::m_strLastFolderPath), OPEN_FILTER, &m_strOpenFilter,
                                         QFileDialog::DontUseNativeDialog);
 }
 

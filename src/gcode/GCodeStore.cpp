@@ -136,8 +136,12 @@ bool CGCodeStore::WriteProgram(const QString& strPath, bool* pOpened)
     const bool bOpened = file.open(QIODevice::WriteOnly);
     if (pOpened) *pOpened = bOpened;
     if (!bOpened) return false;
-    for (const QString& strLine : m_lstOfGCodeLines) file.write(strLine.toUtf8() + '\n');
-    return file.commit();   // refuses when a line could not be written
+    for (const QString& strLine : m_lstOfGCodeLines) {
+        const QByteArray line = strLine.toUtf8() + '\n';
+        if (file.write(line) != line.size()) return false;
+    }
+    // A commit does not notice that the buffer could not be emptied.
+    return file.flush() && file.commit();
 }
 
 void CGCodeStore::ClearProgram()

@@ -55,8 +55,8 @@ void MainWindow::on_Btn_SetWorkPieceWidth_clicked()
 
 void MainWindow::on_Btn_SetWorkPieceHeight_clicked()
 {
-    SetWorkPieceHeight(AskWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, QStringLiteral("Workpiece Height"),
-                                        HEIGHT_LABEL, m_Picture.Height()));
+    SetWorkPieceHeight(AskWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, QStringLiteral("Workpiece Height"), HEIGHT_LABEL,
+                                        m_Picture.Height()));
     ClearToolGraphics();
 }
 

@@ -39,8 +39,7 @@ bool MainWindow::IsSettingsScreenShown() const
 // Why the program that is held cannot be run now; empty: it can.
 QString MainWindow::WhyNotStart()
 {
-    if (IsSettingsScreenShown())
-        return QStringLiteral("Please select G-Code/Shape-Cutting/Image-Carving Window");
+    if (IsSettingsScreenShown()) return QStringLiteral("Please select G-Code/Shape-Cutting/Image-Carving Window");
     if (CdlgGCode::m_bGCodeLoading) return QStringLiteral("G-Code Loading. Please wait!");
     // The walk of a tool-change file lowers the first flag while the program is still exchanged.
     if (CdlgGCode::m_bGCodeCompiling || CdlgGCode::m_bProgramExchanged)

@@ -49,8 +49,9 @@ MainWindow& CWindowTest::Open()
 
 void CWindowTest::Key(int iKey, bool bDown)
 {
-    QWindow* pWindow = QGuiApplication::focusWindow();
-    ASSERT_TRUE(pWindow);
+    // The display in memory gives the focus back to no window when a box closes.
+    QWindow* pFocus = QGuiApplication::focusWindow();
+    QWindow* pWindow = pFocus ? pFocus : m_pWindow->windowHandle();
     const auto eKey = static_cast<Qt::Key>(iKey);
     if (bDown)
         QTest::keyPress(pWindow, eKey, Qt::KeypadModifier);
