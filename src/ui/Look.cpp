@@ -1,6 +1,7 @@
 #include "ui/Look.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QPalette>
 #include <QStyleFactory>
 
@@ -18,7 +19,9 @@ static const QString SHEET = QStringLiteral(R"(
 QPushButton {color: rgb(0, 0, 0); border-style: solid; border-width: 2px; border-color: black;
     background-color: qradialgradient(spread:pad, cx:0.5, cy:0.5, radius:0.8, fx:0.5, fy:0.5,
         stop:0 rgba(255, 255, 255, 255), stop:1 rgba(100, 100, 100, 255));}
-QPushButton:pressed {border-color: rgb(0, 120, 255);}
+QPushButton:pressed {border-color: rgb(0, 120, 255);
+    background-color: qradialgradient(spread:pad, cx:0.5, cy:0.5, radius:0.8, fx:0.5, fy:0.5,
+        stop:0 rgba(255, 255, 255, 255), stop:1 rgba(0, 0, 255, 255));}
 QPushButton:disabled {background-color: rgb(124, 124, 124); color: rgb(70, 70, 70);
     border-color: rgb(95, 95, 95);}
 QLineEdit, QPlainTextEdit, QTextEdit, QListView, QTreeView, QTableView {background-color: rgb(40, 40, 40);
@@ -68,8 +71,16 @@ static QPalette DarkPalette()
     return palette;
 }
 
+// Outside of any namespace, as the macro wants it: without it the linker drops the icons of a static library.
+static void InitIcons()
+{
+    Q_INIT_RESOURCE(vantor);
+}
+
 void CLook::Apply(QApplication& app)
 {
+    InitIcons();
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/res/Vantor.png")));
     QFont::insertSubstitution(QStringLiteral("MyFont"), FONT_FAMILY);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(DarkPalette());

@@ -62,9 +62,9 @@ void CMyWidgetVerticalSlidebar::mousePressEvent(QMouseEvent* pEvent)
 
 void CMyWidgetVerticalSlidebar::mouseMoveEvent(QMouseEvent* pEvent)
 {
-    const int iSteps = (m_iDragY - pEvent->pos().y()) / DRAG_STEP;
-    if (!m_bDragging || !DragKnob(iSteps)) return;
-    m_iDragY -= iSteps * DRAG_STEP;
+    const int iMoved = m_bDragging ? DragKnob(m_iDragY - pEvent->pos().y()) : 0;
+    if (iMoved == 0) return;
+    m_iDragY -= iMoved;
     m_sLastKnobPos = m_sKnobPos;
     UpdateControl();
     emit ValueChanged(m_sValue);

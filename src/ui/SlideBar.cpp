@@ -47,15 +47,13 @@ void stSlideBar::StepDown()
     PlaceKnob();
 }
 
-bool stSlideBar::DragKnob(int iSteps)
+int stSlideBar::DragKnob(int iPixels)
 {
-    const int iPos = m_sKnobPos + iSteps * DRAG_STEP;
-    if (iSteps == 0 || iPos < m_fRange.x * m_fPixPerValue || iPos > m_fRange.y * m_fPixPerValue ||
-        m_fPixPerValue == 0.0)
-        return false;
-    m_sKnobPos = ToShort(iPos);
-    m_sValue = ToShort(std::round(iPos / m_fPixPerValue));
-    return true;
+    if (m_fPixPerValue <= 0.0) return 0;
+    const int iFrom = m_sKnobPos, iTo = iFrom + iPixels / DRAG_STEP * DRAG_STEP;
+    m_sKnobPos = ToShort(std::clamp(double(iTo), m_fRange.x * m_fPixPerValue, m_fRange.y * m_fPixPerValue));
+    m_sValue = ToShort(std::round(m_sKnobPos / m_fPixPerValue));
+    return m_sKnobPos - iFrom;
 }
 
 void stSlideBar::PlaceKnob()

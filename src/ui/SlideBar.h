@@ -22,8 +22,8 @@ struct stSlideBar
     void Set(double fValue);
     void StepUp();
     void StepDown();
-    // The knob by whole drag steps; the value follows it. False: nothing moved.
-    bool DragKnob(int iSteps);
+    // Moves the knob by whole drag steps, to the ends of its track at most, and the value with it. The pixels moved.
+    int DragKnob(int iPixels);
 
 private:
     void PlaceKnob();

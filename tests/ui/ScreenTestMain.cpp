@@ -1,3 +1,4 @@
+#include "ui/DlgTextPad.h"
 #include "ui/Look.h"
 #include "ui/ScreenSupport.h"
 
@@ -9,6 +10,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     app.setQuitOnLastWindowClosed(false);
     CLook::Apply(app);
+    CTextPadOpener::WatchFileDialogs(app);
     CAnswer::Watch();
     return RUN_ALL_TESTS();
 }
