@@ -35,7 +35,8 @@ quint8 cvantorctrl::ReadInput(unsigned short pin)
     char buffer[INPUT_BYTES] = {};
     const int iBytes = ReadAllInputs(buffer);
     const int iByte = pin / 8;
-    return iByte < iBytes ? static_cast<quint8>((static_cast<unsigned char>(buffer[iByte]) >> (pin % 8)) & 1) : 0;
+    if (iByte >= iBytes) return 0;
+    return static_cast<quint8>((static_cast<unsigned char>(buffer[iByte]) >> (pin % 8)) & 1);
 }
 
 void cvantorctrl::WriteOutput(unsigned char pin, unsigned char value)

@@ -8,18 +8,18 @@
 enum eKeyAction
 {
     KEY_NOTHING,
-    KEY_TOGGLE_STOP,        // emergency stop
-    KEY_FEED_OVERRIDE,      // by iStep percent
-    KEY_SPEED_OVERRIDE,     // by iStep of the spindle's bar
-    KEY_NO_SPEED_CTRL,      // refused
+    KEY_TOGGLE_STOP,      // emergency stop
+    KEY_FEED_OVERRIDE,    // by iStep percent
+    KEY_SPEED_OVERRIDE,   // by iStep of the spindle's bar
+    KEY_NO_SPEED_CTRL,    // refused
     KEY_SPINDLE_CW,
-    KEY_LIGHT_START,        // draws Start as pressed and starts nothing
-    KEY_TOGGLE_MODE,        // between continuous jog with feed override and step jog with speed override
+    KEY_LIGHT_START,   // draws Start as pressed and starts nothing
+    KEY_TOGGLE_MODE,   // between continuous jog with feed override and step jog with speed override
     KEY_REFUSE_BUSY,
     KEY_LOAD_STICK,
     KEY_SHOW_AND_LIGHT_START,
     KEY_MEASURE_HOLD,
-    KEY_JOG,                // of the axis, towards the sign of iStep
+    KEY_JOG,   // of the axis, towards the sign of iStep
     KEY_MOVE_Z_ZERO,
     KEY_MOVE_ALL_ZERO,
     KEY_MOVE_XY_ZERO,

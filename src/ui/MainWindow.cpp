@@ -143,7 +143,7 @@ void MainWindow::SetUpRoundButtons()
         entry.button.SetBtnColor(entry.released, entry.pressed);
         entry.button.m_sTextX = entry.sTextX;
         entry.button.SetBtnText(QString::fromLatin1(entry.szText));
-        entry.button.show();
+        entry.button.raise();   // they are older than the form, which would take their touches
     }
     m_BtnStop.m_sFontSize = 30;
     m_BtnStart.setObjectName(QStringLiteral("m_BtnStart"));

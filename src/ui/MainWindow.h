@@ -199,6 +199,7 @@ private:
     void MoveZeroByKey(eKeyAction eAction);
     void SetZeroByKey(eKeyAction eAction);
     void EndKeyJog();
+    void DropKeys();
     void UpdateKeyboardGrab();
 
     Ui_MainWindow* m_pUi;
@@ -233,7 +234,7 @@ private:
     bool m_bKeyJogging = false;
     bool m_bGrabWanted = true;   // false while text is typed on a screen
     bool m_bStarting = true;
-    bool m_bFiveAxes = false;           // as the machine was started: a change needs a restart
-    bool m_bJogPanelTaken = false;      // by a start or a resume; given back at the end of the operation
+    bool m_bFiveAxes = false;             // as the machine was started: a change needs a restart
+    bool m_bJogPanelTaken = false;        // by a start or a resume; given back at the end of the operation
     CShared<quint32> m_uOperations = 0;   // counts starts: a posted end belongs to the operation that it was posted in
 };

@@ -9,14 +9,15 @@
 
 #include <algorithm>
 
-static constexpr int LOWEST_FEED = 10, HIGHEST_FEED = 150;    // percent
-static constexpr int LOWEST_SPEED = 1, HIGHEST_SPEED = 15;    // by key; the bar itself goes to 24, wanted
+static constexpr int LOWEST_FEED = 10, HIGHEST_FEED = 150;   // percent
+static constexpr int LOWEST_SPEED = 1, HIGHEST_SPEED = 15;   // by key; the bar itself goes to 24, wanted
 
 // ---- Who gets the keys ----------------------------------------------------------------------------------------------
 
 void MainWindow::GrabKeyboard(bool bGrab)
 {
     m_bGrabWanted = bGrab;
+    DropKeys();
     UpdateKeyboardGrab();
 }
 
@@ -33,11 +34,7 @@ bool MainWindow::event(QEvent* pEvent)
 {
     switch (pEvent->type()) {
     case QEvent::WindowBlocked:
-    case QEvent::WindowDeactivate:
-        // The key's release will come to another window.
-        EndKeyJog();
-        m_iKeyHoldCode = -1;
-        break;
+    case QEvent::WindowDeactivate: DropKeys(); break;
     default: break;
     }
     const bool bDone = QMainWindow::event(pEvent);
@@ -80,6 +77,13 @@ void MainWindow::keyReleaseEvent(QKeyEvent* pEvent)
     m_iKeyHoldCode = -1;
 }
 
+// The release of a key that is down will come to another window.
+void MainWindow::DropKeys()
+{
+    EndKeyJog();
+    m_iKeyHoldCode = -1;
+}
+
 // Whichever key it was: all three ramp down together.
 void MainWindow::EndKeyJog()
 {
@@ -107,9 +111,7 @@ void MainWindow::DoKey(const stKeyDecision& decision, int iKey)
         on_Btn_GCode_clicked();
         AddLogMsg(QStringLiteral("Loading G-Code from USB"), MSG_INFO);
         return LoadGCodeFromUSBOnKeyPress();
-    case KEY_SHOW_AND_LIGHT_START:
-        on_Btn_GCode_clicked();
-        return m_BtnStart.SetPressed();
+    case KEY_SHOW_AND_LIGHT_START: on_Btn_GCode_clicked(); return m_BtnStart.SetPressed();
     case KEY_MEASURE_HOLD:
         m_KeyHoldTimer.start();
         CWait::SleepUs(10);
@@ -117,9 +119,9 @@ void MainWindow::DoKey(const stKeyDecision& decision, int iKey)
         break;
     case KEY_JOG: return JogByKey(decision.axis, decision.iStep);
     case KEY_SET_JOG_STEP:
-        m_fKeyJogStep = JogStepOf(iKey, std::max({AppConfig::m_fAxisMovPerPulse[X_AXIS],
-                                                  AppConfig::m_fAxisMovPerPulse[Y_AXIS],
-                                                  AppConfig::m_fAxisMovPerPulse[Z_AXIS]}));
+        m_fKeyJogStep =
+            JogStepOf(iKey, std::max({AppConfig::m_fAxisMovPerPulse[X_AXIS], AppConfig::m_fAxisMovPerPulse[Y_AXIS],
+                                      AppConfig::m_fAxisMovPerPulse[Z_AXIS]}));
         break;
     case KEY_MOVE_ALL_ZERO: return on_Btn_MoveWorkZero_clicked();
     case KEY_HOME_ALL: return m_dlgUserSettings.on_Btn_AutoHomeSequence_clicked();
@@ -149,8 +151,7 @@ void MainWindow::ChangeSpeedByKey(int iStep)
 // A button that is off is off for the key too: with the other direction running both relays would close.
 void MainWindow::SwitchSpindleByKey()
 {
-    if (!m_pUi->Btn_SpindleCWOnOff->isEnabled())
-        return AddLogMsg(QStringLiteral("Spindle runs CCW"), MSG_ERROR);
+    if (!m_pUi->Btn_SpindleCWOnOff->isEnabled()) return AddLogMsg(QStringLiteral("Spindle runs CCW"), MSG_ERROR);
     on_Btn_SpindleCWOnOff_clicked();
 }
 

@@ -44,9 +44,9 @@ static QString LogFileName(const QString& strName)
 
 void MainWindow::SaveLog()
 {
-    const QString strName = QFileDialog::getSaveFileName(this, QStringLiteral("Select file name"),
-                                                         CPaths::Map(HOME_FOLDER), QStringLiteral("text Files(*.txt)"),
-                                                         nullptr, QFileDialog::DontUseNativeDialog);
+    const QString strName =
+        QFileDialog::getSaveFileName(this, QStringLiteral("Select file name"), CPaths::Map(HOME_FOLDER),
+                                     QStringLiteral("text Files(*.txt)"), nullptr, QFileDialog::DontUseNativeDialog);
     if (strName.isEmpty()) return;
     QString strText;
     for (int row = 0; row < m_pUi->LV_Log->count(); ++row)

@@ -40,7 +40,10 @@ struct MainWindow::stStateRow
     unsigned uOff;
 };
 
-#define ROW(name, off) {[](MainWindow& w) -> QWidget* { return w.m_pUi->name; }, off}
+#define ROW(name, off)                                                                                                 \
+    {                                                                                                                  \
+        [](MainWindow& w) -> QWidget* { return w.m_pUi->name; }, off                                                   \
+    }
 const MainWindow::stStateRow MainWindow::m_lstStateTable[] = {
     ROW(Btn_JobSettings, CUTTING),
     ROW(Btn_GCode, SHAPES | CARVING | Z_PROFILE),

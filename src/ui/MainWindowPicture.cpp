@@ -55,8 +55,8 @@ void MainWindow::on_Btn_SetWorkPieceWidth_clicked()
 
 void MainWindow::on_Btn_SetWorkPieceHeight_clicked()
 {
-    SetWorkPieceHeight(AskWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, QStringLiteral("Workpiece Height"),
-                                        HEIGHT_LABEL, m_Picture.Height()));
+    SetWorkPieceHeight(AskWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, QStringLiteral("Workpiece Height"), HEIGHT_LABEL,
+                                        m_Picture.Height()));
     ClearToolGraphics();
 }
 
@@ -64,6 +64,7 @@ void MainWindow::SetWorkPieceHeight(double fHeight)
 {
     m_Picture.SetHeight(fHeight);
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, HEIGHT_LABEL, fHeight);
+    UpdateToolPathView();
 }
 
 void MainWindow::on_Btn_SelectToolPaths_clicked()

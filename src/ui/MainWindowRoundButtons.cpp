@@ -39,8 +39,7 @@ bool MainWindow::IsSettingsScreenShown() const
 // Why the program that is held cannot be run now; empty: it can.
 QString MainWindow::WhyNotStart()
 {
-    if (IsSettingsScreenShown())
-        return QStringLiteral("Please select G-Code/Shape-Cutting/Image-Carving Window");
+    if (IsSettingsScreenShown()) return QStringLiteral("Please select G-Code/Shape-Cutting/Image-Carving Window");
     if (CdlgGCode::m_bGCodeLoading) return QStringLiteral("G-Code Loading. Please wait!");
     // The walk of a tool-change file lowers the first flag while the program is still exchanged.
     if (CdlgGCode::m_bGCodeCompiling || CdlgGCode::m_bProgramExchanged)
@@ -51,10 +50,7 @@ QString MainWindow::WhyNotStart()
 // True: the worker has started.
 bool MainWindow::StartShownScreen()
 {
-    if (m_pCurDlg != &m_dlgGCode || !m_dlgGCode.StartGCode()) return false;
-    if (m_AppControl.m_eOperation != OP_NONE) return true;
-    m_dlgGCode.ResetUI(true);   // refused by a worker that is still leaving the last operation
-    return false;
+    return m_pCurDlg == &m_dlgGCode && m_dlgGCode.StartGCode();
 }
 
 void MainWindow::Btn_Start_pressed()
@@ -162,7 +158,6 @@ void MainWindow::on_Btn_StartPause_clicked()
         const QString strWhy = WhyNotStart();
         AddLogMsg(strWhy, MSG_ERROR);
         if (!strWhy.isEmpty() || !StartShownScreen()) return ResetBtnBkGnd(pButton, BTN_BKGND_START);
-        m_AppControl.m_bPause = false;
     } else {
         m_AppControl.m_bPause = !m_AppControl.m_bPause;
     }

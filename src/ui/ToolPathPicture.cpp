@@ -6,15 +6,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
-static constexpr float ANGLE = 0.765f;       // radians, of the isometric view
-static constexpr int Z_PIXELS = 6;           // a mm; the box's height has one pixel, wanted: depths are small
-static constexpr int AXIS_MARK = 50;         // pixels
-static constexpr int LABEL_POINTS = 15;      // font
-static constexpr double LIFTED = 9e-5;       // mm, above it the tool is off the work piece
-static constexpr int DARKEST = 10;           // never below: the path must show on black
-static constexpr int BRIGHTEST = 255;        // at the surface
+static constexpr float ANGLE = 0.765f;         // radians, of the isometric view
+static constexpr int Z_PIXELS = 6;             // a mm; the box's height has one pixel, wanted: depths are small
+static constexpr int AXIS_MARK = 50;           // pixels
+static constexpr int LABEL_POINTS = 15;        // font
+static constexpr double LIFTED = 9e-5;         // mm, above it the tool is off the work piece
+static constexpr int DARKEST = 10;             // never below: the path must show on black
+static constexpr int BRIGHTEST = 255;          // at the surface
 static constexpr double GRAY_LEVELS = 225.0;   // from the surface to the bottom of the work piece
 static const QColor BOX_COLOR(150, 150, 150);
 
@@ -67,11 +68,18 @@ void CToolPathPicture::MakeImage(int iMargin)
 {
     const double fSide = std::sqrt(m_fLength * m_fLength + m_fWidth * m_fWidth) + m_fHeight + iMargin;
     m_iSide = static_cast<quint16>(std::clamp(fSide, 1.0, double(std::numeric_limits<quint16>::max())));
-    m_Image = QImage();   // gives its memory back first
-    m_Image = QImage(m_iSide, m_iSide, QImage::Format_RGB888);
-    m_Image.fill(Qt::black);
-    m_Patch.fill(Qt::black);
     m_Center = m_Last = QPoint(m_iSide / 2, m_iSide / 2);
+    Blacken();
+}
+
+// Fresh memory that is black by itself: of a work piece of 10 m only what is drawn on takes room in the computer.
+void CToolPathPicture::Blacken()
+{
+    m_Image = QImage();   // gives its memory back first
+    const qsizetype iLine = (qsizetype(m_iSide) * 3 + 3) / 4 * 4;
+    if (void* pBits = std::calloc(m_iSide, static_cast<size_t>(iLine)))
+        m_Image = QImage(static_cast<uchar*>(pBits), m_iSide, m_iSide, iLine, QImage::Format_RGB888, std::free, pBits);
+    m_Patch.fill(Qt::black);
 }
 
 QPoint CToolPathPicture::Project(int iX, int iY) const
@@ -88,9 +96,8 @@ QPoint CToolPathPicture::Corner(int iCorner) const
 
 void CToolPathPicture::Clear(int iOperation, int iHomeRef)
 {
+    Blacken();
     if (m_Image.isNull()) return;
-    m_Image.fill(Qt::black);
-    m_Patch.fill(Qt::black);
     QPainter painter(&m_Image);
     DrawBox(painter);
     painter.end();
@@ -122,7 +129,10 @@ void CToolPathPicture::DrawBox(QPainter& painter) const
     for (const auto& mark : marks) {
         painter.setPen(QPen(mark.color, 2));
         painter.drawLine(origin, origin + mark.way);
-        painter.drawText(origin + mark.way, QString::fromLatin1(mark.szName));
+        const QString strName = QString::fromLatin1(mark.szName);
+        QPoint at = origin + mark.way;
+        at.setX(std::min(at.x(), m_iSide - painter.fontMetrics().horizontalAdvance(strName)));   // never cut off
+        painter.drawText(at, strName);
     }
 
     painter.setPen(QPen(BOX_COLOR, 2));

@@ -39,6 +39,7 @@ private:
     static constexpr int PATCH = 16;
 
     void MakeImage(int iMargin);
+    void Blacken();
     QPoint Project(int iX, int iY) const;
     QPoint Corner(int iCorner) const;
     int Brightness(double fZ) const;

@@ -22,6 +22,7 @@ protected:
     CSettingsTest() { Start(VTR3_CTRL); }
     void Start(int iBoard)
     {
+        AppConfig::WithdrawBoardPins();
         AppConfig::m_eVantorCtrl = iBoard;
         AppConfig::ApplyBoardPins();
         AppConfig::DeriveFeeds();

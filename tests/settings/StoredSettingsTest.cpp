@@ -1,8 +1,7 @@
-#include "settings/SettingsFixture.h"
-
 #include "common/Paths.h"
 #include "settings/DlgPwmSpndlSettings.h"
 #include "settings/DlgSpindleSpeeds.h"
+#include "settings/SettingsFixture.h"
 
 #include <QFile>
 
@@ -26,9 +25,9 @@ struct stWay
 {
     eScreen eWhere;
     const char* szWidget;
-    double fTyped = 0.0;               // on its keypad; 0: a switch, without a keypad
-    bool bOfSelectedAxis = false;      // its axis is selected first
-    QStringList lstFollow = {};        // members that follow
+    double fTyped = 0.0;            // on its keypad; 0: a switch, without a keypad
+    bool bOfSelectedAxis = false;   // its axis is selected first
+    QStringList lstFollow = {};     // members that follow
 };
 
 const std::map<QString, stWay>& Ways()
@@ -91,7 +90,10 @@ QByteArray FileNow()
     return file.readAll();
 }
 
-QString Member(const QString& strElement) { return strElement.section('[', 0, 0); }
+QString Member(const QString& strElement)
+{
+    return strElement.section('[', 0, 0);
+}
 
 class StoredSettings : public CSettingsTest
 {

@@ -1,5 +1,6 @@
-#include "machine/AppControl.h"
 #include "ui/KeyControl.h"
+
+#include "machine/AppControl.h"
 #include "ui/UsbProgram.h"
 
 #include <QDir>
@@ -16,8 +17,14 @@ struct stPress
     stKeyDecision idle, step, stepSpeed, program, other;
 };
 constexpr stKeyDecision NO_SPEED{KEY_NO_SPEED_CTRL}, BUSY{KEY_REFUSE_BUSY}, HOLD{KEY_MEASURE_HOLD};
-stPress Same(int iKey, stKeyDecision decision) { return {iKey, decision, decision, decision, decision, decision}; }
-stPress Idle(int iKey, stKeyDecision decision) { return {iKey, decision, decision, decision, BUSY, BUSY}; }
+stPress Same(int iKey, stKeyDecision decision)
+{
+    return {iKey, decision, decision, decision, decision, decision};
+}
+stPress Idle(int iKey, stKeyDecision decision)
+{
+    return {iKey, decision, decision, decision, BUSY, BUSY};
+}
 stPress Override(int iKey, int iFeed, int iSpeed)
 {
     const stKeyDecision feed{KEY_FEED_OVERRIDE, iFeed};
@@ -36,19 +43,22 @@ TEST_P(KeyPress, IsDecidedByTheFirstRowThatFits)
     EXPECT_EQ(DecideKeyPress(test.iKey, {true, OP_GCODE, false}), test.program);
     EXPECT_EQ(DecideKeyPress(test.iKey, {true, OP_MCH_HOME, true}), test.other);
 }
-INSTANTIATE_TEST_SUITE_P(
-    All, KeyPress,
-    testing::Values(Same(Qt::Key_NumLock, {}), Same(Qt::Key_Enter, {KEY_TOGGLE_STOP}),
-                    Override(Qt::Key_Asterisk, 10, 1), Override(Qt::Key_Slash, -10, -1),
-                    Same(Qt::Key_Minus, {KEY_SPINDLE_CW}),
-                    stPress{Qt::Key_Period, {KEY_SHOW_AND_LIGHT_START}, {KEY_SHOW_AND_LIGHT_START},
-                            {KEY_SHOW_AND_LIGHT_START}, {KEY_LIGHT_START}, BUSY},
-                    stPress{Qt::Key_0, HOLD, HOLD, HOLD, {KEY_TOGGLE_MODE}, {KEY_TOGGLE_MODE}},
-                    Idle(Qt::Key_1, HOLD), Idle(Qt::Key_5, HOLD), Idle(Qt::Key_7, HOLD),
-                    Idle(Qt::Key_Plus, {KEY_LOAD_STICK}), Idle(Qt::Key_2, {KEY_JOG, -1, Y_AXIS}),
-                    Idle(Qt::Key_8, {KEY_JOG, 1, Y_AXIS}), Idle(Qt::Key_3, {KEY_JOG, -1, Z_AXIS}),
-                    Idle(Qt::Key_9, {KEY_JOG, 1, Z_AXIS}), Idle(Qt::Key_4, {KEY_JOG, -1, X_AXIS}),
-                    Idle(Qt::Key_6, {KEY_JOG, 1, X_AXIS}), Idle(Qt::Key_Return, {})));
+INSTANTIATE_TEST_SUITE_P(All, KeyPress,
+                         testing::Values(Same(Qt::Key_NumLock, {}), Same(Qt::Key_Enter, {KEY_TOGGLE_STOP}),
+                                         Override(Qt::Key_Asterisk, 10, 1), Override(Qt::Key_Slash, -10, -1),
+                                         Same(Qt::Key_Minus, {KEY_SPINDLE_CW}),
+                                         stPress{Qt::Key_Period,
+                                                 {KEY_SHOW_AND_LIGHT_START},
+                                                 {KEY_SHOW_AND_LIGHT_START},
+                                                 {KEY_SHOW_AND_LIGHT_START},
+                                                 {KEY_LIGHT_START},
+                                                 BUSY},
+                                         stPress{Qt::Key_0, HOLD, HOLD, HOLD, {KEY_TOGGLE_MODE}, {KEY_TOGGLE_MODE}},
+                                         Idle(Qt::Key_1, HOLD), Idle(Qt::Key_5, HOLD), Idle(Qt::Key_7, HOLD),
+                                         Idle(Qt::Key_Plus, {KEY_LOAD_STICK}), Idle(Qt::Key_2, {KEY_JOG, -1, Y_AXIS}),
+                                         Idle(Qt::Key_8, {KEY_JOG, 1, Y_AXIS}), Idle(Qt::Key_3, {KEY_JOG, -1, Z_AXIS}),
+                                         Idle(Qt::Key_9, {KEY_JOG, 1, Z_AXIS}), Idle(Qt::Key_4, {KEY_JOG, -1, X_AXIS}),
+                                         Idle(Qt::Key_6, {KEY_JOG, 1, X_AXIS}), Idle(Qt::Key_Return, {})));
 
 TEST(Keys, OfHoldsActByTheKindOfPress)
 {
@@ -57,12 +67,12 @@ TEST(Keys, OfHoldsActByTheKindOfPress)
         int iKey;
         eKeyAction eShort, eShortStep, eHeld;
     };
-    for (const stHold& test :
-         {stHold{Qt::Key_0, KEY_TOGGLE_MODE, KEY_TOGGLE_MODE, KEY_HOME_ALL},
-          stHold{Qt::Key_1, KEY_MOVE_Z_ZERO, KEY_SET_JOG_STEP, KEY_SET_Z_ZERO},
-          stHold{Qt::Key_5, KEY_MOVE_ALL_ZERO, KEY_SET_JOG_STEP, KEY_SET_ALL_ZERO},
-          stHold{Qt::Key_7, KEY_MOVE_XY_ZERO, KEY_SET_JOG_STEP, KEY_SET_XY_ZERO},
-          stHold{Qt::Key_6, KEY_NOTHING, KEY_NOTHING, KEY_NOTHING}, stHold{-1, KEY_NOTHING, KEY_NOTHING, KEY_NOTHING}}) {
+    for (const stHold& test : {stHold{Qt::Key_0, KEY_TOGGLE_MODE, KEY_TOGGLE_MODE, KEY_HOME_ALL},
+                               stHold{Qt::Key_1, KEY_MOVE_Z_ZERO, KEY_SET_JOG_STEP, KEY_SET_Z_ZERO},
+                               stHold{Qt::Key_5, KEY_MOVE_ALL_ZERO, KEY_SET_JOG_STEP, KEY_SET_ALL_ZERO},
+                               stHold{Qt::Key_7, KEY_MOVE_XY_ZERO, KEY_SET_JOG_STEP, KEY_SET_XY_ZERO},
+                               stHold{Qt::Key_6, KEY_NOTHING, KEY_NOTHING, KEY_NOTHING},
+                               stHold{-1, KEY_NOTHING, KEY_NOTHING, KEY_NOTHING}}) {
         EXPECT_EQ(DecideShortPress(test.iKey, true).eAction, test.eShort);
         EXPECT_EQ(DecideShortPress(test.iKey, false).eAction, test.eShortStep);
         EXPECT_EQ(DecideHeldKey(test.iKey).eAction, test.eHeld);

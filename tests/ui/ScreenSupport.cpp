@@ -89,22 +89,24 @@ private:
         QWidget* pModal = QApplication::activeModalWidget();
         if (pModal != m_pSeen) {
             m_pSeen = pModal;
-            m_bAnswered = false;
             m_Since.start();
             // The same dialog may come again without a pause in between.
             if (auto* pDialog = qobject_cast<QDialog*>(pModal))
-                connect(pDialog, &QDialog::finished, this, [this] { m_pSeen = nullptr; });
+                connect(pDialog, &QDialog::finished, this, [this, pModal] {
+                    m_pSeen = nullptr;
+                    m_Answered.remove(pModal);
+                });
         }
         if (!pModal) return;
-        if (!m_bAnswered && !m_lstAnswers.empty()) {
-            m_bAnswered = true;
+        if (!m_Answered.contains(pModal) && !m_lstAnswers.empty()) {
+            m_Answered.insert(pModal);
             CAnswer* pAnswer = m_lstAnswers.front();
             m_lstAnswers.pop_front();
             // Posted, so that a box which the answer itself brings up is seen too.
             QTimer::singleShot(0, pModal, [pAnswer, pModal] { Give(*pAnswer, *pModal); });
         } else if (m_Since.elapsed() > GIVE_UP_MS) {
-            ADD_FAILURE() << (m_bAnswered ? "left open: " : "nobody answers: ") << pModal->windowTitle().toStdString()
-                          << ": " << TextOf(*pModal).toStdString();
+            ADD_FAILURE() << (m_Answered.contains(pModal) ? "left open: " : "nobody answers: ")
+                          << pModal->windowTitle().toStdString() << ": " << TextOf(*pModal).toStdString();
             m_Since.start();
             if (auto* pDialog = qobject_cast<QDialog*>(pModal))
                 pDialog->done(QDialog::Rejected);
@@ -123,7 +125,7 @@ private:
     static constexpr int GIVE_UP_MS = 5000;
     QTimer m_Timer;
     QPointer<QWidget> m_pSeen;
-    bool m_bAnswered = false;
+    QSet<QWidget*> m_Answered;   // and still open: a box may come on top of them and go again
     QElapsedTimer m_Since;
 };
 

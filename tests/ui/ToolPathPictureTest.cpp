@@ -1,5 +1,6 @@
-#include "machine/AppControl.h"
 #include "ui/ToolPathPicture.h"
+
+#include "machine/AppControl.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +11,14 @@ namespace {
 constexpr QPoint S0(28, 207), S1(208, 35), S2(172, 345), S3(352, 173), CENTER(190, 190);
 constexpr int BOTTOM_LEFT = 6;
 
-QColor At(CToolPathPicture& picture, QPoint at) { return picture.Image().pixelColor(at); }
-QColor Gray(int iLevel) { return QColor(iLevel, iLevel, iLevel); }
+QColor At(CToolPathPicture& picture, QPoint at)
+{
+    return picture.Image().pixelColor(at);
+}
+QColor Gray(int iLevel)
+{
+    return QColor(iLevel, iLevel, iLevel);
+}
 
 stFloatPoint Pos(double x, double y, double z)
 {
@@ -41,9 +48,9 @@ TEST(ToolPathPicture, ShowsTheBoxAndItsAxes)
     CToolPathPicture picture;
     picture.Clear(OP_NONE, BOTTOM_LEFT);
     EXPECT_EQ(At(picture, {2, 2}), Gray(0));
-    EXPECT_EQ(At(picture, S3 + QPoint(12, 12)), QColor(0, 255, 0));     // X
-    EXPECT_EQ(At(picture, S3 + QPoint(0, -40)), QColor(255, 0, 0));     // Z
-    EXPECT_EQ(At(picture, S3 + QPoint(12, -12)), QColor(0, 200, 255));  // Y
+    EXPECT_EQ(At(picture, S3 + QPoint(12, 12)), QColor(0, 255, 0));      // X
+    EXPECT_EQ(At(picture, S3 + QPoint(0, -40)), QColor(255, 0, 0));      // Z
+    EXPECT_EQ(At(picture, S3 + QPoint(12, -12)), QColor(0, 200, 255));   // Y
     const QColor edge(150, 150, 150);
     for (const QPoint at : {S0, S1, S2, S3, S1 + QPoint(0, 10), S2 + QPoint(0, 10), S3 + QPoint(0, 10)})
         EXPECT_EQ(At(picture, at), edge) << at.x() << ' ' << at.y();
@@ -82,9 +89,9 @@ TEST(ToolPathPicture, DrawsTheWayInTheBrightnessOfItsDepth)
         double fZ;
         QColor way;
     };
-    for (const stCase& test : {stCase{0.0, Gray(255)}, stCase{9e-5, Gray(255)}, stCase{1e-4, Qt::yellow},
-                               stCase{-0.5, Gray(243)}, stCase{-10.0, Gray(30)}, stCase{-10.9, Gray(10)},
-                               stCase{-500.0, Gray(10)}}) {
+    for (const stCase& test :
+         {stCase{0.0, Gray(255)}, stCase{9e-5, Gray(255)}, stCase{1e-4, Qt::yellow}, stCase{-0.5, Gray(243)},
+          stCase{-10.0, Gray(30)}, stCase{-10.9, Gray(10)}, stCase{-500.0, Gray(10)}}) {
         CToolPathPicture picture;
         picture.Clear(OP_GCODE, 8);
         picture.Draw(Pos(0.0, 0.0, test.fZ), OP_GCODE, 8);

@@ -49,8 +49,9 @@ MainWindow& CWindowTest::Open()
 
 void CWindowTest::Key(int iKey, bool bDown)
 {
-    QWindow* pWindow = QGuiApplication::focusWindow();
-    ASSERT_TRUE(pWindow);
+    // The display in memory gives the focus back to no window when a box closes.
+    QWindow* pFocus = QGuiApplication::focusWindow();
+    QWindow* pWindow = pFocus ? pFocus : m_pWindow->windowHandle();
     const auto eKey = static_cast<Qt::Key>(iKey);
     if (bDown)
         QTest::keyPress(pWindow, eKey, Qt::KeypadModifier);
@@ -68,8 +69,8 @@ QStringList CWindowTest::Log() const
 
 void CWindowTest::ExpectLogged(const QString& strText)
 {
-    EXPECT_TRUE(WaitFor([&] { return Logged(strText); }))
-        << strText.toStdString() << " is not in:\n" << Log().join('\n').toStdString();
+    EXPECT_TRUE(WaitFor([&] { return Logged(strText); })) << strText.toStdString() << " is not in:\n"
+                                                          << Log().join('\n').toStdString();
 }
 
 void CWindowTest::Hold(const QStringList& lstLines)

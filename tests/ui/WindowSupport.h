@@ -8,6 +8,11 @@
 #include <memory>
 #include <vector>
 
+inline void Answer(QWidget& modal, QMessageBox::StandardButton eButton)   // a message box, from within a CAnswer
+{
+    Click(*qobject_cast<QMessageBox*>(&modal)->button(eButton));
+}
+
 // The window on the virtual machine, with real threads and a real clock. Settings made before Open are those of its
 // configuration file.
 class CWindowTest : public CCleanMachine

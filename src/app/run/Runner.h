@@ -48,7 +48,6 @@ private:
 
     size_t PrintCompileErrors() const;
     void SetUpMachine();
-    stVirtualMachine Wiring() const;
     void HookDryRun();
     void RunOperations();
     bool Operate(const std::function<void()>& fnStart);

@@ -1,6 +1,7 @@
+#include "ui/ScreenSupport.h"
+
 #include "support/CleanMachine.h"
 #include "ui/Look.h"
-#include "ui/ScreenSupport.h"
 #include "ui/TestHost.h"
 
 namespace {
