@@ -199,6 +199,7 @@ private:
     void MoveZeroByKey(eKeyAction eAction);
     void SetZeroByKey(eKeyAction eAction);
     void EndKeyJog();
+    void DropKeys();
     void UpdateKeyboardGrab();
 
     Ui_MainWindow* m_pUi;

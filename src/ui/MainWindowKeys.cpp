@@ -17,6 +17,7 @@ static constexpr int LOWEST_SPEED = 1, HIGHEST_SPEED = 15;   // by key; the bar 
 void MainWindow::GrabKeyboard(bool bGrab)
 {
     m_bGrabWanted = bGrab;
+    DropKeys();
     UpdateKeyboardGrab();
 }
 
@@ -33,11 +34,7 @@ bool MainWindow::event(QEvent* pEvent)
 {
     switch (pEvent->type()) {
     case QEvent::WindowBlocked:
-    case QEvent::WindowDeactivate:
-        // The key's release will come to another window.
-        EndKeyJog();
-        m_iKeyHoldCode = -1;
-        break;
+    case QEvent::WindowDeactivate: DropKeys(); break;
     default: break;
     }
     const bool bDone = QMainWindow::event(pEvent);
@@ -77,6 +74,13 @@ void MainWindow::keyReleaseEvent(QKeyEvent* pEvent)
     const int iKey = pEvent->key();
     if (m_iKeyHoldCode == iKey && m_KeyHoldTimer.isValid() && m_KeyHoldTimer.elapsed() < KEY_SHORT_MS)
         DoKey(DecideShortPress(iKey, m_bKeyModeContinuous), iKey);
+    m_iKeyHoldCode = -1;
+}
+
+// The release of a key that is down will come to another window.
+void MainWindow::DropKeys()
+{
+    EndKeyJog();
     m_iKeyHoldCode = -1;
 }
 

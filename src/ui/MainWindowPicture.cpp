@@ -64,6 +64,7 @@ void MainWindow::SetWorkPieceHeight(double fHeight)
 {
     m_Picture.SetHeight(fHeight);
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, HEIGHT_LABEL, fHeight);
+    UpdateToolPathView();
 }
 
 void MainWindow::on_Btn_SelectToolPaths_clicked()

@@ -50,10 +50,7 @@ QString MainWindow::WhyNotStart()
 // True: the worker has started.
 bool MainWindow::StartShownScreen()
 {
-    if (m_pCurDlg != &m_dlgGCode || !m_dlgGCode.StartGCode()) return false;
-    if (m_AppControl.m_eOperation != OP_NONE) return true;
-    m_dlgGCode.ResetUI(true);   // refused by a worker that is still leaving the last operation
-    return false;
+    return m_pCurDlg == &m_dlgGCode && m_dlgGCode.StartGCode();
 }
 
 void MainWindow::Btn_Start_pressed()
@@ -161,7 +158,6 @@ void MainWindow::on_Btn_StartPause_clicked()
         const QString strWhy = WhyNotStart();
         AddLogMsg(strWhy, MSG_ERROR);
         if (!strWhy.isEmpty() || !StartShownScreen()) return ResetBtnBkGnd(pButton, BTN_BKGND_START);
-        m_AppControl.m_bPause = false;
     } else {
         m_AppControl.m_bPause = !m_AppControl.m_bPause;
     }
