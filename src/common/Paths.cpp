@@ -29,6 +29,22 @@ QString CPaths::Map(const QString& strPath)
     return strPath;
 }
 
+static QString& Mount()
+{
+    static QString strMount;
+    return strMount;
+}
+
+QString CPaths::MountFolder()
+{
+    return Mount().isEmpty() ? QStringLiteral("/media/vantor") : Mount();
+}
+
+void CPaths::SetMountFolder(const QString& strFolder)
+{
+    Mount() = strFolder;
+}
+
 QString CPaths::Establish()
 {
     if (Root().isEmpty() && !QFileInfo(HOME_FOLDER).isWritable())
@@ -41,5 +57,6 @@ QString CPaths::Establish()
 bool ReplaceFile(const QString& strPath, const QByteArray& content)
 {
     QSaveFile file(strPath);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    // A commit does not notice that a buffer could not be emptied: it would put a part in the old file's place.
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush() && file.commit();
 }

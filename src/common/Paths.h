@@ -14,6 +14,10 @@ public:
     // The place of a path: its HOME_FOLDER replaced; any other path unchanged.
     static QString Map(const QString& strPath);
 
+    // Where the computer mounts USB sticks, a folder for each. Tests give one of their own.
+    static QString MountFolder();
+    static void SetMountFolder(const QString& strFolder);   // empty: the computer's
+
     // Makes the home folder usable: HOME_FOLDER itself where it can be written, else a folder of the user's own.
     // Creates it and its working folder; the result is the home folder in force.
     static QString Establish();

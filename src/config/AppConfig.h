@@ -59,8 +59,8 @@ public:
     // operator has been told) or reading it threw. Interface thread, once, before pins and axes are set up.
     static bool LoadConfig(QString path);
     // Writes the store whole: the file is the old one or the new one, also after a crash. A failure is a line in the
-    // operator's log.
-    static void SaveConfig(QString path);
+    // operator's log, and false.
+    static bool SaveConfig(QString path);
     static void CreateConfigFile(QString path);   // the same; what it writes at a first start are the defaults
     // The reading alone: board pins and PWM frequency are set, feeds are not yet derived, no file is written.
     // False: another version wrote it, so that m_bUseG01FeedForJog was not read. What is missing at the end reads as

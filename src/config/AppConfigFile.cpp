@@ -155,7 +155,7 @@ bool AppConfig::LoadConfig(QString path)
     return true;
 }
 
-void AppConfig::SaveConfig(QString path)
+bool AppConfig::SaveConfig(QString path)
 {
     QByteArray content;
     QDataStream stream(&content, QIODevice::WriteOnly);
@@ -167,8 +167,9 @@ void AppConfig::SaveConfig(QString path)
     MotionFields(writer);
     JobFields(writer);
     JogField(writer);
-    if (!ReplaceFile(CPaths::Map(path), content))
-        COperatorScreen::Get().AddLogMsg(QStringLiteral("Unable to write Config File"), MSG_ERROR);
+    if (ReplaceFile(CPaths::Map(path), content)) return true;
+    COperatorScreen::Get().AddLogMsg(QStringLiteral("Unable to write Config File"), MSG_ERROR);
+    return false;
 }
 
 void AppConfig::CreateConfigFile(QString path)

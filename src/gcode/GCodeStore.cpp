@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QObject>
+#include <QSaveFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -137,14 +138,18 @@ QString CGCodeStore::SaveFileName(const QString& strName)
     return strName.indexOf(QLatin1Char('.'), iFirst + 1) < 0 ? strName + QStringLiteral(".ncc") : strName;
 }
 
-bool CGCodeStore::WriteProgram(const QString& strPath)
+bool CGCodeStore::WriteProgram(const QString& strPath, bool* pOpened)
 {
-    QByteArray content;
+    QSaveFile file(strPath);
+    const bool bOpened = file.open(QIODevice::WriteOnly);
+    if (pOpened) *pOpened = bOpened;
+    if (!bOpened) return false;
     for (const QString& strLine : m_lstOfGCodeLines) {
-        content += strLine.toUtf8();
-        content += '\n';
+        const QByteArray line = strLine.toUtf8() + '\n';
+        if (file.write(line) != line.size()) return false;
     }
-    return ReplaceFile(strPath, content);
+    // A commit does not notice that the buffer could not be emptied.
+    return file.flush() && file.commit();
 }
 
 void CGCodeStore::ClearProgram()

@@ -42,8 +42,8 @@ public:
     // The name under which a program typed by the operator is saved: with ".ncc" where it has no extension.
     static QString SaveFileName(const QString& strName);
     // Writes the text, "\n" behind every line: the file is the old one or the whole new one. False where the disk
-    // refuses.
-    static bool WriteProgram(const QString& strPath);
+    // refuses; pOpened, if given, tells whether it let the file be opened.
+    static bool WriteProgram(const QString& strPath, bool* pOpened = nullptr);
     static void ClearProgram();
 
 private:

@@ -28,7 +28,11 @@ static void WriteProgramStatus(quint8 ucLevel)
     if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), ucLevel);
 }
 
-AppControl::AppControl(QObject* pParent) : QThread(pParent) {}
+AppControl::AppControl(QObject* pParent) : QThread(pParent)
+{
+    // All five, also where InitMachine sets up three: a settings screen rebuilds every axis, each from its own values.
+    for (int axis = 0; axis < MAX_AXES; ++axis) m_AxisCtrl[axis].m_sAxis = static_cast<qint16>(axis);
+}
 
 AppControl::~AppControl()
 {
@@ -49,7 +53,8 @@ void AppControl::WaitForWorker()
 
 bool AppControl::InitMachine()
 {
-    for (int axis = 0; axis < AxesInUse(); ++axis) {
+    m_iAxesSetUp = AxesInUse();
+    for (int axis = 0; axis < m_iAxesSetUp; ++axis) {
         AxisCtrl& ctrl = m_AxisCtrl[axis];
         ctrl.m_sAxis = static_cast<qint16>(axis);
         ctrl.ConfigAxis();

@@ -50,6 +50,7 @@ public:
     bool InitMachine();
     bool StartWorkHomingSequence();
     bool StartMchHomingSequence();
+    bool StartMchHomingSequence(eAxis axis);   // this one alone: the others keep their place and their home
     void StartZ0usingZProbeSeq();
     void RunZProfile();
     void StartGCode(const GCodeProgram* pProgram);
@@ -59,6 +60,8 @@ public:
 
     // ---- Any thread ----
     bool IsMachineIdle() const;
+    // Axes that InitMachine has set up; another board, selected later, brings no pins for more of them.
+    int AxesSetUp() const { return m_iAxesSetUp; }
     double GetCurPos(eAxis axis) const { return m_AxisCtrl[axis].GetCurPos(); }
     QString GetAxisErrMsg(eAxis axis) const { return m_AxisCtrl[axis].GetErrorMsg(); }
     void Stop(eAxis axis) { m_AxisCtrl[axis].Stop(); }
@@ -155,6 +158,7 @@ private:
     CShared<bool> m_bAbandoned = false;    // from StopAll to the next start; never asked by the axes, which still jog
     CShared<bool> m_bWorkerBusy = false;   // from a start to the end of AfterOperationFinish
 
+    int m_iAxesSetUp = 0;
     static int AxesInUse() { return AppConfig::m_iMchType < MAX_AXES ? AppConfig::m_iMchType : MAX_AXES; }
 
     void WaitForWorker();
@@ -176,6 +180,10 @@ private:
     bool IsAnyMoving(const signed char* pSelection) const;
 
     // Homing, work zero.
+    signed char m_lstAxesToHome[MAX_AXES] = {1, 1, 1, 1, 1};   // of the homing that runs
+    bool StartHoming(const signed char* pAxes);
+    void SetHomeOf(const signed char* pAxes);   // the marked axes are at their home
+    void ClearHomeOf(const signed char* pAxes);
     static double SafeHeight();
     bool PushRefusal(eAxis axis, bool bAccepted);
     bool WaitForAxis(eAxis axis);

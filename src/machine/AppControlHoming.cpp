@@ -5,20 +5,33 @@
 #include <algorithm>
 
 static constexpr double NO_LIMIT_DOWN = -10000.0;   // mm; a probing without sensors ends at the probe or nowhere
-static constexpr double PROBE_RETRACT = 3.0;        // mm above the new zero
+static constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};
+static constexpr double PROBE_RETRACT = 3.0;   // mm above the new zero
 
 // ---- Small commands -------------------------------------------------------------------------------------------------
 
-bool AppControl::StartMchHomingSequence()
+bool AppControl::StartHoming(const signed char* pAxes)
 {
     if (!AppConfig::m_bHomeSensorsUsed) {
         PushErrMsg(QStringLiteral("Homing Sensor not Enabled for all Axis"));
         return false;
     }
     if (!ClaimWorker()) return false;
-    ClearHome();
+    std::copy_n(pAxes, MAX_AXES, m_lstAxesToHome);
+    ClearHomeOf(pAxes);
     LaunchOperation(OP_MCH_HOME);
     return true;
+}
+
+bool AppControl::StartMchHomingSequence()
+{
+    return StartHoming(ALL_AXES);
+}
+bool AppControl::StartMchHomingSequence(eAxis axis)
+{
+    signed char selection[MAX_AXES] = {};
+    selection[axis] = 1;
+    return StartHoming(selection);
 }
 
 bool AppControl::StartWorkHomingSequence()
@@ -43,13 +56,23 @@ bool AppControl::GetHomeDone() const
            std::all_of(m_AxisCtrl, m_AxisCtrl + AxesInUse(), [](const AxisCtrl& ctrl) { return ctrl.IsAxisHomeSet(); });
 }
 
+void AppControl::SetHomeOf(const signed char* pAxes)
+{
+    for (int axis = 0; axis < AxesInUse(); ++axis)
+        if (pAxes[axis]) m_AxisCtrl[axis].SetMchHome();
+}
+void AppControl::ClearHomeOf(const signed char* pAxes)
+{
+    for (int axis = 0; axis < AxesInUse(); ++axis)
+        if (pAxes[axis]) m_AxisCtrl[axis].ClearHome();
+}
 void AppControl::SetMchHome()
 {
-    for (int axis = 0; axis < AxesInUse(); ++axis) m_AxisCtrl[axis].SetMchHome();
+    SetHomeOf(ALL_AXES);
 }
 void AppControl::ClearHome()
 {
-    for (int axis = 0; axis < AxesInUse(); ++axis) m_AxisCtrl[axis].ClearHome();
+    ClearHomeOf(ALL_AXES);
 }
 void AppControl::AutoHomingFinished()
 {
@@ -116,7 +139,7 @@ void AppControl::MoveZSafePos()
 void AppControl::MoveMchHomeAll()
 {
     if (FindHomeSensors() && (!(AppConfig::m_fHomeRepeatOffset > 0.0) || ApproachSensorsSlowly())) {
-        SetMchHome();
+        SetHomeOf(m_lstAxesToHome);
         for (int axis = 0; axis < AxesInUse(); ++axis)
             m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
     }
@@ -127,14 +150,15 @@ void AppControl::MoveMchHomeAll()
 bool AppControl::FindHomeSensors()
 {
     for (int axis = 0; axis < AxesInUse(); ++axis) {
+        if (!m_lstAxesToHome[axis]) continue;
         m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisJogFeed[axis], AppConfig::m_fAxisAcc[axis]);
         m_AxisCtrl[axis].m_bHoming = true;
     }
-    if (!MoveAxisHome(Z_AXIS, true)) return false;
+    if (m_lstAxesToHome[Z_AXIS] && !MoveAxisHome(Z_AXIS, true)) return false;
 
     signed char selection[MAX_AXES] = {};
     for (int axis = 0; axis < AxesInUse(); ++axis) {
-        if (axis == Z_AXIS) continue;
+        if (axis == Z_AXIS || !m_lstAxesToHome[axis]) continue;
         selection[axis] = 1;
         if (!SendHome(static_cast<eAxis>(axis))) return false;
     }
@@ -152,24 +176,25 @@ bool AppControl::SendHome(eAxis axis)
 
 bool AppControl::ApproachSensorsSlowly()
 {
-    static constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};
-    SetMchHome();   // makes relative moves acceptable
+    SetHomeOf(m_lstAxesToHome);   // makes relative moves acceptable
     for (int axis = 0; axis < AxesInUse(); ++axis) {
+        if (!m_lstAxesToHome[axis]) continue;
         AxisCtrl& ctrl = m_AxisCtrl[axis];
         ctrl.m_bHoming = false;
         const bool bHomeIsPositive = AppConfig::m_eAxisHomeDir[axis] == AppConfig::m_eAxisPosDir[axis];
         (void)ctrl.MoveRel(bHomeIsPositive ? -AppConfig::m_fHomeRepeatOffset : AppConfig::m_fHomeRepeatOffset);
     }
-    const bool bBackedOff = WaitForMotionFinish(ALL_AXES);
-    ClearHome();   // also where it failed: a homing that was cut off has homed nothing
+    const bool bBackedOff = WaitForMotionFinish(m_lstAxesToHome);
+    ClearHomeOf(m_lstAxesToHome);   // also where it failed: a homing that was cut off has homed nothing
     if (!bBackedOff) return false;
 
     for (int axis = 0; axis < AxesInUse(); ++axis) {
+        if (!m_lstAxesToHome[axis]) continue;
         m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisHomeFeed[axis], AppConfig::m_fAxisAcc[axis]);
         m_AxisCtrl[axis].m_bHoming = true;
         if (!SendHome(static_cast<eAxis>(axis))) return false;
     }
-    return WaitForMotionFinish(ALL_AXES);
+    return WaitForMotionFinish(m_lstAxesToHome);
 }
 
 // ---- Work zero ------------------------------------------------------------------------------------------------------

@@ -206,6 +206,8 @@ QString AxisCtrl::GetErrorMsg() const
 
 QString AxisCtrl::GetBuildError() const
 {
+    if (m_bNeedsRestart)
+        return AppConfig::m_strAxisNames[m_sAxis] + QStringLiteral(" can't move before the application is restarted");
     const QMutexLocker lock(&m_TextMutex);
     return m_strBuildErr;
 }

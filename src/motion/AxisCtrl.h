@@ -30,7 +30,8 @@ public:
     // or (S-curve) rate of acceleration not above 0, a step below one position unit, a duty not inside 0 to 1, a
     // sampling time of 0, a ramp of more than MAX_RAMP_ENTRIES.
     bool SetVelocityAcc(double fVel, double fAcc);
-    // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked.
+    // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked, and
+    // so is one that needs a restart.
     QString GetBuildError() const;
 
     // The position becomes minus the work-zero offset: the axis is at its home.
@@ -80,6 +81,7 @@ public:
     CShared<bool> m_bNewTable = false;        // a rebuilt set waits in the inactive slot
     QMutex m_Mutex;                           // around the building of a set
     CShared<bool> m_bWatchZProbe = false;
+    CShared<bool> m_bNeedsRestart = false;   // the board was changed: this axis has no pins of its own yet, or no more
 
     // The pulse of the active slot in one coordinated move.
     stAxisTrack Track(bool bSelected);

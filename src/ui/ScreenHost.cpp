@@ -2,7 +2,10 @@
 
 #include "machine/AppControl.h"
 
-bool CScreenHost::IsMachineFree() { return Machine().m_eOperation == OP_NONE && Machine().IsMachineIdle(); }
+bool CScreenHost::IsMachineFree()
+{
+    return Machine().m_eOperation == OP_NONE && Machine().IsMachineIdle();
+}
 
 CScreenHost& HostOf(const QObject& screen)
 {

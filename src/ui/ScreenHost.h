@@ -31,8 +31,8 @@ public:
     // What follows from a change of home sensors, the PWM, or the feed settings on other screens.
     virtual void EnlMchHomingOptions(bool bEnable) = 0;
     virtual void EnableDisableSpindleSpeedCtrl(bool bEnable) = 0;
-    virtual void UpdateUserSettings() = 0;      // CDlgUserSettings::ConfigSettings
-    virtual void GrabKeyboard(bool bGrab) = 0;  // the numeric keypad works the machine while the window holds it
+    virtual void UpdateUserSettings() = 0;       // CDlgUserSettings::ConfigSettings
+    virtual void GrabKeyboard(bool bGrab) = 0;   // the numeric keypad works the machine while the window holds it
     virtual void EnableJogPanel(bool bEnable) = 0;
 
     // The operation has ended or none runs, and no axis moves.

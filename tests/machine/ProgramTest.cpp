@@ -245,6 +245,7 @@ TEST_F(ProgramTest, AWaitEndsWithAStop)
         m_Time.AddEvent({m_Time.Now() + 900'000'000, {}, {}});   // or the wait would end for want of anything to come
         ExecLines(szLine);
         EXPECT_EQ(NowMs() - lFrom, 700) << szLine;
+        EXPECT_EQ(m_App.TakeErrors().isEmpty(), !bEmergency) << "a job that was given up has no further word";
         AppConfig::m_bEmergencyStopON = false;
     }
 }

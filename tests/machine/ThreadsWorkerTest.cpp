@@ -133,15 +133,4 @@ TEST_F(ThreadsWorker, MessagesOfTwoThreadsAllArrive)
     while (!m_App.GetErrMsg().isEmpty()) ++iTaken;
     EXPECT_EQ(iTaken, 2 * COUNT);
 }
-
-TEST_F(ThreadsWorker, DestroyingAWorkerThatRunsEndsIt)
-{
-    AppConfig::m_fZSafePos = 1000.0;
-    auto pApp = std::make_unique<AppControl>();
-    pApp->InitMachine();
-    ASSERT_TRUE(pApp->StartWorkHomingSequence());
-    ASSERT_TRUE(Becomes([&] { return pApp->GetCurPos(Z_AXIS) > 0.0; }));
-    pApp.reset();
-    EXPECT_EQ(CVirtualPins::Level(AppConfig::m_iAxisPulseOutput[Z_AXIS]), 0);
-}
 }   // namespace

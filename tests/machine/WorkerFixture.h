@@ -65,7 +65,7 @@ public:
 
     QStringList m_lstMoves;
     int m_iWorkZeroMoves = 0;
-    int m_iLeavingUs = 0;   // how long the thread takes behind the operation
+    int m_iLeavingUs = 0;                 // how long the thread takes behind the operation
     std::function<bool()> m_fnWorkZero;   // in place of the move
 
 private:

@@ -82,6 +82,7 @@ CCleanMachine::CCleanMachine()
 {
     ResetStatics();
     CPaths::SetHomeFolder(m_Home.path());
+    CPaths::SetMountFolder(m_Home.filePath(QStringLiteral("media")));
     CPaths::Establish();
 }
 
@@ -89,4 +90,5 @@ CCleanMachine::~CCleanMachine()
 {
     ResetStatics();
     CPaths::SetHomeFolder(QString());
+    CPaths::SetMountFolder(QString());
 }

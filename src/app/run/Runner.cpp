@@ -1,5 +1,6 @@
 #include "app/run/Runner.h"
 
+#include "app/MachineWiring.h"
 #include "common/Paths.h"
 #include "common/Wait.h"
 #include "config/AppConfig.h"
@@ -98,36 +99,13 @@ size_t CRunner::PrintCompileErrors() const
 
 // ---- The machine ------------------------------------------------------------------------------------------------
 
-stVirtualMachine CRunner::Wiring() const
-{
-    using A = AppConfig;
-    stVirtualMachine machine;
-    for (int axis = 0; axis < A::m_iMchType; ++axis) {
-        stVirtualAxis& built = machine.axes[static_cast<size_t>(axis)];
-        built.iPulsePin = A::m_iAxisPulseOutput[axis];
-        built.iDirPin = A::m_iAxisDirOutput[axis];
-        built.iHomePin = A::m_iAxisMchHomeSensorInput[axis];
-        built.iUpLevel = A::m_eAxisPosDir[axis];
-        if (A::m_fAxisMovPerPulse[axis] > 0.0) built.fMmPerPulse = A::m_fAxisMovPerPulse[axis];
-        if (!A::m_bHomeSensorsUsed) continue;
-        // The home is 0 of the machine's coordinates; a machine that is switched on stands somewhere in between.
-        built.fSensorAt = 0.0;
-        built.bSensorAbove = A::m_eAxisHomeDir[axis] == A::m_eAxisPosDir[axis];
-        built.fStart = (A::m_fAxisPosDirLimit[axis] + A::m_fAxisNegDirLimit[axis]) / 2.0;
-    }
-    machine.iProbePin = A::m_iZProbeInput;
-    machine.iEStopPin = A::m_iEStopInput;
-    machine.iStartPin = A::m_iPgmStartInput;
-    return machine;
-}
-
 bool CRunner::SetUpMachine()
 {
     if (!m_Options.bRealTime) m_pTime = std::make_unique<CVirtualTime>();
     m_pApp = std::make_unique<CRunControl>();
     CVANTORGPIO::InitGpio();
     if (AppConfig::m_bPWMCtrlUsed) CVANTORGPIO::PwmStart();
-    m_pMachine = std::make_unique<CVirtualMachine>(Wiring());
+    m_pMachine = std::make_unique<CVirtualMachine>(MachineOfSettings(AppConfig::m_bHomeSensorsUsed));
     CVirtualPins::SetObserver(m_pMachine.get());
     PutSurfaceUnderTheProbe();
     m_pSupervision = std::make_unique<CSupervision>(*m_pApp, *m_pMachine, *m_pScreen, m_Options);

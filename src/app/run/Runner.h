@@ -52,7 +52,6 @@ private:
     void PutSurfaceUnderTheProbe();
     bool OpenRecordings();
     void HookWorker();
-    stVirtualMachine Wiring() const;
     void HookDryRun();
     void RunOperations();
     bool Operate(const std::function<void()>& fnStart);

@@ -1,0 +1,31 @@
+#include "app/RunWindow.h"
+
+#include "ui/DlgTextPad.h"
+#include "ui/Look.h"
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+int RunGuarded(const std::function<int()>& fnRun)
+{
+    try {
+        return fnRun();
+    } catch (...) {
+        QMessageBox::warning(nullptr, QStringLiteral("error here"), QStringLiteral("something screwed up"),
+                             QMessageBox::Ok);
+    }
+    return 0;   // no error status: wanted, the operator has been told
+}
+
+int RunWindow(QApplication& app, const std::function<void(QWidget& window)>& fnBeside)
+{
+    CLook::Apply(app);
+    CTextPadOpener::WatchFileDialogs(app);
+    MainWindow window;
+    return RunGuarded([&] {
+        window.show();
+        if (fnBeside) fnBeside(window);
+        return QApplication::exec();
+    });
+}

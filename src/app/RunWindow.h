@@ -1,0 +1,12 @@
+#pragma once
+#include <functional>
+
+class QApplication;
+class QWidget;
+
+// Makes the one window, shows it and runs the event loop; the result is the exit status. fnBeside is called once the
+// window is there. Interface thread.
+int RunWindow(QApplication& app, const std::function<void(QWidget& window)>& fnBeside = {});
+
+// Whatever is thrown in fnRun ends in a box that tells the operator, and in 0.
+int RunGuarded(const std::function<int()>& fnRun);

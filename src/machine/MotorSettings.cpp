@@ -1,0 +1,200 @@
+#include "machine/MotorSettings.h"
+
+#include <algorithm>
+
+using A = AppConfig;
+
+double CMotorSettings::HighestMaxFeed(eAxis axis)
+{
+    return A::m_fAxisMovPerPulse[axis] * MAX_GPIO_FREQUENCY;
+}
+double CMotorSettings::HighestUserFeed(eAxis axis)
+{
+    return A::m_fMaxAxisFeed[axis] / MAX_FEED_CHANGE_PERCENT;
+}
+
+static void KeepFeedRoom(eAxis axis)
+{
+    const double fMax = A::m_fMaxAxisFeed[axis];
+    for (double* pFeed : {&A::m_fUserAxisFeed[axis], &A::m_fAxisJogFeed[axis]})
+        if (*pFeed * MAX_FEED_CHANGE_PERCENT > fMax) *pFeed = fMax / MAX_FEED_CHANGE_PERCENT;
+    A::m_fAxisFeed[axis] = A::m_fUserAxisFeed[axis] * A::m_fAxisFeedPercent[axis];
+}
+
+// X, Y and Z only: wanted, unlike at load, where all five count.
+static void UpdateLeastMaxFeed()
+{
+    A::m_fMinMaxAxisFeed = *std::min_element(A::m_fMaxAxisFeed, A::m_fMaxAxisFeed + Z_AXIS + 1);
+}
+
+static void FollowWithPlungeFeed()
+{
+    A::m_fPlungeFeed = std::min(A::m_fPlungeFeed, A::m_fUserAxisFeed[Z_AXIS]);
+}
+
+// The first text of several; the axis's own name is in it.
+static QString First(const QString& strFirst, const QString& strSecond)
+{
+    return strFirst.isEmpty() ? strSecond : strFirst;
+}
+
+// ---- Motor values ---------------------------------------------------------------------------------------------------
+
+QString CMotorSettings::Rebuild(eAxis axis)
+{
+    AxisCtrl& ctrl = Axis(axis);
+    ctrl.m_bStoreVelCurve = true;
+    QString strWhy;
+    if (!ctrl.SetVelocityAcc(A::m_fMaxAxisFeed[axis], A::m_fAxisAcc[axis])) {
+        ctrl.m_lstVelCurve.clear();
+        strWhy = ctrl.GetBuildError();
+    }
+    ctrl.m_bStoreVelCurve = false;
+    if (!ctrl.SetVelocityAcc(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis])) strWhy = ctrl.GetBuildError();
+    return strWhy;
+}
+
+QString CMotorSettings::RebuildAll()
+{
+    QString strWhy;
+    for (int axis = 0; axis < MAX_AXES; ++axis) strWhy = First(strWhy, Rebuild(static_cast<eAxis>(axis)));
+    return strWhy;
+}
+
+QString CMotorSettings::SetMaxFeed(eAxis axis, double fFeed)
+{
+    A::m_fMaxAxisFeed[axis] = fFeed;
+    KeepFeedRoom(axis);
+    UpdateLeastMaxFeed();
+    FollowWithPlungeFeed();
+    return Rebuild(axis);
+}
+
+QString CMotorSettings::SetAcc(eAxis axis, double fAcc)
+{
+    A::m_fAxisAcc[axis] = fAcc;
+    return Rebuild(axis);
+}
+
+void CMotorSettings::SetDutyCycle(eAxis axis, double fDuty)
+{
+    A::m_fAxisDutyCycle[axis] = fDuty;
+}
+
+QString CMotorSettings::SetRateOfAcc(eAxis axis, double fRate)
+{
+    A::m_fAxisRateOfAcc[axis] = fRate;
+    Axis(axis).UpdateDutyCycle();
+    return Rebuild(axis);
+}
+
+QString CMotorSettings::SetMovPerPulse(eAxis axis, double fStep)
+{
+    A::m_fAxisMovPerPulse[axis] = fStep;
+    m_bFeedCut = A::m_fAxisFeed[axis] / fStep > MAX_GPIO_FREQUENCY;
+    if (m_bFeedCut) A::m_fAxisFeed[axis] = fStep * MAX_GPIO_FREQUENCY;
+    const bool bAccepted = Axis(axis).UpdateStepResolution();
+    double& fArcStep = A::m_GCodeRunSettings.fAxisStep;
+    if (fArcStep < fStep) fArcStep = fStep;
+    const QString strWhy = Rebuild(axis);
+    return bAccepted ? strWhy : Axis(axis).GetErrorMsg();
+}
+
+QString CMotorSettings::SetSamplingTime(double fSeconds)
+{
+    // Rounded: 0.0011 s is 1100 us, whatever the product of two floats is.
+    A::m_iVelAccSamplingTime = static_cast<quint32>(qRound64(fSeconds * 1000000.0));
+    return RebuildAll();
+}
+
+QString CMotorSettings::ToggleCurveType()
+{
+    A::m_eAxisFeedtype = A::m_eAxisFeedtype == 1 ? 0 : 1;
+    return RebuildAll();
+}
+
+QString CMotorSettings::CopyToGroup(eAxis axis)
+{
+    const bool bLinear = axis <= Z_AXIS;
+    QString strWhy;
+    for (int n = bLinear ? X_AXIS : A_AXIS; n <= (bLinear ? Z_AXIS : B_AXIS); ++n) {
+        if (n == axis) continue;
+        const auto other = static_cast<eAxis>(n);
+        A::m_fAxisMovPerPulse[other] = A::m_fAxisMovPerPulse[axis];
+        A::m_fMaxAxisFeed[other] = A::m_fMaxAxisFeed[axis];
+        A::m_fAxisAcc[other] = A::m_fAxisAcc[axis];
+        A::m_fAxisDutyCycle[other] = A::m_fAxisDutyCycle[axis];
+        A::m_fAxisRateOfAcc[other] = A::m_fAxisRateOfAcc[axis];
+        const bool bAccepted = Axis(other).UpdateStepResolution();
+        KeepFeedRoom(other);
+        strWhy = First(strWhy, First(bAccepted ? QString() : Axis(other).GetErrorMsg(), Rebuild(other)));
+    }
+    UpdateLeastMaxFeed();
+    FollowWithPlungeFeed();
+    return strWhy;
+}
+
+// ---- Feeds of the operator ------------------------------------------------------------------------------------------
+
+QString CMotorSettings::SetUserFeed(eAxis axis, double fFeed)
+{
+    // The keypad's four decimals may lie a trifle above.
+    A::m_fUserAxisFeed[axis] = std::min(fFeed, HighestUserFeed(axis));
+    A::m_fAxisFeed[axis] = A::m_fUserAxisFeed[axis] * A::m_fAxisFeedPercent[axis];
+    if (A::m_bUseG01FeedForJog) A::m_fAxisJogFeed[axis] = A::m_fAxisFeed[axis];
+    FollowWithPlungeFeed();
+    AxisCtrl& ctrl = Axis(axis);
+    return ctrl.SetVelocityAcc(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis]) ? QString() : ctrl.GetBuildError();
+}
+
+void CMotorSettings::SetJogFeed(eAxis axis, double fFeed)
+{
+    A::m_fAxisJogFeed[axis] = std::min(fFeed, HighestUserFeed(axis));
+}
+
+void CMotorSettings::UseG01FeedForJog(bool bUse)
+{
+    A::m_bUseG01FeedForJog = bUse;
+    if (bUse) std::copy_n(A::m_fAxisFeed, std::min<int>(A::m_iMchType, MAX_AXES), A::m_fAxisJogFeed);
+}
+
+// ---- Limits, sensors, board -----------------------------------------------------------------------------------------
+
+QString CMotorSettings::Config(eAxis axis)
+{
+    AxisCtrl& ctrl = Axis(axis);
+    return ctrl.ConfigAxis() ? QString() : ctrl.GetBuildError();
+}
+
+QString CMotorSettings::SetPosLimit(eAxis axis, double fLimit)
+{
+    if (fLimit <= A::m_fAxisNegDirLimit[axis])
+        return QStringLiteral("Positive Limit Can't be less than\nor equal to Negative Limit");
+    A::m_fAxisPosDirLimit[axis] = fLimit;
+    return Config(axis);
+}
+
+QString CMotorSettings::SetNegLimit(eAxis axis, double fLimit)
+{
+    if (fLimit >= A::m_fAxisPosDirLimit[axis])
+        return QStringLiteral("Negative Limit Can't be greater than\nor equal to Positive Limit");
+    A::m_fAxisNegDirLimit[axis] = fLimit;
+    return Config(axis);
+}
+
+QString CMotorSettings::ConfigAxes()
+{
+    QString strWhy;
+    for (int axis = 0; axis < std::min<int>(A::m_iMchType, MAX_AXES); ++axis)
+        strWhy = First(strWhy, Config(static_cast<eAxis>(axis)));
+    return strWhy;
+}
+
+void CMotorSettings::SelectBoard(int iBoard)
+{
+    A::m_eVantorCtrl = iBoard;
+    if (iBoard == VTR3_CTRL) A::m_iMchType = 3;
+    if (iBoard == VTR5_CTRL) A::m_iMchType = 5;
+    for (const eAxis axis : {A_AXIS, B_AXIS})
+        Axis(axis).m_bNeedsRestart = A::m_iMchType < MAX_AXES || m_Machine.AxesSetUp() < MAX_AXES;
+}

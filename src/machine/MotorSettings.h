@@ -1,0 +1,56 @@
+#pragma once
+#include "machine/AppControl.h"
+
+// What follows from a changed setting of a motor, a travel limit, a feed or the board: the settings screens store
+// through these, so that feeds keep their room and the axes always run by what is stored. Interface thread, while the
+// machine is free. Ranges are the keypad's. A text that comes back is for the operator's log; empty: nothing to tell.
+class CMotorSettings
+{
+public:
+    explicit CMotorSettings(AppControl& machine) : m_Machine(machine) {}
+
+    // Highest values that a screen may offer, mm/s. A user or jog feed leaves room for the override of 150 percent.
+    static double HighestMaxFeed(eAxis axis);
+    static double HighestUserFeed(eAxis axis);
+
+    // ---- Motor values; mm, s ----
+    QString SetMaxFeed(eAxis axis, double fFeed);
+    QString SetAcc(eAxis axis, double fAcc);
+    // The tables keep the old duty until the axis is next rebuilt.
+    void SetDutyCycle(eAxis axis, double fDuty);
+    QString SetRateOfAcc(eAxis axis, double fRate);
+    // A working feed above what the pulse rate allows with this step is cut.
+    QString SetMovPerPulse(eAxis axis, double fStep);
+    bool IsFeedCut() const { return m_bFeedCut; }
+    QString SetSamplingTime(double fSeconds);
+    QString ToggleCurveType();
+    // Gives the motor values of one axis to the others of its group: X, Y, Z or A, B.
+    QString CopyToGroup(eAxis axis);
+    // The axis's ramp is built at its highest feed and recorded in m_lstVelCurve (empty: refused), then at its working
+    // feed, with which it is left.
+    QString Rebuild(eAxis axis);
+
+    // ---- Feeds of the operator; mm/s ----
+    QString SetUserFeed(eAxis axis, double fFeed);
+    void SetJogFeed(eAxis axis, double fFeed);
+    // The jog feeds become the working feeds, now and with every change of the override.
+    void UseG01FeedForJog(bool bUse);
+
+    // ---- Limits, directions, sensors, board ----
+    // Refused: a positive limit not above the negative one, and the other way round.
+    QString SetPosLimit(eAxis axis, double fLimit);
+    QString SetNegLimit(eAxis axis, double fLimit);
+    // Limits count with home sensors only.
+    QString ConfigAxes();
+    // The number of axes changes at once. Pins are those of the start: A and B make no move unless the machine was
+    // started with them.
+    void SelectBoard(int iBoard);
+
+private:
+    QString RebuildAll();
+    QString Config(eAxis axis);
+    AxisCtrl& Axis(eAxis axis) { return m_Machine.m_AxisCtrl[axis]; }
+
+    AppControl& m_Machine;
+    bool m_bFeedCut = false;
+};

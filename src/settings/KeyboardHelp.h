@@ -1,0 +1,5 @@
+#pragma once
+#include <QString>
+
+// What the keys of the numeric keypad do, as rich text.
+QString KeyboardHelp();

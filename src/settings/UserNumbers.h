@@ -1,0 +1,19 @@
+#pragma once
+#include "machine/MotorSettings.h"
+#include "settings/SettingsInput.h"
+
+#include <functional>
+#include <vector>
+
+// The numbers of the user settings, each with its button: one entry an axis where the setting has one.
+struct stUserNumber
+{
+    QString strButton;
+    eAxis axis;                               // Z for what is not of one axis
+    bool bOfAxis;                             // greyed where the machine does not have the axis
+    std::function<stNumberField()> fnField;   // ranges follow other settings
+    double* pValue;
+    // Stores what was entered; a text that comes back is for the log. Null: the value is stored as it is.
+    std::function<QString(CMotorSettings&, double)> fnStore;
+};
+const std::vector<stUserNumber>& UserNumbers();

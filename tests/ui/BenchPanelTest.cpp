@@ -1,0 +1,127 @@
+#include "app/bench/BenchPanel.h"
+
+#include "app/RunWindow.h"
+#include "config/AppConfig.h"
+#include "platform/WiringPi.h"
+#include "support/CleanMachine.h"
+#include "ui/ScreenSupport.h"
+
+namespace {
+class BenchPanel : public CCleanMachine
+{
+protected:
+    BenchPanel() { CVirtualPins::SetObserver(&m_Machine); }
+    int Level(int iPin) const { return CVirtualPins::Level(iPin); }
+    const bool m_bLoaded = AppConfig::LoadConfig(CONFIG_FILE);   // first: the panel is wired by it
+    CBenchPanel::stWiring m_Wiring = CBenchPanel::WiringOfSettings();
+    CVirtualMachine m_Machine{m_Wiring.machine};
+    CBenchPanel m_Panel{m_Machine, m_Wiring};
+};
+
+TEST_F(BenchPanel, SwitchesSetTheInputsAndShowThem)
+{
+    ShowWindow(m_Panel);
+    const std::pair<const char*, int> switches[] = {{"Btn_EStop", AppConfig::m_iEStopInput},
+                                                    {"Btn_Probe", AppConfig::m_iZProbeInput},
+                                                    {"Btn_Home_X", AppConfig::m_iAxisMchHomeSensorInput[X_AXIS]},
+                                                    {"Btn_Home_Y", AppConfig::m_iAxisMchHomeSensorInput[Y_AXIS]},
+                                                    {"Btn_Home_Z", AppConfig::m_iAxisMchHomeSensorInput[Z_AXIS]},
+                                                    {"Btn_Input1", AppConfig::m_lstIPs.value(1)}};
+    for (const auto& [szName, iPin] : switches) {
+        EXPECT_EQ(Level(iPin), 0) << szName;
+        Click(m_Panel, szName);
+        EXPECT_EQ(Level(iPin), 1) << szName;
+        Click(m_Panel, szName);
+        EXPECT_EQ(Level(iPin), 0) << szName;
+        CVirtualPins::SetInput(iPin, 1);   // the machine's own doing
+        EXPECT_TRUE(WaitFor([&] { return Child(m_Panel, szName).isChecked(); })) << szName;
+        CVirtualPins::SetInput(iPin, 0);
+    }
+    EXPECT_FALSE(Child(m_Panel, "Btn_Home_A").isEnabled());
+    // However short the click, the supervision loop must see it.
+    Click(m_Panel, "Btn_Start");
+    EXPECT_EQ(Level(AppConfig::m_iPgmStartInput), 1);
+    EXPECT_TRUE(WaitFor([&] { return Level(AppConfig::m_iPgmStartInput) == 0; }));
+}
+
+TEST_F(BenchPanel, ShowsCarriagesAndOutputs)
+{
+    ShowWindow(m_Panel);
+    EXPECT_EQ(Child<QLabel>(m_Panel, "Lbl_Pos_X").text(), "90.0000 mm");   // in the middle of 0 to 180
+    EXPECT_EQ(Child<QLabel>(m_Panel, "Lbl_Pos_A").text(), "-");
+    m_Machine.PlaceCarriage(X_AXIS, -1000);
+    EXPECT_TRUE(WaitFor([&] {
+        return Child<QLabel>(m_Panel, "Lbl_Pos_X").text() ==
+               QString::number(-1000 * m_Wiring.machine.axes[X_AXIS].fMmPerPulse, 'f', 4) + " mm";
+    }));
+    const QLabel& lamp = Child<QLabel>(m_Panel, "Lamp_SpindleCW");
+    const QString strDark = lamp.styleSheet();
+    digitalWrite(AppConfig::m_lstMCodesPin.value(3), 1);
+    digitalWrite(AppConfig::m_iPgmStatusOutput, 1);
+    EXPECT_TRUE(WaitFor([&] { return lamp.styleSheet() != strDark; }));
+    EXPECT_EQ(Child<QLabel>(m_Panel, "Lamp_Programruns").styleSheet(), lamp.styleSheet());
+    EXPECT_EQ(Child<QLabel>(m_Panel, "Lamp_SpindleCCW").styleSheet(), strDark);
+    EXPECT_TIDY(m_Panel);
+    SaveScreen(m_Panel, "bench-panel");
+}
+
+TEST_F(BenchPanel, PutsAPlateBelowTheToolWhileItStands)
+{
+    ShowWindow(m_Panel);
+    EXPECT_TRUE(WaitFor([&] {   // a machine that was just switched on counts as moving
+        Click(m_Panel, "Btn_Plate");
+        return Child(m_Panel, "Btn_Plate").isChecked();
+    }));
+    const auto StepDown = [&](double fMm) {
+        const stVirtualAxis& z = m_Wiring.machine.axes[Z_AXIS];
+        digitalWrite(z.iDirPin, 1 - z.iUpLevel);
+        for (auto lPulses = std::lround(fMm / z.fMmPerPulse); lPulses > 0; --lPulses) {
+            digitalWrite(z.iPulsePin, 1);
+            digitalWrite(z.iPulsePin, 0);
+        }
+    };
+    StepDown(9.5);
+    EXPECT_EQ(Level(AppConfig::m_iZProbeInput), 0);
+    StepDown(0.5);
+    EXPECT_EQ(Level(AppConfig::m_iZProbeInput), 1);
+    StepDown(0.1);
+    Click(m_Panel, "Btn_Plate");   // not in the middle of a move
+    EXPECT_TRUE(Child(m_Panel, "Btn_Plate").isChecked());
+}
+
+TEST_F(BenchPanel, StaysWithinReachWhileABoxIsOpen)
+{
+    QWidget window;
+    window.setGeometry(0, 0, 300, 200);
+    ShowWindow(window);
+    m_Panel.ShowBeside(window);
+    EXPECT_FALSE(m_Panel.frameGeometry().intersects(window.geometry()));
+    CAnswer box([&](QWidget& outer) {
+        CAnswer inner([&](QWidget& modal) {
+            EXPECT_TRUE(WaitFor([&] {
+                Touch(Child(m_Panel, "Btn_EStop"));
+                return Level(AppConfig::m_iEStopInput) == 1;
+            }));
+            Click(*static_cast<QMessageBox&>(modal).button(QMessageBox::Ok));
+        });
+        QMessageBox::information(&outer, "Inner", "box");
+        EXPECT_TRUE(WaitFor([&] {
+            Touch(Child(m_Panel, "Btn_EStop"));
+            return Level(AppConfig::m_iEStopInput) == 0;
+        }));
+        Click(*static_cast<QMessageBox&>(outer).button(QMessageBox::Ok));
+    });
+    QMessageBox::information(&window, "Outer", "box");
+    Touch(Child(m_Panel, "Btn_EStop"));
+    EXPECT_EQ(Level(AppConfig::m_iEStopInput), 1);
+}
+
+TEST(RunGuarded, TellsWhatWasThrownAndEndsWithoutAnErrorStatus)
+{
+    EXPECT_EQ(RunGuarded([] { return 7; }), 7);
+    CAnswer box(QMessageBox::Ok);
+    EXPECT_EQ(RunGuarded([]() -> int { throw 1; }), 0);
+    EXPECT_EQ(box.Title(), "error here");
+    EXPECT_EQ(box.Text(), "something screwed up");
+}
+}   // namespace
