@@ -134,9 +134,9 @@ TEST_F(WindowButtons, ClearAndSaveTheLog)
     CAnswer yes(QMessageBox::Yes);
     TouchButton("Btn_ClearLog");
     EXPECT_EQ(Log(), QStringList());
-    for (int n = 0; n < 2100; ++n) Window().AddLogMsg(QString::number(n), MSG_INFO);
-    EXPECT_EQ(Log().size(), 2000);
-    EXPECT_EQ(Log().value(0) + Log().last(), "2099100");
+    for (int n = 0; n < 1100; ++n) Window().AddLogMsg(QString::number(n), MSG_INFO);
+    EXPECT_EQ(Log().size(), 1000);
+    EXPECT_EQ(Log().value(0) + Log().last(), "1099100");
 }
 
 // ---- Work piece ----
