@@ -280,6 +280,18 @@ TEST_F(WindowButtons, MoveOneAxisHomeAndZToItsSafeHeight)
     EXPECT_TRUE(TurnsGray("Btn_MoveZSafePos"));
 }
 
+TEST_F(WindowButtons, MoveAAndBHomeOnAMachineOfFiveAxes)
+{
+    AppConfig::m_eVantorCtrl = VTR5_CTRL;
+    Open();
+    for (const auto& [szAxis, axis] : {std::pair("A", A_AXIS), {"B", B_AXIS}}) {
+        Machine().m_AxisCtrl[axis].SetCurPos(0.2);
+        TouchButton(QLatin1String("Btn_MoveWorkHome_") + szAxis);
+        EXPECT_TRUE(WaitFor([&, axis = axis] { return Machine().GetCurPos(axis) == 0.0; })) << szAxis;
+        EXPECT_EQ(Carriages().Carriage(axis), -200);
+    }
+}
+
 TEST_F(WindowButtons, ProbeTheSurface)
 {
     Open();
