@@ -137,6 +137,7 @@ private:
     QString m_strOpenFilter;                   // the kind of file chosen last
     QString m_strStickFile;                    // being loaded from a stick
     QFuture<void> m_LoadTask, m_CompileTask;   // the last ones; the destructor waits for them
+    QFuture<void> m_FreeTask;                  // of the program before
     QMetaObject::Connection m_RunningLine;
     CShared<unsigned> m_uRunningLine = 0;
     CShared<bool> m_bRunningLinePosted = false;

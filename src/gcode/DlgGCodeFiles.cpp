@@ -46,7 +46,10 @@ void CdlgGCode::on_Btn_OpenGCode_clicked()
     Host().AddLogMsg(QStringLiteral("Loading G-Code.This may take few seconds based on the G-Code File size"),
                      MSG_INFO);
     m_bGCodeLoading = true;
-    m_LoadTask = QtConcurrent::run([this, strPath] { LoadGCode(strPath, this); });
+    m_LoadTask = QtConcurrent::run([this, strPath, freed = m_FreeTask]() mutable {
+        freed.waitForFinished();
+        LoadGCode(strPath, this);
+    });
 }
 
 // The program to open, perhaps the one that a run was interrupted in, with its line. Empty: none.
@@ -108,7 +111,8 @@ bool CdlgGCode::LoadFromStick(const QString& strPath)
     m_strStickFile = strPath;
     m_bGCodeLoading = true;
     m_bGCodeCompiling = true;
-    m_CompileTask = QtConcurrent::run([this, strPath] {
+    m_CompileTask = QtConcurrent::run([this, strPath, freed = m_FreeTask]() mutable {
+        freed.waitForFinished();
         LoadGCode(strPath, this);
         CompileGCode(this);
     });
@@ -196,7 +200,7 @@ void CdlgGCode::on_Btn_NewGCode_clicked()
 
 void CdlgGCode::ClearCurGCodeData()
 {
-    CGCodeEditor::Clear();
+    m_FreeTask = CGCodeEditor::Clear();
     m_iFirstRow = 0;
     m_iCurErrLine = 0;
     m_pUi->LW_GcodeCommands->clear();

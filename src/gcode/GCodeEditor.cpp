@@ -1,13 +1,14 @@
 #include "gcode/GCodeEditor.h"
 
-#include "common/Wait.h"
 #include "gcode/GCodeStore.h"
 
 #include <QStringList>
+#include <QtConcurrent>
 
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -29,13 +30,11 @@ GCodeTokens SplitAtBlanks(const QString& strText)
     return tokens;
 }
 
-// Takes the content of a container of the store and frees it on the pool, not where the last copy of the task dies.
-template <class T> void FreeOnPool(T& content)
+// Takes the content of containers of the store and frees it on the pool, not where the last copy of the task dies.
+template <class... T> QFuture<void> FreeOnPool(T&... content)
 {
-    if (content.empty()) return;
-    const auto pHeld = std::make_shared<T>();
-    pHeld->swap(content);
-    RunPooled([pHeld] { T().swap(*pHeld); });
+    const auto pHeld = std::make_shared<std::tuple<T...>>(std::exchange(content, T())...);
+    return QtConcurrent::run([pHeld] { *pHeld = {}; });
 }
 }   // namespace
 
@@ -145,16 +144,14 @@ QString CGCodeEditor::ErrorText(quint32 uLine)
     return QString::fromLatin1(found->second.data(), static_cast<qsizetype>(found->second.size()));
 }
 
-void CGCodeEditor::Clear()
+QFuture<void> CGCodeEditor::Clear()
 {
-    FreeOnPool(Store::m_lstOfGCodeLines);
-    FreeOnPool(Store::m_lstOfGCodeCmds);
-    ClearErrors();
+    return FreeOnPool(Store::m_lstOfGCodeLines, Store::m_lstOfGCodeCmds, Store::m_CompilationErrors);
 }
 
 void CGCodeEditor::ClearErrors()
 {
-    FreeOnPool(Store::m_CompilationErrors);
+    if (!Store::m_CompilationErrors.empty()) FreeOnPool(Store::m_CompilationErrors);
 }
 
 void CGCodeEditor::Recompile()

@@ -1,6 +1,7 @@
 #pragma once
 #include "common/MachineTypes.h"
 
+#include <QFuture>
 #include <QString>
 
 #include <optional>
@@ -52,8 +53,9 @@ public:
     static QString ErrorText(quint32 uLine);
 
     // The store, or its errors alone, is empty at once. What it held is freed on the pool: a million lines take longer
-    // than a screen may stand.
-    static void Clear();
+    // than a screen may stand. A load that follows waits for it, so that never two programs fill the memory and never
+    // two threads take the processor from the screen.
+    static QFuture<void> Clear();
     static void ClearErrors();
 
 private:

@@ -22,17 +22,30 @@ CShared<bool> CGCodeStore::m_bToolChgCompiling = false;
 CShared<bool> CGCodeStore::m_bProgramExchanged = false;
 
 namespace {
-// How many lines a file will have, at least one; 0 where it cannot be read twice. Half of the time of a load is the
-// computer finding memory, and vectors that grow by doubling take a third more of it.
-size_t CountLines(QFile& file)
+// How many lines a file will have at most; 0 where it cannot be read twice. Half of the time of a load is the computer
+// finding memory, and vectors that grow by doubling take a third more of it. False: it could not be read to its end.
+bool CountLines(QFile& file, size_t& uCount)
 {
-    if (file.isSequential()) return 0;
-    size_t uCount = 1;
+    uCount = 0;
+    if (file.isSequential()) return true;
     std::vector<char> buffer(1 << 16);
-    for (qint64 lRead; (lRead = file.read(buffer.data(), qint64(buffer.size()))) > 0;)
+    qint64 lRead = 0;
+    for (uCount = 1; (lRead = file.read(buffer.data(), qint64(buffer.size()))) > 0;)
         uCount += static_cast<size_t>(std::count(buffer.begin(), buffer.begin() + lRead, '\n'));
-    file.seek(0);
-    return uCount;
+    return file.seek(0) && lRead == 0;
+}
+
+// Each line of a text file, as QTextStream::readLine gives it until atEnd. False: the file could not be read to its
+// end, which atEnd alone would wait for without end.
+template <class Fn> bool ReadLines(QFile& file, Fn&& fnLine)
+{
+    QTextStream stream(&file);
+    QString strLine;   // one buffer for all: readLine's own strings have twice the room that they need
+    while (!stream.atEnd()) {
+        if (!stream.readLineInto(&strLine) && file.error() != QFileDevice::NoError) return false;
+        fnLine(strLine);
+    }
+    return file.error() == QFileDevice::NoError;
 }
 
 template <class T> void AppendAll(std::vector<T>& lst, std::vector<T>& more)
@@ -40,30 +53,32 @@ template <class T> void AppendAll(std::vector<T>& lst, std::vector<T>& more)
     if (lst.empty()) return lst.swap(more);
     lst.insert(lst.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
 }
-
-// Puts the lines of a tool-change file in the program's place while it lives.
-class CProgramExchange
-{
-public:
-    explicit CProgramExchange(GCodeProgram& other) : m_Other(other)
-    {
-        CGCodeStore::m_bProgramExchanged = true;
-        CGCodeStore::m_lstOfGCodeCmds.swap(m_Other);
-        CGCodeStore::m_bToolChgCompiling = true;
-    }
-    ~CProgramExchange()
-    {
-        CGCodeStore::m_bToolChgCompiling = false;
-        CGCodeStore::m_lstOfGCodeCmds.swap(m_Other);
-        CGCodeStore::m_bProgramExchanged = false;
-    }
-    CProgramExchange(const CProgramExchange&) = delete;
-    CProgramExchange& operator=(const CProgramExchange&) = delete;
-
-private:
-    GCodeProgram& m_Other;
-};
 }   // namespace
+
+// Behind what the store holds. Room first: once the first line is in, nothing fails, and text and tokens stay in step.
+static void Append(std::vector<QString>& lstLines, GCodeProgram& lstCmds)
+{
+    if (!CGCodeStore::m_lstOfGCodeLines.empty()) {
+        CGCodeStore::m_lstOfGCodeLines.reserve(CGCodeStore::m_lstOfGCodeLines.size() + lstLines.size());
+        CGCodeStore::m_lstOfGCodeCmds.reserve(CGCodeStore::m_lstOfGCodeCmds.size() + lstCmds.size());
+    }
+    AppendAll(CGCodeStore::m_lstOfGCodeLines, lstLines);
+    AppendAll(CGCodeStore::m_lstOfGCodeCmds, lstCmds);
+}
+
+CProgramExchange::CProgramExchange(GCodeProgram& other) : m_Other(other)
+{
+    CGCodeStore::m_bProgramExchanged = true;
+    CGCodeStore::m_lstOfGCodeCmds.swap(m_Other);
+    CGCodeStore::m_bToolChgCompiling = true;
+}
+
+CProgramExchange::~CProgramExchange()
+{
+    CGCodeStore::m_bToolChgCompiling = false;
+    CGCodeStore::m_lstOfGCodeCmds.swap(m_Other);
+    CGCodeStore::m_bProgramExchanged = false;
+}
 
 void CGCodeStore::LoadGCode(QString strFile, QObject* notify)
 {
@@ -71,28 +86,21 @@ void CGCodeStore::LoadGCode(QString strFile, QObject* notify)
     if (!file.open(QIODevice::ReadOnly)) return;   // with the flag up: wanted, no further load is started
     std::vector<QString> lstLines;
     GCodeProgram lstCmds;
-    QTextStream stream(&file);
-    const size_t uLines = CountLines(file);
+    size_t uLines = 0;
+    bool bWhole = CountLines(file, uLines);
     lstLines.reserve(uLines);
     lstCmds.reserve(uLines);
-    QString strLine;   // read into one buffer and copied: readLine's own strings have twice the room that they need
-    while (stream.readLineInto(&strLine)) {
+    const auto Take = [&](const QString& strLine) {
         lstLines.emplace_back(strLine.constData(), strLine.size());
         lstCmds.push_back(Parse_GCode_Line(strLine));
-    }
-    if (file.error() != QFileDevice::NoError) {   // half a program must not run
+    };
+    bWhole = bWhole && ReadLines(file, Take);
+    file.close();
+    if (bWhole)
+        Append(lstLines, lstCmds);
+    else   // half a program must not run
         COperatorScreen::Get().AddLogMsg(QStringLiteral("G-Code File not readable to its end: %1").arg(strFile),
                                          MSG_ERROR);
-        lstLines.clear();
-        lstCmds.clear();
-    }
-    file.close();
-    if (!m_lstOfGCodeLines.empty()) {
-        m_lstOfGCodeLines.reserve(m_lstOfGCodeLines.size() + lstLines.size());
-        m_lstOfGCodeCmds.reserve(m_lstOfGCodeCmds.size() + lstCmds.size());
-    }
-    AppendAll(m_lstOfGCodeLines, lstLines);   // from here on nothing fails: text and tokens stay in step
-    AppendAll(m_lstOfGCodeCmds, lstCmds);
     m_bGCodeLoading = false;
     if (notify) QMetaObject::invokeMethod(notify, "GCodeLoadComplete");
 }
@@ -116,8 +124,8 @@ void CGCodeStore::CompileToolFile(CGCodeCompiler& compiler)
         return compiler.Error("No ATC commands found. Please check the file, " + strPath.toStdString() + ", exists?");
     if (!file.open(QIODevice::ReadOnly)) return compiler.Error("Unable to open ATC File," + strPath.toStdString());
     GCodeProgram toolProgram;
-    QTextStream stream(&file);
-    while (!stream.atEnd()) toolProgram.push_back(Parse_GCode_Line(stream.readLine()));
+    if (!ReadLines(file, [&](const QString& strLine) { toolProgram.push_back(Parse_GCode_Line(strLine)); }))
+        return compiler.Error("Unable to open ATC File," + strPath.toStdString());
 
     const CProgramExchange exchange(toolProgram);
     CompileGCode(nullptr);   // its errors go under its own line numbers into the same map, and the flag falls: wanted

@@ -9,7 +9,6 @@
 #include <vector>
 
 class CGCodeCompiler;
-class QFile;
 class QObject;
 
 // The one G-code program of the system, line by line as text and as tokens. Static, so that the worker, the pooled
@@ -50,4 +49,17 @@ public:
 private:
     // A T word: the tool-change file of that name is compiled in the program's place.
     static void CompileToolFile(CGCodeCompiler& compiler);
+};
+
+// Puts the lines of a tool-change file in the program's place while it lives, and tells so by the flags.
+class CProgramExchange
+{
+public:
+    explicit CProgramExchange(GCodeProgram& other);
+    ~CProgramExchange();
+    CProgramExchange(const CProgramExchange&) = delete;
+    CProgramExchange& operator=(const CProgramExchange&) = delete;
+
+private:
+    GCodeProgram& m_Other;
 };

@@ -1,6 +1,7 @@
 #include "gcode/GCodeTokens.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <limits>
 #include <locale.h>
@@ -12,26 +13,43 @@ struct stExtent
     qsizetype iFrom, iTo;
 };
 
-bool IsValueChar(QChar c)
+enum eCharKind : quint8
 {
-    return c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char('-');
+    CHAR_OTHER,
+    CHAR_VALUE,   // a digit, a point or a minus continues a token
+    CHAR_SPACE
+};
+eCharKind FindKind(QChar c)
+{
+    if (c.isSpace()) return CHAR_SPACE;
+    return c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char('-') ? CHAR_VALUE : CHAR_OTHER;
+}
+// Programs are long, and nearly all of them ASCII.
+const std::array<eCharKind, 128> ASCII_KINDS = [] {
+    std::array<eCharKind, 128> kinds{};
+    for (size_t n = 0; n < kinds.size(); ++n) kinds[n] = FindKind(QChar(static_cast<char16_t>(n)));
+    return kinds;
+}();
+eCharKind Kind(QChar c)
+{
+    return c.unicode() < ASCII_KINDS.size() ? ASCII_KINDS[c.unicode()] : FindKind(c);
 }
 
 struct stProgramRules
 {
-    static bool Continues(QChar c) { return IsValueChar(c) || c.isSpace(); }
+    static bool Continues(QChar c) { return Kind(c) != CHAR_OTHER; }
     static constexpr bool bKeepsLast = false;
 };
 struct stToolRules
 {
-    static bool Continues(QChar c) { return IsValueChar(c); }
+    static bool Continues(QChar c) { return Kind(c) == CHAR_VALUE; }
     static constexpr bool bKeepsLast = true;
 };
 
 // The next token from i on, which moves behind it. False: there is none.
 template <class Rules> bool NextToken(QStringView line, qsizetype& i, stExtent& token)
 {
-    while (i < line.size() && line[i].isSpace()) ++i;
+    while (i < line.size() && Kind(line[i]) == CHAR_SPACE) ++i;
     if (i >= line.size()) return false;
     token.iFrom = i++;
     if (i == line.size() && !Rules::bKeepsLast) return false;
@@ -42,23 +60,30 @@ template <class Rules> bool NextToken(QStringView line, qsizetype& i, stExtent& 
 
 void AppendToken(QStringView line, stExtent token, GCodeTokens& tokens)
 {
-    std::string& strToken = tokens.emplace_back();
-    strToken.resize(static_cast<size_t>(token.iTo - token.iFrom));
-    size_t uLength = 0;
-    for (qsizetype i = token.iFrom; i < token.iTo; ++i)
-        if (!line[i].isSpace()) strToken[uLength++] = static_cast<char>(line[i].unicode() & 0xff);
-    strToken.resize(uLength);
+    // Made at its length: growing would leave a long one with twice the room.
+    std::string& strToken = tokens.emplace_back(static_cast<size_t>(token.iTo - token.iFrom), '\0');
+    char* pTo = strToken.data();
+    for (const QChar c : line.mid(token.iFrom, token.iTo - token.iFrom))
+        if (Kind(c) != CHAR_SPACE) *pTo++ = static_cast<char>(c.unicode() & 0xff);
+    strToken.resize(static_cast<size_t>(pTo - strToken.data()));
 }
 
 // Counted first: a program of a million lines has no room to spare in its vectors.
 template <class Rules> GCodeTokens Tokenize(QStringView line)
 {
+    std::array<stExtent, 16> few;   // most lines have no more words, and are not looked through twice
     stExtent token{};
     size_t uCount = 0;
-    for (qsizetype i = 0; NextToken<Rules>(line, i, token);) ++uCount;
+    for (qsizetype i = 0; NextToken<Rules>(line, i, token); ++uCount)
+        if (uCount < few.size()) few[uCount] = token;
     GCodeTokens tokens;
     tokens.reserve(uCount);
-    for (qsizetype i = 0; NextToken<Rules>(line, i, token);) AppendToken(line, token, tokens);
+    qsizetype iNext = 0;
+    for (size_t n = 0; n < std::min(uCount, few.size()); ++n) {
+        AppendToken(line, few[n], tokens);
+        iNext = few[n].iTo;
+    }
+    while (tokens.size() < uCount && NextToken<Rules>(line, iNext, token)) AppendToken(line, token, tokens);
     return tokens;
 }
 

@@ -36,7 +36,8 @@ quint8 cvantorctrl::ReadInput(unsigned short pin)
     const int iBytes = ReadAllInputs(buffer);
     const int iByte = pin / 8;
     if (iByte >= iBytes) return 0;
-    return static_cast<quint8>((static_cast<unsigned char>(buffer[iByte]) >> (pin % 8)) & 1);
+    const unsigned uBits = static_cast<unsigned char>(buffer[iByte]);
+    return static_cast<quint8>(uBits >> (pin % 8) & 1u);
 }
 
 void cvantorctrl::WriteOutput(unsigned char pin, unsigned char value)

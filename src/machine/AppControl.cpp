@@ -37,7 +37,16 @@ AppControl::AppControl(QObject* pParent) : QThread(pParent)
 AppControl::~AppControl()
 {
     if (isRunning()) StopAll();
+    WaitForWorker();
+}
+
+// What the worker has done is done: said again by its last two stores, because a thread sanitizer does not see the
+// lock inside wait().
+void AppControl::WaitForWorker()
+{
     wait();
+    (void)static_cast<bool>(m_bWorkerBusy);
+    (void)static_cast<bool>(m_bOperationFinished);
 }
 
 // ---- Start and stop -------------------------------------------------------------------------------------------------
@@ -62,9 +71,11 @@ bool AppControl::ClaimWorker()
         PushErrMsg(AxisInUse());
         return false;
     }
-    wait();   // an ended operation may still be leaving run, and a thread that runs does not start
+    WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     m_bAbandoned = false;
-    m_bOperationFinished = false;   // of the last operation, which the interface has not noted yet
+    // What the last operation has left for the interface must not be taken for the new one's.
+    m_bOperationFinished = false;
+    m_bToolChangePause = false;
     return true;
 }
 

@@ -161,6 +161,8 @@ private:
     int m_iAxesSetUp = 0;
     static int AxesInUse() { return AppConfig::m_iMchType < MAX_AXES ? AppConfig::m_iMchType : MAX_AXES; }
 
+    void WaitForWorker();
+
     // Start: interface thread. False, with a message: the last operation has not ended.
     bool ClaimWorker();
     void LaunchOperation(eOperation eCode);

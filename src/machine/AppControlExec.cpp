@@ -103,6 +103,7 @@ bool CGCodeLineExec::Run()
     if (TokenLetter(m_Tokens[0]) == 'N') m_uToken = 1;   // a label is only skipped
     if (m_uToken == m_Tokens.size()) return true;
     while (m_uToken < m_Tokens.size()) {
+        if (m_App.m_bAbandoned) return false;   // a worker that wakes in a job that was given up runs no further word
         switch (Word()) {
         case eNext::WORD: ++m_uToken; break;
         // Words behind a move on its line are not executed: wanted, programs rely on what runs today.

@@ -161,10 +161,11 @@ Exec::eNext Exec::AutoToolChange()
         m_App.PushInfoMsg(QStringLiteral("No Tool Selected. Please use 'T' command before M06"));
         return eNext::WORD;
     }
-    QFile file(CPaths::Map(WORKING_FOLDER + QLatin1Char('/') + QString::fromLatin1(m_App.m_strSelTool) +
-                           QStringLiteral(".txt")));
+    const QString strPath =
+        WORKING_FOLDER + QLatin1Char('/') + QString::fromLatin1(m_App.m_strSelTool) + QStringLiteral(".txt");
+    QFile file(CPaths::Map(strPath));
     if (!file.exists()) {
-        m_App.PushInfoMsg(QStringLiteral("No ATC commands found. Please check the file, ") + file.fileName() +
+        m_App.PushInfoMsg(QStringLiteral("No ATC commands found. Please check the file, ") + strPath +
                           QStringLiteral(", exists?"));
         return eNext::WORD;
     }

@@ -110,17 +110,13 @@ bool WalkArc(const stArcShape& arc, std::vector<stArcPoint>& points, QString& st
 
 double Round4(double fValue)
 {
-    // The product is wrong by at most 2^-53 of itself. Below this size that is less than the distance from the half
-    // that is asked for, so the nearest whole number is certain, and its quotient is the double nearest to the decimal.
-    constexpr double SAFE_SIZE = 1099511627776.0;    // 2^40
-    constexpr double SAFE_DISTANCE = 1.0 / 4096.0;   // 2^-12
-    if (fValue == 0.0) return 0.0;                   // printed without its sign
+    if (fValue == 0.0) return 0.0;   // printed without its sign
+    // Below this size every half is a number of its own, so rounding the product cannot carry it across the half: it
+    // is on the right side, or at the half, where the digits decide. The quotient is the double nearest to the decimal.
+    constexpr double HALVES_EXIST_BELOW = 4503599627370496.0;   // 2^52
     const double fUnits = fValue * DECIMAL_MULTIPLYER;
-    const double fDown = std::floor(fUnits);
-    const double fRest = fUnits - fDown;
-    if (std::abs(fUnits) < SAFE_SIZE && std::abs(fRest - 0.5) > SAFE_DISTANCE) {
-        const double fWhole = fRest < 0.5 ? fDown : fDown + 1.0;
-        return std::copysign(fWhole, fValue) / DECIMAL_MULTIPLYER;
-    }
+    const double fDown = std::floor(fUnits), fRest = fUnits - fDown;
+    if (std::abs(fUnits) < HALVES_EXIST_BELOW && fRest != 0.5)
+        return std::copysign(fRest < 0.5 ? fDown : fDown + 1.0, fValue) / DECIMAL_MULTIPLYER;
     return QString::number(fValue, 'f', PRECISION).toDouble();
 }

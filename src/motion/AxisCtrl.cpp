@@ -27,7 +27,15 @@ AxisCtrl::~AxisCtrl()
 {
     if (CVirtualTime* pTime = CVirtualTime::Current()) pTime->DropRun(this);
     m_bMoving = false;
+    WaitForThread();
+}
+
+// What the thread has done is done: said again by run's last store, because a thread sanitizer does not see the lock
+// inside wait().
+void AxisCtrl::WaitForThread()
+{
     wait();
+    (void)static_cast<bool>(m_bThreadIdle);
 }
 
 bool AxisCtrl::ConfigAxis()
@@ -228,7 +236,7 @@ bool AxisCtrl::MoveAxis()
     if (way.bNone) return true;
     // A thread that was stopped, or has lowered its flag, may still be on its way: it would take the new counts for
     // its own, and a start would do nothing.
-    wait();
+    WaitForThread();
     const eDirection ePosDir = AppConfig::m_eAxisPosDir[m_sAxis];
     SetDirection(way.bPositive ? ePosDir : Opposite(ePosDir));
     UseNewTable();

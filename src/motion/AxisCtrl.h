@@ -105,6 +105,7 @@ private:
     void SetDirection(eDirection eDir);
     void UseNewTable();
     void SplitMove(quint32 uPulses);
+    void WaitForThread();
     void StartThread();
     bool Refuse(const QString& strWhy);
     bool RefuseBuild(const QString& strWhy);

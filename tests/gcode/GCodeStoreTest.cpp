@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QJsonDocument>
+#include <QTextStream>
 
 #include <memory>
 #include <thread>
@@ -122,6 +123,21 @@ TEST_F(GCodeStore, LoadsAppendWholeFilesAndTellOfTheirEnd)
     EXPECT_TRUE(Store::m_CompilationErrors.empty());
 }
 
+TEST_F(GCodeStore, LinesAreThoseThatATextStreamGivesUntilItsEnd)
+{
+    for (const char* szHex : {"efbbbf", "efbbbf4731", "4731c3", "c3", "fffe47003100", "fffe4700310a0047", "0d", "0a0d",
+                              "470d0d0a", "00", "47000a31", "fffe", "feff00470031000a", "0a0a", "f09f98"}) {
+        const QByteArray bytes = QByteArray::fromHex(szHex);
+        std::vector<QString> lstExpected;
+        QTextStream stream(bytes);
+        while (!stream.atEnd()) lstExpected.push_back(stream.readLine());
+        Store::ClearProgram();
+        Load(bytes);
+        EXPECT_EQ(Store::m_lstOfGCodeLines, lstExpected) << szHex;
+        EXPECT_EQ(Store::m_lstOfGCodeCmds.size(), lstExpected.size()) << szHex;
+    }
+}
+
 TEST_F(GCodeStore, LoadOfWhatCannotBeOpenedKeepsItsFlagAndSaysNothing)
 {
     CNotify notify;
@@ -175,9 +191,9 @@ class ThreadsGCodeStore : public GCodeStore
 };
 TEST_F(ThreadsGCodeStore, TasksSendTheirSignalsToTheThreadOfTheObject)
 {
-    int iArguments = 0;
-    std::unique_ptr<QCoreApplication> pApp;
-    if (!QCoreApplication::instance()) pApp = std::make_unique<QCoreApplication>(iArguments, nullptr);
+    // Never destroyed: it would take the thread pool with it, which later tests of this process need.
+    static int iArguments = 0;
+    if (!QCoreApplication::instance()) (void)new QCoreApplication(iArguments, nullptr);
     CNotify notify;
     const QString strPath = Write("G1 X1\n");
     std::thread([&] {
@@ -215,6 +231,21 @@ TEST_F(GCodeStore, ToolFileIsCheckedInThePlaceOfTheProgramWhichIsRestored)
             "F1(G19 Plane selected. I value should not be present)"},
         {4, "G4(Invalid)"}};
     EXPECT_EQ(Store::m_CompilationErrors, expected);
+}
+
+TEST_F(GCodeStore, ProgramIsOutOfReachWhileAToolFileStandsInItsPlace)
+{
+    Load("G0 X1\n");
+    GCodeProgram tool = {{"M6"}};
+    {
+        const CProgramExchange exchange(tool);
+        EXPECT_TRUE(Store::m_bProgramExchanged && Store::m_bToolChgCompiling);
+        EXPECT_EQ(Store::m_lstOfGCodeCmds, (GCodeProgram{{"M6"}}));
+        Store::CompileGCode(nullptr);   // clears the flag of the compilation only
+        EXPECT_TRUE(Store::m_bProgramExchanged);
+    }
+    EXPECT_FALSE(Store::m_bProgramExchanged || Store::m_bToolChgCompiling);
+    EXPECT_EQ(Store::m_lstOfGCodeCmds, (GCodeProgram{{"G0", "X1"}}));
 }
 
 // ---- Saving ----

@@ -20,7 +20,10 @@ TEST_P(Tokenizers, CutALine)
 }
 INSTANTIATE_TEST_SUITE_P(
     Lines, Tokenizers,
-    testing::Values(stTokenizerCase{"", {}, {}}, stTokenizerCase{" \t ", {}, {}},
+    testing::Values(stTokenizerCase{QString("X1 ").repeated(40), GCodeTokens(40, "X1"), GCodeTokens(40, "X1")},
+                    stTokenizerCase{QString("Y2").repeated(16), GCodeTokens(16, "Y2"), GCodeTokens(16, "Y2")},
+                    stTokenizerCase{QString("Z").repeated(18), GCodeTokens(17, "Z"), GCodeTokens(18, "Z")},
+                    stTokenizerCase{"", {}, {}}, stTokenizerCase{" \t ", {}, {}},
                     stTokenizerCase{"G1X10", {"G1", "X10"}, {"G1", "X10"}},
                     stTokenizerCase{"G 1 X 12 .5", {"G1", "X12.5"}, {"G", "1", "X", "12", ".5"}},
                     stTokenizerCase{"X-1.5Y2", {"X-1.5", "Y2"}, {"X-1.5", "Y2"}},

@@ -55,8 +55,7 @@ protected:
     Homing()
     {
         AppConfig::m_bHomeSensorsUsed = true;
-        AppConfig::m_fAxisHomeFeed[X_AXIS] = AppConfig::m_fAxisHomeFeed[Y_AXIS] = AppConfig::m_fAxisHomeFeed[Z_AXIS] =
-            2;
+        std::fill_n(AppConfig::m_fAxisHomeFeed, MAX_AXES, 2.0);
     }
     // Sensors at machine zero, on the side that the axis homes to; the carriages inside the machine.
     static stVirtualMachine WithSensors()
@@ -85,6 +84,8 @@ protected:
 
 TEST_F(Homing, EachAxisReachesItsSensorBacksOffAndReachesItSlowly)
 {
+    AppConfig::m_eVantorCtrl = VTR5_CTRL;
+    AppConfig::ApplyBoardPins();
     AppConfig::m_fAxisWorkZero[X_AXIS] = 12.5;
     AppConfig::m_fAxisWorkZero[Z_AXIS] = -30.0;
     BuildAtSensors();
@@ -94,10 +95,10 @@ TEST_F(Homing, EachAxisReachesItsSensorBacksOffAndReachesItSlowly)
     EXPECT_TRUE(NoneHoming());
 
     const qint64 lZDone = m_Strokes.Of(Z_AXIS).at(0).lLast;
-    for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) {
+    for (int axis = X_AXIS; axis <= B_AXIS; ++axis) {
         const auto lst = m_Strokes.Of(axis);
         ASSERT_EQ(lst.size(), 3u) << axis;
-        const int iHomeSign = axis == X_AXIS ? -1 : 1;   // X homes downwards
+        const int iHomeSign = axis == Y_AXIS || axis == Z_AXIS ? 1 : -1;   // the others home downwards
         EXPECT_EQ(lst[0].lTo, 0);
         EXPECT_NEAR(lst[0].fSpeed, 10.0, 1e-3);   // jog feed, up to the sensor: no ramp
         EXPECT_EQ(lst[1].lTo, -5000 * iHomeSign);
@@ -108,7 +109,8 @@ TEST_F(Homing, EachAxisReachesItsSensorBacksOffAndReachesItSlowly)
         EXPECT_EQ(m_App.GetCurPos(eAxis(axis)), -AppConfig::m_fAxisWorkZero[axis]);
         EXPECT_EQ(NextFeed(axis), 15.0);
     }
-    EXPECT_LT(std::abs(m_Strokes.Of(X_AXIS)[0].lFirst - m_Strokes.Of(Y_AXIS)[0].lFirst), 20'000);   // together
+    for (const int axis : {Y_AXIS, A_AXIS, B_AXIS})
+        EXPECT_LT(std::abs(m_Strokes.Of(X_AXIS)[0].lFirst - m_Strokes.Of(axis)[0].lFirst), 20'000);   // together
     for (const size_t uPhase : {1u, 2u})
         EXPECT_LT(std::abs(m_Strokes.Of(X_AXIS)[uPhase].lFirst - m_Strokes.Of(Z_AXIS)[uPhase].lFirst), 20'000);
 }
@@ -120,21 +122,6 @@ TEST_F(Homing, WithoutRepetitionTheFastApproachCounts)
     Home();
     EXPECT_EQ(m_Strokes.m_lst.size(), 3u);
     EXPECT_TRUE(m_App.GetHomeDone());
-}
-
-TEST_F(Homing, FiveAxesHomeAAndBWithXAndY)
-{
-    AppConfig::m_eVantorCtrl = VTR5_CTRL;
-    AppConfig::ApplyBoardPins();
-    BuildAtSensors();
-    Home();
-    EXPECT_EQ(m_App.TakeErrors(), QStringList());
-    EXPECT_TRUE(m_App.GetHomeDone());
-    for (const int axis : {A_AXIS, B_AXIS}) {
-        ASSERT_EQ(m_Strokes.Of(axis).size(), 3u);
-        EXPECT_LT(std::abs(m_Strokes.Of(axis)[0].lFirst - m_Strokes.Of(X_AXIS)[0].lFirst), 20'000);
-        EXPECT_EQ(m_pMachine->Carriage(axis), 0);
-    }
 }
 
 TEST_F(Homing, AnAxisOnItsSensorMakesNoPulseBacksOffAndReturns)
@@ -283,49 +270,37 @@ struct stZero
     double fPos;   // of the axis, work coordinates
     bool bInside;
 };
-class NewWorkZero : public Homing, public testing::WithParamInterface<stZero>
+class NewWorkZero : public Homing, public testing::WithParamInterface<std::tuple<stZero, bool>>
 {
-protected:
-    NewWorkZero()
-    {
-        AppConfig::m_fAxisWorkZero[X_AXIS] = 20.0;   // 0 to 180 in machine coordinates
-        Build();
-        m_App.SetMchHome();
-        m_App.m_AxisCtrl[X_AXIS].SetCurPos(GetParam().fPos);
-        m_App.m_AxisCtrl[Y_AXIS].SetCurPos(-7.0);
-    }
-    static QString Refusal()
-    {
-        return "Work Zero for X-Axis must be in between -200000 and 1600000.0000";   // position units, both
-    }
-    static bool IsSaved() { return QFile::exists(CPaths::Map(CONFIG_FILE)); }
 };
-TEST_P(NewWorkZero, OfOneAxisMustBeInsideTheMachine)
+// Of one axis it must be inside the machine; of all axes it is told and set all the same.
+TEST_P(NewWorkZero, IsHeldAgainstTheMachine)
 {
-    EXPECT_EQ(m_App.SetWorkZero(X_AXIS), GetParam().bInside);
-    EXPECT_EQ(m_App.GetErrMsg(), GetParam().bInside ? QString() : Refusal());
-    EXPECT_EQ(m_App.GetInfoMsg(), GetParam().bInside ? "X-Axis Work Zero is set" : QString());
-    EXPECT_EQ(IsSaved(), GetParam().bInside);
-    EXPECT_EQ(m_Screen.m_lstCalls, GetParam().bInside ? QStringList("area") : QStringList());
-    EXPECT_EQ(AppConfig::m_fAxisWorkZero[X_AXIS], GetParam().bInside ? 20.0 + GetParam().fPos : 20.0);
-    EXPECT_EQ(m_App.GetCurPos(X_AXIS), GetParam().bInside ? 0.0 : GetParam().fPos);
-    EXPECT_EQ(AppConfig::m_fAxisWorkZero[Y_AXIS], 0.0);
+    const auto& [zero, bAll] = GetParam();
+    AppConfig::m_fAxisWorkZero[X_AXIS] = 20.0;   // 0 to 180 in machine coordinates
+    Build();
+    m_App.SetMchHome();
+    m_App.m_AxisCtrl[X_AXIS].SetCurPos(zero.fPos);
+    m_App.m_AxisCtrl[Y_AXIS].SetCurPos(-7.0);
+    const bool bSet = zero.bInside || bAll;
+    if (bAll)
+        m_App.SetWorkZero();
+    else
+        EXPECT_EQ(m_App.SetWorkZero(X_AXIS), bSet);
+    EXPECT_EQ(m_App.GetErrMsg(),   // position units, both
+              zero.bInside ? "" : "Work Zero for X-Axis must be in between -200000 and 1600000.0000");
+    EXPECT_EQ(m_App.GetInfoMsg(), !bSet ? "" : bAll ? "Work Zero is set" : "X-Axis Work Zero is set");
+    EXPECT_EQ(QFile::exists(CPaths::Map(CONFIG_FILE)), bSet);
+    EXPECT_EQ(m_Screen.m_lstCalls, bSet ? QStringList("area") : QStringList());
+    EXPECT_NEAR(AppConfig::m_fAxisWorkZero[X_AXIS], bSet ? 20.0 + zero.fPos : 20.0, 1e-12);
+    EXPECT_EQ(AppConfig::m_fAxisWorkZero[Y_AXIS], bAll ? -7.0 : 0.0);
+    EXPECT_EQ(m_App.GetCurPos(X_AXIS), bSet ? 0.0 : zero.fPos);
     EXPECT_EQ(m_App.m_AxisCtrl[X_AXIS].m_lNegLimit, -CUnitConverter::GetLong(AppConfig::m_fAxisWorkZero[X_AXIS]));
 }
-TEST_P(NewWorkZero, OfAllAxesIsToldAndSetAllTheSame)
-{
-    m_App.SetWorkZero();
-    EXPECT_EQ(m_App.TakeErrors(), GetParam().bInside ? QStringList() : QStringList(Refusal()));
-    EXPECT_EQ(m_App.GetInfoMsg(), "Work Zero is set");
-    EXPECT_TRUE(IsSaved());
-    EXPECT_EQ(m_Screen.m_lstCalls, QStringList("area"));
-    EXPECT_NEAR(AppConfig::m_fAxisWorkZero[X_AXIS], 20.0 + GetParam().fPos, 1e-12);
-    EXPECT_EQ(AppConfig::m_fAxisWorkZero[Y_AXIS], -7.0);
-    EXPECT_EQ(m_App.GetCurPos(X_AXIS), 0.0);
-}
 INSTANTIATE_TEST_SUITE_P(Places, NewWorkZero,
-                         testing::Values(stZero{-20.0, true}, stZero{-20.0001, false}, stZero{160.0, true},
-                                         stZero{160.0001, false}, stZero{3.5, true}));
+                         testing::Combine(testing::Values(stZero{-20.0, true}, stZero{-20.0001, false},
+                                                          stZero{160.0, true}, stZero{160.0001, false}),
+                                          testing::Bool()));
 
 TEST_F(Homing, WithoutSensorsAWorkZeroOnlyZeroesThePositions)
 {
@@ -391,14 +366,4 @@ INSTANTIATE_TEST_SUITE_P(Surfaces, ZProbe,
                                          stProbe{true, 4.0, 2.999, 3.0, -0.001},    // touching already: one pulse
                                          stProbe{true, -1000.0, 3.0, 3.0, 0.0}));   // never: the old coordinate
 
-TEST_F(Homing, AProbingThatMeetsNothingIsGivenUpAfterFiveMinutes)
-{
-    AppConfig::m_bHomeSensorsUsed = false;
-    Build();
-    m_App.RunAs(OP_Z_PROBE);
-    EXPECT_EQ(m_App.TakeErrors(), QStringList({"Error:Z-Axis Motion Timeout", "Axis is in Motion"}));
-    EXPECT_FALSE(m_App.IsMachineIdle());   // an alarm, not a stop
-    EXPECT_EQ(m_App.GetInfoMsg(), QString());
-    EXPECT_TRUE(m_App.m_bOperationFinished);
-}
 }   // namespace

@@ -152,7 +152,8 @@ TEST_F(CMoveTest, NothingStartsWithoutTheAutoMode)
     CAllAxisCtrl::StopAutoMode();
     CAllAxisCtrl::WaitForAutoModeEnd();
     EXPECT_FALSE(Move({}, {1.0}));
-    EXPECT_TRUE(Move({}, {0.0005})) << "less than a pulse starts nothing";
+    EXPECT_FALSE(Move({}, {0.001})) << "exactly one pulse is handed over, although it moves no axis";
+    EXPECT_TRUE(Move({}, {0.0009})) << "less than a pulse starts nothing";
     EXPECT_TRUE(m_App.TakeErrors().isEmpty());
     EXPECT_FALSE(CAllAxisCtrl::GetMotionState());
 }

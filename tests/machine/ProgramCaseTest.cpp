@@ -1,4 +1,5 @@
 #include "common/Paths.h"
+#include "config/SettingsTable.h"
 #include "gcode/GCodeTokens.h"
 #include "machine/AppControl.h"
 #include "motion/AllAxisCtrl.h"
@@ -9,7 +10,7 @@
 #include <QFile>
 #include <QTextStream>
 
-#include <set>
+#include <map>
 
 // Whole programs against the reference cases: everything that the worker does, in order.
 
@@ -198,38 +199,33 @@ std::string Text(const QJsonValue& value)
 class ProgramCase : public CCleanMachine, public testing::WithParamInterface<std::string>
 {
 protected:
-    ProgramCase() { AppConfig::ApplyBoardPins(); }
-
-    void Configure(const QJsonObject& config)
+    void Configure(QJsonObject config)
     {
-        stGCodeRunSettings& run = AppConfig::m_GCodeRunSettings;
-        const std::map<QString, std::function<void(const QJsonValue&)>> setters = {
-            {"mch_type", [](auto& v) { AppConfig::m_iMchType = v.toInt(); }},
-            {"board",
-             [](auto& v) {
-                 AppConfig::m_eVantorCtrl = v.toInt();
-                 AppConfig::ApplyBoardPins();
-             }},
-            {"plane", [](auto& v) { AppConfig::m_PlaneSel = static_cast<qint8>(v.toInt()); }},
-            {"abs_rel", [&](auto& v) { run.sAbsRel = v.toInt(); }},
-            {"state", [&](auto& v) { run.iState = v.toInt(); }},
-            {"start_line", [&](auto& v) { run.iCurLine = v.toInt(); }},
-            {"use_prgm_feed", [&](auto& v) { run.bUsePrgmFeed = v.toBool(); }},
-            {"use_prgm_spindle", [&](auto& v) { run.bUsePrgmSpindleSpeed = v.toBool(); }},
-            {"manual_tool", [](auto& v) { AppConfig::m_bEnlManualToolChange = v.toBool(); }},
-            {"auto_tool", [](auto& v) { AppConfig::m_bEnlAutoToolChange = v.toBool(); }},
-            {"selected_tool", [&](auto& v) { m_App.m_strSelTool = v.toString().toStdString(); }},
-            {"cur_gcode_pos", [&](auto& v) { m_App.m_CurGCodePos = PointFrom(v.toArray()); }},
-            {"start_pos", [&](auto& v) { m_Start = PointFrom(v.toArray()); }},
-            {"atc", [](auto& v) {
-                 const QJsonObject files = v.toObject();
-                 for (auto it = files.begin(); it != files.end(); ++it)
-                     ReplaceFile(CPaths::Map(WORKING_FOLDER + '/' + it.key()), it->toString().toUtf8());
-             }}};
+        static const std::map<QString, const char*> SETTINGS = {
+            {"board", "m_eVantorCtrl"},
+            {"plane", "m_PlaneSel"},
+            {"abs_rel", "m_GCodeRunSettings.sAbsRel"},
+            {"state", "m_GCodeRunSettings.iState"},
+            {"start_line", "m_GCodeRunSettings.iCurLine"},
+            {"use_prgm_feed", "m_GCodeRunSettings.bUsePrgmFeed"},
+            {"use_prgm_spindle", "m_GCodeRunSettings.bUsePrgmSpindleSpeed"},
+            {"manual_tool", "m_bEnlManualToolChange"},
+            {"auto_tool", "m_bEnlAutoToolChange"}};
+        m_App.m_strSelTool = config.take("selected_tool").toString().toStdString();
+        m_App.m_CurGCodePos = PointFrom(config.take("cur_gcode_pos").toArray());
+        m_Start = PointFrom(config.take("start_pos").toArray());
+        const QJsonObject files = config.take("atc").toObject();
+        for (auto it = files.begin(); it != files.end(); ++it)
+            ReplaceFile(CPaths::Map(WORKING_FOLDER + '/' + it.key()), it->toString().toUtf8());
+        const int iAxes = config.take("mch_type").toInt(3);
         for (auto it = config.begin(); it != config.end(); ++it) {
-            ASSERT_TRUE(setters.count(it.key())) << it.key().toStdString();
-            setters.at(it.key())(it.value());
+            ASSERT_TRUE(SETTINGS.count(it.key())) << it.key().toStdString();
+            QString strWhy;
+            const QString strValue = QString::number(it->isBool() ? it->toBool() : it->toInt());
+            EXPECT_TRUE(CSettingsTable::Set(SETTINGS.at(it.key()) + ('=' + strValue), strWhy)) << strWhy.toStdString();
         }
+        AppConfig::ApplyBoardPins();
+        EXPECT_EQ(AppConfig::m_iMchType, iAxes);
     }
     void ExpectFinal(const QJsonObject& final, double fTolerance)
     {

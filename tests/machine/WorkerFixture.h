@@ -35,8 +35,12 @@ class CWorker : public AppControl
 {
 public:
     using AppControl::AfterOperationFinish;
-    using AppControl::run;
 
+    void run() override
+    {
+        AppControl::run();
+        CWait::SleepUs(m_iLeavingUs);
+    }
     bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait) override
     {
         Note(axis, Number("%.10g", fPos));
@@ -61,6 +65,7 @@ public:
 
     QStringList m_lstMoves;
     int m_iWorkZeroMoves = 0;
+    int m_iLeavingUs = 0;                 // how long the thread takes behind the operation
     std::function<bool()> m_fnWorkZero;   // in place of the move
 
 private:

@@ -1,6 +1,5 @@
 #include "common/Paths.h"
 #include "machine/WorkerFixture.h"
-#include "motion/MotionObserver.h"
 #include "platform/Computer.h"
 
 #include <QDate>
@@ -71,23 +70,15 @@ TEST_F(Worker, InitTellsWhyAnAxisCannotMove)
 
 // ---- Waiting for single axes ----------------------------------------------------------------------------------------
 
-TEST_F(Worker, AnEmptySelectionIsNoWait)
-{
-    Build();
-    const signed char none[MAX_AXES] = {}, unused[MAX_AXES] = {0, 0, 0, 1, 1};
-    ASSERT_TRUE(m_App.MoveAbs(X_AXIS, 10.0));
-    EXPECT_TRUE(m_App.WaitForMotionFinish(none));
-    EXPECT_TRUE(m_App.WaitForMotionFinish(unused));   // A and B of a machine of three axes
-    EXPECT_EQ(m_Time.Now(), 5001);                    // the settling of the direction, and nothing else
-}
-
 TEST_F(Worker, FiveMinutesAreAnAlarmThatLeavesTheAxesRunning)
 {
     Build();
     for (const eAxis axis : {X_AXIS, Y_AXIS}) m_App.m_AxisCtrl[axis].SetVelocityAcc(0.1, 600.0);
     ASSERT_TRUE(m_App.MoveAbs(X_AXIS, 40.0) && m_App.MoveAbs(Y_AXIS, 40.0) && m_App.MoveAbs(Z_AXIS, 1.0));
     const qint64 lFrom = m_Time.Now();
-    const signed char selection[MAX_AXES] = {1, 0, 1, 0, 0};
+    const signed char unused[MAX_AXES] = {0, 0, 0, 1, 1}, selection[MAX_AXES] = {1, 0, 1, 0, 0};
+    EXPECT_TRUE(m_App.WaitForMotionFinish(unused));   // A and B of a machine of three axes: no wait at all
+    EXPECT_EQ(m_Time.Now(), lFrom);
     EXPECT_FALSE(m_App.WaitForMotionFinish(selection));
     EXPECT_EQ(m_Time.Now() - lFrom, 300'000'000'000);
     EXPECT_EQ(m_App.TakeErrors(), QStringList("Error:X-Axis Motion Timeout"));
@@ -161,51 +152,22 @@ INSTANTIATE_TEST_SUITE_P(Codes, WorkerEnd,
                                          stEnd{OP_Z_PROFILE, false, 0.0, 0.0, "Z -0"},   // zero is negated here
                                          stEnd{OP_Z_PROFILE, true, -2.0, -12.5, "Z 10.5"}));
 
-TEST_F(Worker, RunRaisesTheStatusOutputAndShutsTheComputerDownAtTheEnd)
+TEST_F(Worker, RunRaisesTheStatusOutputUnlessSimulatingAndShutsTheComputerDown)
 {
     Build();
     AppConfig::m_bShutdownRPI = true;
-    m_App.m_fnWorkZero = [] {
-        EXPECT_EQ(StatusLevel(), 1);
-        return true;
-    };
-    m_App.RunAs(OP_WORK_HOME);
-    EXPECT_EQ(StatusLevel(), 0);
-    EXPECT_EQ(m_lstStarted, QStringList("sudo shutdown now"));
-    EXPECT_EQ(m_App.m_eOperation, OP_WORK_HOME);   // until the interface has taken note
-}
-
-TEST_F(Worker, SimulationLeavesTheStatusOutputAlone)
-{
-    Build();
-    AppConfig::m_bSimulationMode = true;
-    m_App.m_fnWorkZero = [] {
-        EXPECT_EQ(StatusLevel(), 0);
-        CVirtualPins::SetInput(AppConfig::m_iPgmStatusOutput, 1);
-        return true;
-    };
-    m_App.RunAs(OP_WORK_HOME);
-    EXPECT_EQ(StatusLevel(), 1);
-    EXPECT_TRUE(m_App.m_bOperationFinished);
-}
-
-TEST_F(Worker, WorkZeroAndHomingNeverStartTheAutoMode)
-{
-    class CCount : public CMotionObserver
-    {
-    public:
-        void OnAxisMove(int) override { m_bAuto |= CAllAxisCtrl::m_bAutoModeRunning; }
-        void OnCoordinatedMove() override {}
-        void OnMoveEnd(int) override {}
-        bool m_bAuto = false;
-    } observer;
-    Build();
-    CMotionObserver::Set(&observer);
-    m_App.RunAs(OP_WORK_HOME);
-    m_App.RunAs(OP_MCH_HOME);
-    EXPECT_FALSE(observer.m_bAuto);
-    EXPECT_EQ(CAllAxisCtrl::m_pAppCtrl, nullptr);
-    EXPECT_EQ(m_App.m_iWorkZeroMoves, 1);
+    for (const bool bSimulation : {false, true}) {
+        AppConfig::m_bSimulationMode = bSimulation;
+        m_App.m_fnWorkZero = [=] {
+            EXPECT_EQ(StatusLevel(), bSimulation ? 0 : 1);
+            CVirtualPins::SetInput(AppConfig::m_iPgmStatusOutput, 1);
+            return true;
+        };
+        m_App.RunAs(OP_WORK_HOME);
+        EXPECT_EQ(StatusLevel(), bSimulation ? 1 : 0);
+        EXPECT_EQ(std::exchange(m_lstStarted, {}), QStringList("sudo shutdown now"));
+        EXPECT_EQ(m_App.m_eOperation, OP_WORK_HOME);   // until the interface has taken note
+    }
 }
 
 // Operation, and whether it puts the axes back to their working feeds and goes to work zero first.
@@ -238,17 +200,7 @@ TEST_P(WorkerFrame, GoesByTheOperation)
 INSTANTIATE_TEST_SUITE_P(Codes, WorkerFrame,
                          testing::Values(stFrame{OP_WORK_HOME, false, true, 1}, stFrame{OP_GCODE, false, true, 1},
                                          stFrame{OP_GCODE, true, true, 0}, stFrame{OP_Z_PROFILE, false, false, 1},
-                                         stFrame{OP_NONE, false, false, 0}));
-
-TEST_F(Worker, AJobWhoseWayToWorkZeroFailsRunsNothing)
-{
-    Build();
-    m_App.m_fnWorkZero = [] { return false; };
-    m_App.m_pGCodeProgram = nullptr;
-    m_App.RunAs(OP_GCODE);
-    EXPECT_EQ(CAllAxisCtrl::m_pAppCtrl, nullptr);
-    EXPECT_TRUE(m_App.m_bOperationFinished);
-}
+                                         stFrame{OP_MCH_HOME, false, false, 0}));
 
 // ---- Stops ----------------------------------------------------------------------------------------------------------
 
@@ -348,6 +300,7 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     EXPECT_EQ(AppConfig::m_bSpindleOn, job.iCwLevel + job.iCcwLevel > 0);
     EXPECT_EQ(m_App.m_eOperation, OP_GCODE);
     EXPECT_EQ(m_App.m_iWorkZeroMoves, job.bSingleLine ? 0 : 1);
+    EXPECT_EQ(CAllAxisCtrl::m_pAppCtrl != nullptr, job.bSingleLine);   // not behind a way to work zero that failed
     EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
     EXPECT_TRUE(m_App.m_bOperationFinished);
 }

@@ -111,6 +111,15 @@ TEST_F(ZProfile, AGridFromPressToLiftEqualsTheSurface)
         for (const stFloatPoint& node : row)
             EXPECT_NEAR(node.z, &node == &m_Info.lstPoints[0][0] ? 0.0 : Plane(node.x, node.y), 1e-9);
     EXPECT_FALSE(m_App.m_AxisCtrl[Z_AXIS].m_bWatchZProbe);
+
+    m_App.m_eOperation = OP_NONE;
+    AppConfig::m_bUseZProfile = true;
+    const GCodeProgram program = {{"G1", "X16"}};
+    m_App.StartGCode(&program);
+    m_App.wait();
+    EXPECT_EQ(m_App.TakeErrors(), QStringList());
+    EXPECT_NEAR(m_pMachine->CarriageMm(X_AXIS), 16.0, 0.001);
+    EXPECT_NEAR(m_pMachine->CarriageMm(Z_AXIS), Plane(20.0, 0.0), 0.001);   // of the nearest node
 }
 
 struct stExtent

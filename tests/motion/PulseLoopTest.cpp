@@ -16,6 +16,11 @@ void* operator new(size_t uSize)
     if (void* p = std::malloc(uSize)) return p;
     throw std::bad_alloc();
 }
+void* operator new(size_t uSize, const std::nothrow_t&) noexcept
+{
+    ++g_iAllocations;
+    return std::malloc(uSize);
+}
 void operator delete(void* p) noexcept
 {
     std::free(p);

@@ -73,7 +73,14 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
     const QPoint middle = button.rect().center();
     QDialog box(&m_Host);
     box.setModal(true);
+    QWidget other;
     const std::pair<const char*, std::function<void()>> ways[] = {
+        {"another window becomes the active one",
+         [&] {
+             EXPECT_EQ(QApplication::activeWindow(), &m_Host);
+             ShowWindow(other);
+             other.activateWindow();
+         }},
         {"the finger leaves",
          [&] {
              TouchMove(button, {-5, 20});
@@ -89,6 +96,8 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
         fnEnd();
         EXPECT_TRUE(StandsStill()) << szWay;
         box.hide();
+        other.hide();
+        m_Host.activateWindow();
         m_Host.setEnabled(true);
         m_Panel.setEnabled(true);
         m_Panel.show();

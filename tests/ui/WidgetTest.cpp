@@ -113,7 +113,7 @@ TEST(RoundButton, LooksPushedInWhilePressed)
     button.SetPressed();
     EXPECT_EQ(Pixel(44, 6), QColor(50, 50, 50));
     EXPECT_EQ(Pixel(44, 9), QColor(50, 205, 50));   // pressed: from 7 to 82
-    EXPECT_EQ(Pixel(44, 84), QColor(50, 50, 50));
+    EXPECT_EQ(Pixel(44, 83), QColor(50, 50, 50));
 }
 
 // ---- Slide bars ----
