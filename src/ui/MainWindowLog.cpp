@@ -6,7 +6,9 @@
 #include <QMessageBox>
 
 // A line costs more the longer the list is, and the supervision loop pays for it; older lines than these are dropped.
-static constexpr int MOST_LOG_LINES = 2000;
+static constexpr int MOST_LOG_LINES = 1000;
+
+static constexpr int ITEM_MARGIN = 3;   // pixels, of the list's own drawing
 
 static QColor LogColor(eAppMsgType eMsgType)
 {
@@ -24,6 +26,10 @@ void MainWindow::AddLogMsg(const QString& strMsg, eAppMsgType eMsgType)
     QListWidget& list = *m_pUi->LV_Log;
     auto* pItem = new QListWidgetItem(QLatin1Char('[') + QTime::currentTime().toString() + QLatin1Char(']') + strMsg);
     pItem->setForeground(LogColor(eMsgType));
+    // Measured once: the list would measure all its lines again for each new one.
+    const QRect room(0, 0, list.viewport()->width() - 2 * ITEM_MARGIN, 0);
+    const int iHeight = list.fontMetrics().boundingRect(room, Qt::TextWordWrap, pItem->text()).height();
+    pItem->setSizeHint(QSize(room.width(), iHeight));
     list.insertItem(0, pItem);
     while (list.count() > MOST_LOG_LINES) delete list.takeItem(list.count() - 1);
     list.scrollToTop();

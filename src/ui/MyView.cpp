@@ -200,6 +200,8 @@ void CMyView::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(QRectF(0, 0, m_ViewRect.width() - m_sScrollBarSize, m_ViewRect.height() - m_sScrollBarSize),
                      m_colBkGnd);
+    // Fitted into the view, thin lines of the image would break up into dots.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_bFitToView);
     if (m_pImage) painter.drawImage(m_TargetRect, *m_pImage, m_SourceRect);
     painter.setPen(QPen(QColor(0, 255, 150), 3));
     QFont font = CLook::Font(15);

@@ -134,9 +134,9 @@ TEST_F(WindowButtons, ClearAndSaveTheLog)
     CAnswer yes(QMessageBox::Yes);
     TouchButton("Btn_ClearLog");
     EXPECT_EQ(Log(), QStringList());
-    for (int n = 0; n < 2100; ++n) Window().AddLogMsg(QString::number(n), MSG_INFO);
-    EXPECT_EQ(Log().size(), 2000);
-    EXPECT_EQ(Log().value(0) + Log().last(), "2099100");
+    for (int n = 0; n < 1100; ++n) Window().AddLogMsg(QString::number(n), MSG_INFO);
+    EXPECT_EQ(Log().size(), 1000);
+    EXPECT_EQ(Log().value(0) + Log().last(), "1099100");
 }
 
 // ---- Work piece ----
@@ -278,6 +278,18 @@ TEST_F(WindowButtons, MoveOneAxisHomeAndZToItsSafeHeight)
     TouchButton("Btn_MoveZSafePos");
     EXPECT_TRUE(WaitFor([&] { return Machine().GetCurPos(Z_AXIS) == 0.5; }));
     EXPECT_TRUE(TurnsGray("Btn_MoveZSafePos"));
+}
+
+TEST_F(WindowButtons, MoveAAndBHomeOnAMachineOfFiveAxes)
+{
+    AppConfig::m_eVantorCtrl = VTR5_CTRL;
+    Open();
+    for (const auto& [szAxis, axis] : {std::pair("A", A_AXIS), {"B", B_AXIS}}) {
+        Machine().m_AxisCtrl[axis].SetCurPos(0.2);
+        TouchButton(QLatin1String("Btn_MoveWorkHome_") + szAxis);
+        EXPECT_TRUE(WaitFor([&, axis = axis] { return Machine().GetCurPos(axis) == 0.0; })) << szAxis;
+        EXPECT_EQ(Carriages().Carriage(axis), -200);
+    }
 }
 
 TEST_F(WindowButtons, ProbeTheSurface)

@@ -106,6 +106,15 @@ TEST_F(WindowRun, IsRefusedInTheOrderOfItsChecks)
     CGCodeStore::ClearProgram();
     EXPECT_EQ(RefusedStart(), "No G-Code added");
     EXPECT_EQ(Machine().m_eOperation, OP_NONE);
+
+    // Refused and, before it has sprung back, pressed again with success: it stays drawn pressed.
+    Touch(Round("m_BtnStart"));
+    Hold({"G1 X30"});
+    StartByTouch();
+    Round("m_BtnReset").SetPressed();
+    Window().RndBtnRefresh(&Round("m_BtnReset"));
+    EXPECT_TRUE(WaitFor([&] { return !Round("m_BtnReset").IsPressed(); }));
+    EXPECT_TRUE(Round("m_BtnStart").IsPressed());
 }
 
 TEST_F(WindowRun, PauseAndResetOnlySpringBackWhileNothingRuns)
