@@ -88,7 +88,8 @@ public:
     static double m_fAxisPosDirLimit[MAX_AXES], m_fAxisNegDirLimit[MAX_AXES];   // machine coordinates, mm
     static double m_fAxisHomeFeed[MAX_AXES];                                    // second approach of homing
     static CShared<double> m_fAxisFeedPercent[MAX_AXES];                        // a factor: 1.0 is the feed itself
-    static double m_fAxisFeed[MAX_AXES], m_fMaxAxisFeed[MAX_AXES], m_fUserAxisFeed[MAX_AXES];
+    static CShared<double> m_fAxisFeed[MAX_AXES];   // follows the override while a surface is measured
+    static double m_fMaxAxisFeed[MAX_AXES], m_fUserAxisFeed[MAX_AXES];
     static double m_fAxisAcc[MAX_AXES], m_fAxisRateOfAcc[MAX_AXES];
     static double m_fAxisDutyCycle[MAX_AXES];   // high share of a step pulse's period
     static double m_fAxisMovPerPulse[MAX_AXES];

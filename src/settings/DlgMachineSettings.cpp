@@ -178,7 +178,7 @@ void CDlgMachineSettings::EditMotor(const stMotorNumber& number)
     host.UpdateUserSettings();
     UpdateMotorCtrlBtns(m_eSelAxis);
     if (motors.IsFeedCut())
-        m_pUi->Btn_MaxFeed->setText(QString::number(A::m_fAxisFeed[m_eSelAxis], 'f', PRECISION) + "\nFeed");
+        m_pUi->Btn_MaxFeed->setText(QString::number(double(A::m_fAxisFeed[m_eSelAxis]), 'f', PRECISION) + "\nFeed");
     if (number.bGraph) CreateVelAccGraphics();
 }
 

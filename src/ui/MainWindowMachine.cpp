@@ -199,12 +199,13 @@ void MainWindow::OnG01FeedChange(short iPercentage)
     const double fFactor = iPercentage / 100.0;
     const bool bFree = IsMachineFree();   // while a job runs its planning reads the factor itself
     for (int axis = 0; axis < AxesInUse(); ++axis) {
-        AppConfig::m_fAxisFeedPercent[axis] = fFactor;
         AppConfig::m_fAxisFeed[axis] = fFactor * AppConfig::m_fUserAxisFeed[axis];
         if (AppConfig::m_bUseG01FeedForJog) AppConfig::m_fAxisJogFeed[axis] = AppConfig::m_fAxisFeed[axis];
         if (bFree)
             m_AppControl.m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
     }
+    // Behind the feeds of all axes: a measurement that sees the new factor takes these feeds.
+    for (int axis = 0; axis < AxesInUse(); ++axis) AppConfig::m_fAxisFeedPercent[axis] = fFactor;
 }
 
 void MainWindow::OnG00FeedChange(short iPercentage)
