@@ -60,25 +60,6 @@ INSTANTIATE_TEST_SUITE_P(All, KeyPress,
                                          Idle(Qt::Key_9, {KEY_JOG, 1, Z_AXIS}), Idle(Qt::Key_4, {KEY_JOG, -1, X_AXIS}),
                                          Idle(Qt::Key_6, {KEY_JOG, 1, X_AXIS}), Idle(Qt::Key_Return, {})));
 
-TEST(Keys, OfHoldsActByTheKindOfPress)
-{
-    struct stHold
-    {
-        int iKey;
-        eKeyAction eShort, eShortStep, eHeld;
-    };
-    for (const stHold& test : {stHold{Qt::Key_0, KEY_TOGGLE_MODE, KEY_TOGGLE_MODE, KEY_HOME_ALL},
-                               stHold{Qt::Key_1, KEY_MOVE_Z_ZERO, KEY_SET_JOG_STEP, KEY_SET_Z_ZERO},
-                               stHold{Qt::Key_5, KEY_MOVE_ALL_ZERO, KEY_SET_JOG_STEP, KEY_SET_ALL_ZERO},
-                               stHold{Qt::Key_7, KEY_MOVE_XY_ZERO, KEY_SET_JOG_STEP, KEY_SET_XY_ZERO},
-                               stHold{Qt::Key_6, KEY_NOTHING, KEY_NOTHING, KEY_NOTHING},
-                               stHold{-1, KEY_NOTHING, KEY_NOTHING, KEY_NOTHING}}) {
-        EXPECT_EQ(DecideShortPress(test.iKey, true).eAction, test.eShort);
-        EXPECT_EQ(DecideShortPress(test.iKey, false).eAction, test.eShortStep);
-        EXPECT_EQ(DecideHeldKey(test.iKey).eAction, test.eHeld);
-    }
-}
-
 TEST(Keys, ChooseAJogStepOfWholePulses)
 {
     EXPECT_NEAR(JogStepOf(Qt::Key_1, 0.001), 0.01, 1e-12);
@@ -89,40 +70,23 @@ TEST(Keys, ChooseAJogStepOfWholePulses)
     EXPECT_NEAR(JogStepOf(Qt::Key_7, 0.0), 0.1, 1e-12) << "and it ends";
 }
 
-class UsbSearch : public testing::Test
+TEST(UsbSearch, TakesTheFirstFileOfTheFirstFolderThatHasOne)
 {
-protected:
-    void Make(const char* szPath)
-    {
-        const QString strPath = m_Mount.filePath(QString::fromLatin1(szPath));
-        ASSERT_TRUE(QDir().mkpath(QFileInfo(strPath).path()));
-        ASSERT_TRUE(QFile(strPath).open(QIODevice::WriteOnly));
-    }
-    stUsbProgram Find() { return FindUsbProgram(m_Mount.path()); }
-    QTemporaryDir m_Mount;
-};
-TEST_F(UsbSearch, FindsNoStickInAnEmptyOrMissingFolder)
-{
+    QTemporaryDir mount;
+    const auto Find = [&] { return FindUsbProgram(mount.path()); };
+    const auto FindWith = [&](const char* szPath) {
+        const QString strPath = mount.filePath(QString::fromLatin1(szPath));
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(strPath).path()) && QFile(strPath).open(QIODevice::WriteOnly));
+        return QDir(mount.path()).relativeFilePath(Find().strFile).toStdString();
+    };
     EXPECT_FALSE(Find().bStickFound);
-    EXPECT_FALSE(FindUsbProgram(m_Mount.filePath("gone")).bStickFound);
-}
-TEST_F(UsbSearch, TakesTheFirstFileOfTheFirstFolderThatHasOne)
-{
-    Make("A/readme.md");
-    Make("B/sub/deep.ncc");
-    Make("C/b.tap");
-    Make("C/a.ngc");
-    Make("C/c.txt");
-    Make("D/a.ncc");
-    EXPECT_EQ(Find().strFile, m_Mount.filePath("C/b.tap"));
-    Make("B/x.ncc");
-    EXPECT_EQ(Find().strFile, m_Mount.filePath("B/x.ncc"));
-}
-TEST_F(UsbSearch, KnowsLowerCaseEndingsInFoldersOnly)
-{
-    Make("A/PART.NCC");
-    Make("loose.ncc");
+    EXPECT_FALSE(FindUsbProgram(mount.filePath("gone")).bStickFound);
+    for (const char* szNone : {"loose.ncc", "A/PART.NCC", "A/readme.md", "B/sub/deep.ncc", "C/a.ngc"})
+        EXPECT_EQ(FindWith(szNone), "") << szNone;
     EXPECT_TRUE(Find().bStickFound);
-    EXPECT_EQ(Find().strFile, QString());
+    EXPECT_EQ(FindWith("C/c.txt"), "C/c.txt");
+    EXPECT_EQ(FindWith("C/b.tap"), "C/b.tap");
+    EXPECT_EQ(FindWith("D/a.ncc"), "C/b.tap");
+    EXPECT_EQ(FindWith("B/x.ncc"), "B/x.ncc");
 }
 }   // namespace

@@ -160,18 +160,6 @@ TEST_F(WindowKeys, AHoldOfASecondSetsZero)
     Key(Qt::Key_0, false);
     TapKey(Qt::Key_6);   // the hold has not changed the mode: a jog, no step
     EXPECT_TRUE(AllStand());
-
-    // A box that comes during a hold ends it.
-    PlaceAll(0.2);
-    Key(Qt::Key_5);
-    CAnswer box([&](QWidget& modal) {
-        QElapsedTimer since;
-        since.start();
-        EXPECT_TRUE(WaitFor([&] { return since.elapsed() > 1100; }));
-        Answer(modal, QMessageBox::No);
-    });
-    TouchButton("Btn_ClearLog");
-    EXPECT_EQ(Positions(), QList<double>({0.2, 0.2, 0.2}));
 }
 
 TEST_F(WindowKeys, ChangeFeedAndSpeedWithinTheirBounds)
