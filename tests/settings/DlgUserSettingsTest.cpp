@@ -46,27 +46,6 @@ TEST_F(UserSettings, CancelledKeypadsGiveBackTheRecordAsItWas)
     EXPECT_EQ(m_Host.TakeLog(), QStringList());
 }
 
-TEST_F(UserSettings, FeedsEndAtTheRoomOfTheirAxis)
-{
-    A::m_fMaxAxisFeed[Y_AXIS] = 24.0;
-    m_Dlg.ConfigSettings();
-    for (const auto& [szButton, szTitle, fHighest] : {std::tuple{"Btn_Y_UserFeed", "Y Axis User Feed(mm/sec)", 16.0},
-                                                      {"Btn_Y_JogFeed", "Y Axis Jog Feed(mm/sec)", 16.0},
-                                                      {"Btn_Y_HomeFeed", "Y Axis Home Feed(mm/sec)", 24.0},
-                                                      {"Btn_A_UserFeed", "A Axis User Feed(deg/sec)", 20.0},
-                                                      {"Btn_PlungeFeed", "Plunge Feed(mm/sec)", 15.0}}) {
-        m_Host.Type(1000.0);
-        Press(m_Dlg, szButton);
-        EXPECT_EQ(m_Host.m_lstKeypads.back().strTitle, szTitle);
-        EXPECT_EQ(m_Host.m_lstKeypads.back().fLow, 0.01);
-        EXPECT_EQ(m_Host.m_lstKeypads.back().fHigh, fHighest);
-        EXPECT_EQ(TextOf(szButton).section('\n', 0, 0), QString::number(fHighest, 'f', 4));
-    }
-    EXPECT_EQ(A::m_fUserAxisFeed[Y_AXIS], 16.0);
-    EXPECT_EQ(A::m_fAxisHomeFeed[Y_AXIS], 24.0);
-    EXPECT_EQ(A::m_fAxisFeed[Y_AXIS], 16.0);
-}
-
 TEST_F(UserSettings, SwitchesShowTheirStateAndOnesThatExcludeEachOtherGoOff)
 {
     Press(m_Dlg, "Btn_AutoSpindleOnCW");
@@ -118,17 +97,6 @@ TEST_F(UserSettings, TheSpindleTableTakesWholeSpeeds)
     EXPECT_EQ(keypad.fHigh, 32767.0);
     EXPECT_EQ(keypad.iPrecision, 0);
     EXPECT_EQ(m_Host.TakeLog(), QStringList("Machine in use"));
-}
-
-TEST_F(UserSettings, AThreeAxisMachineHasNoAAndB)
-{
-    Start(VTR3_CTRL);
-    m_Dlg.ConfigSettings();
-    for (const char* szButton :
-         {"Btn_A_UserFeed", "Btn_B_JogFeed", "Btn_A_HomeFeed", "Btn_B_ToolChngPos", "Btn_MoveHome_A", "Btn_MoveHome_B"})
-        EXPECT_FALSE(IsEnabled(szButton)) << szButton;
-    EXPECT_TRUE(IsEnabled("Btn_Z_UserFeed"));
-    EXPECT_TRUE(IsEnabled("Btn_MoveHome_Z"));
 }
 
 TEST_F(UserSettings, WithoutSensorsThereIsNoHoming)

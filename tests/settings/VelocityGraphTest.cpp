@@ -18,36 +18,4 @@ TEST(VelocityGraph, ASpeedLastsAsLongAsItsPulsesInTheTable)
     EXPECT_EQ(points[3].y(), points[2].y());
     EXPECT_NEAR(graph.Distance(), 11 * 0.01, 1e-12);
 }
-
-TEST(VelocityGraph, GridStepsAreRound)
-{
-    EXPECT_DOUBLE_EQ(CVelocityGraph::GridStep(33.0, 6), 10.0);
-    EXPECT_DOUBLE_EQ(CVelocityGraph::GridStep(10.0, 5), 2.0);
-    EXPECT_DOUBLE_EQ(CVelocityGraph::GridStep(0.052, 5), 0.02);
-    EXPECT_DOUBLE_EQ(CVelocityGraph::GridStep(1650.0, 6), 500.0);
-    EXPECT_DOUBLE_EQ(CVelocityGraph::GridStep(5.0, 6), 1.0);
-}
-
-// The curve's pixels rise from left to right within the picture, whatever the length of the table.
-TEST(VelocityGraph, TheCurveRisesAcrossThePicture)
-{
-    CVelocityGraph::stCurve curve{{}, 0.001, 10'000.0, "X", "mm"};
-    for (int n = 1; n <= 2'000'000; ++n) curve.lstVel.push_back(n * 0.75);
-    const QImage image = CVelocityGraph(std::move(curve)).Draw({540, 320}, "");
-    const auto TopOf = [&image](int x) {
-        for (int y = 0; y < image.height(); ++y)
-            if (qGreen(image.pixel(x, y)) > 200 && qRed(image.pixel(x, y)) < 60) return y;
-        return -1;
-    };
-    const int iLeft = TopOf(80), iMiddle = TopOf(280), iRight = TopOf(480);
-    EXPECT_GT(iLeft, iMiddle);
-    EXPECT_GT(iMiddle, iRight);
-    EXPECT_GT(iRight, 40);
-}
-
-TEST(VelocityGraph, WithoutACurveTheReasonIsShown)
-{
-    const CVelocityGraph none({});
-    EXPECT_NE(none.Draw({540, 320}, "refused"), none.Draw({540, 320}, ""));
-}
 }   // namespace

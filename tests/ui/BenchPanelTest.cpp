@@ -65,57 +65,6 @@ TEST_F(BenchPanel, ShowsCarriagesAndOutputs)
     SaveScreen(m_Panel, "bench-panel");
 }
 
-TEST_F(BenchPanel, PutsAPlateBelowTheToolWhileItStands)
-{
-    ShowWindow(m_Panel);
-    EXPECT_TRUE(WaitFor([&] {   // a machine that was just switched on counts as moving
-        Click(m_Panel, "Btn_Plate");
-        return Child(m_Panel, "Btn_Plate").isChecked();
-    }));
-    const auto StepDown = [&](double fMm) {
-        const stVirtualAxis& z = m_Wiring.machine.axes[Z_AXIS];
-        digitalWrite(z.iDirPin, 1 - z.iUpLevel);
-        for (auto lPulses = std::lround(fMm / z.fMmPerPulse); lPulses > 0; --lPulses) {
-            digitalWrite(z.iPulsePin, 1);
-            digitalWrite(z.iPulsePin, 0);
-        }
-    };
-    StepDown(9.5);
-    EXPECT_EQ(Level(AppConfig::m_iZProbeInput), 0);
-    StepDown(0.5);
-    EXPECT_EQ(Level(AppConfig::m_iZProbeInput), 1);
-    StepDown(0.1);
-    Click(m_Panel, "Btn_Plate");   // not in the middle of a move
-    EXPECT_TRUE(Child(m_Panel, "Btn_Plate").isChecked());
-}
-
-TEST_F(BenchPanel, StaysWithinReachWhileABoxIsOpen)
-{
-    QWidget window;
-    window.setGeometry(0, 0, 300, 200);
-    ShowWindow(window);
-    m_Panel.ShowBeside(window);
-    EXPECT_FALSE(m_Panel.frameGeometry().intersects(window.geometry()));
-    CAnswer box([&](QWidget& outer) {
-        CAnswer inner([&](QWidget& modal) {
-            EXPECT_TRUE(WaitFor([&] {
-                Touch(Child(m_Panel, "Btn_EStop"));
-                return Level(AppConfig::m_iEStopInput) == 1;
-            }));
-            Click(*static_cast<QMessageBox&>(modal).button(QMessageBox::Ok));
-        });
-        QMessageBox::information(&outer, "Inner", "box");
-        EXPECT_TRUE(WaitFor([&] {
-            Touch(Child(m_Panel, "Btn_EStop"));
-            return Level(AppConfig::m_iEStopInput) == 0;
-        }));
-        Click(*static_cast<QMessageBox&>(outer).button(QMessageBox::Ok));
-    });
-    QMessageBox::information(&window, "Outer", "box");
-    Touch(Child(m_Panel, "Btn_EStop"));
-    EXPECT_EQ(Level(AppConfig::m_iEStopInput), 1);
-}
-
 TEST(RunGuarded, TellsWhatWasThrownAndEndsWithoutAnErrorStatus)
 {
     EXPECT_EQ(RunGuarded([] { return 7; }), 7);

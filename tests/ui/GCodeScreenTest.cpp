@@ -4,7 +4,6 @@
 #include "gcode/ExecStatus.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
-#include "support/FullDisk.h"
 #include "ui/PressAndAnswer.h"
 #include "ui/TestHost.h"
 
@@ -14,7 +13,6 @@
 #include <QScrollBar>
 
 #include <algorithm>
-#include <thread>
 
 namespace {
 using L = QStringList;
@@ -156,18 +154,13 @@ TEST_F(GCodeScreen, OffersTheInterruptedProgram)
     Do("OpenGCode", File(""));   // with a program in the store the question is not asked
     EXPECT_EQ(AppConfig::m_GCodeRunSettings.iCurLine, 0);
 
-    // A program that is gone, a status file cut short, and a folder in its place: the screen stays as it is.
+    // A program that is gone, and a status file cut short: the screen stays as it is.
     Do("NewGCode");
     m_Host.TakeLog();
     QFile::remove(Path("part.tap"));
     Do("OpenGCode", QMessageBox::Yes);
-    const QString strStatus = CPaths::Map(GCODE_EXEC_STATUS_FILE);
-    WriteAll(strStatus, QByteArray("\0\0\0\x20\0G", 6));
+    WriteAll(CPaths::Map(GCODE_EXEC_STATUS_FILE), QByteArray("\0\0\0\x20\0G", 6));
     Do("OpenGCode", QMessageBox::Yes);
-    QFile::remove(strStatus);
-    ASSERT_TRUE(QDir().mkpath(strStatus));
-    EXPECT_EQ(Do("OpenGCode", QMessageBox::Yes, QMessageBox::Ok),
-              "Information: Open Previous G-Code File?|Critical error: Unable to open Config File");
     EXPECT_EQ(m_Host.TakeLog() + L(Name()), L("Unnamed"));
 }
 
@@ -226,41 +219,7 @@ TEST_F(GCodeScreen, AChangedProgramIsSavedBeforeItGoes)
     EXPECT_EQ(Lines(), L({"M30", "M5"}));
 }
 
-TEST_F(GCodeScreen, AFullDiskIsToldAndAVanishedOneIsNot)
-{
-    QDir(m_Home.path()).mkdir("stick");
-    Load(Numbered(300), "stick/part.tap");
-    Change();
-    const QByteArray old = ReadAll(Path("stick/part.tap"));
-    {
-        const CFullDisk disk(100);
-        Do("SaveGCode");
-    }
-    EXPECT_TRUE(m_Host.TakeLog().join('|').startsWith("G-Code File not written, the old one is kept."));
-    EXPECT_EQ(ReadAll(Path("stick/part.tap")), old);
-    QDir(Path("stick")).removeRecursively();
-    Do("NewGCode", QMessageBox::Yes);             // the change is still unsaved
-    EXPECT_EQ(m_Host.TakeLog() + Lines(), L());   // wanted: the old thing goes without a word
-}
-
 // ---- View and edit --------------------------------------------------------------------------------------------------
-
-TEST_F(GCodeScreen, ScrollsThroughWindowsOfTenRows)
-{
-    Load(Numbered(25));
-    EXPECT_EQ(Bar().maximum(), 15);
-    Bar().triggerAction(QAbstractSlider::SliderToMaximum);
-    EXPECT_EQ(Rows(), Numbered(25).mid(15));
-    Bar().triggerAction(QAbstractSlider::SliderPageStepSub);
-    ClickRow(3);
-    EXPECT_EQ(Current(), "G1 X8 Y0|[8]G1 X8 Y0");
-    QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(List().viewport(), &wheel);
-    EXPECT_EQ(Rows(), Numbered(25).mid(5, 10));
-    Bar().setValue(0);   // no row is current any more
-    EXPECT_EQ(LogOf(EDITS), QStringList(3, "Select a G-Code line first"));
-    EXPECT_EQ(Lines(), Numbered(25));
-}
 
 TEST_F(GCodeScreen, ChangesLinesInEditMode)
 {
@@ -280,11 +239,9 @@ TEST_F(GCodeScreen, ChangesLinesInEditMode)
     Type("[9]G1X99");
     Do("UpdateGCodeLine");
     EXPECT_EQ(Rows().last(), "G1X99");
-    EXPECT_EQ(Store::m_lstOfGCodeCmds[9], (GCodeTokens{"G1", "X99"}));
     Type("[9]M5");
     Do("InsertNewGCodeLine");
-    EXPECT_EQ(Current(), "M5|[10]M5");   // in view, for the next press
-    EXPECT_EQ(Bar().maximum(), 12);
+    EXPECT_EQ(Current(), "M5|[10]M5");       // in view, for the next press
     const CAnswer pad([](QWidget& modal) {   // the keyboard shows the text alone
         EXPECT_EQ(Child<QLineEdit>(modal, "LE_Text").text(), "M5");
         for (const char* szKey : {"Btn_Clear", "Btn_Key_G", "Btn_Key_5", "Btn_OK"}) Click(modal, szKey);
@@ -301,12 +258,6 @@ TEST_F(GCodeScreen, ChangesLinesInEditMode)
     Do("DeleteGCodeLine");
     EXPECT_EQ(Lines().mid(10, 2), L({"M5", "G1 X10 Y0"}));
     EXPECT_EQ(Errors() + Current(), "0|G1 X10 Y0|");
-    for (int n = 0; n < 20; ++n) Do("DeleteGCodeLine");
-    EXPECT_EQ(Lines() + Rows(), L());
-    EXPECT_EQ(Bar().maximum(), 0);
-    Type("M30");
-    Do("UpdateGCodeLine");   // adds
-    EXPECT_EQ(Rows(), L("M30"));
     Do("EditGCode");
     EXPECT_FALSE(Field().isEnabled());
     EXPECT_EQ(m_Host.m_lstGrabs.back(), true);
@@ -349,9 +300,6 @@ TEST_F(GCodeScreen, WalksTheErrors)
     }
     const QString strFirst = "G5|[3]G5", strMiddle = "G6 J1|[20]G6 J1", strLast = "G5|[39]G5";
     EXPECT_EQ(seen, L({strFirst, strFirst, strMiddle, strLast, strLast, strMiddle, strFirst}));
-    Store::m_CompilationErrors[99] = "T9(x)";   // of a tool-change file with more lines than the program
-    Do("GCodeLastError");
-    EXPECT_EQ(Errors() + Current(), "3|Unsupported commands:|T9(x)|");
 }
 
 // ---- Run ------------------------------------------------------------------------------------------------------------
@@ -387,31 +335,6 @@ TEST_F(GCodeScreen, AStartIsRefusedInThisOrder)
     machine.m_AxisCtrl[X_AXIS].m_bMoving = false;
 }
 
-TEST_F(GCodeScreen, StartsPausesAndResumesAProgram)
-{
-    AppControl& machine = m_Host.Machine();
-    Load({"G1 X2000", "M30"});
-    Do("EditGCode");
-    ASSERT_TRUE(m_Screen.StartGCode());
-    EXPECT_EQ(machine.m_pGCodeProgram, &Store::m_lstOfGCodeCmds);
-    EXPECT_EQ(AppConfig::m_GCodeRunSettings.strFile, Path("part.tap"));
-    EXPECT_EQ(m_Host.m_iGraphicsCleared, 1);
-    for (QPushButton* pButton : m_Screen.findChildren<QPushButton*>()) EXPECT_FALSE(pButton->isEnabled());
-    EXPECT_FALSE(List().isEnabled() || Field().isEnabled());   // edit mode has ended
-    AppConfig::m_bEnlManualToolChange = true;
-    for (const bool bPause : {true, false}) {
-        EXPECT_TRUE(m_Screen.StartGCode());
-        EXPECT_EQ(machine.m_bPause, bPause);
-    }
-    EXPECT_EQ(m_Host.TakeLog(), L({"G-Code execution paused", "G-Code execution resumed"}));
-    EXPECT_EQ(m_Host.m_lstJogPanel, std::vector<bool>({false}));
-    m_Screen.PauseGCode();
-    EXPECT_TRUE(machine.m_bPause);
-    m_Screen.ResetUI(true);
-    EXPECT_TRUE(Button("OpenGCode").isEnabled() && List().isEnabled());
-    EXPECT_FALSE(Button("OpenDXF").isEnabled());   // until there is a screen for drawings
-}
-
 TEST_F(GCodeScreen, ASingleLineIsTheRowInTheList)
 {
     Load(Numbered(30));
@@ -425,28 +348,6 @@ TEST_F(GCodeScreen, ASingleLineIsTheRowInTheList)
     EXPECT_EQ(List().currentRow(), 4);   // the next press runs the same row
     m_Screen.ResetUI(true);
     EXPECT_EQ(Button("ExecOneGCodeLine").styleSheet(), BTN_BKGND_GRAY);
-}
-
-TEST_F(GCodeScreen, TheRunningLineStaysInView)
-{
-    Load(Numbered(2000));
-    Field().setText("as before");
-    m_Screen.SetCurGCodeLine(0);
-    m_Screen.SetCurGCodeLine(2001);
-    EXPECT_EQ(Field().text(), "as before");
-    for (const unsigned uLine : {1u, 10u, 11u, 1000u, 999u, 2000u}) {
-        m_Screen.SetCurGCodeLine(uLine);
-        EXPECT_EQ(Current(), QString("G1 X%1 Y0|[%1]G1 X%1 Y0").arg(uLine - 1));
-    }
-    // The worker's calls do not pile up in the queue of the screen.
-    std::thread worker([this] {
-        for (unsigned uLine = 1; uLine <= 500; ++uLine) emit m_Host.Machine().SelNxtGCodeLine(uLine);
-    });
-    worker.join();
-    int iShown = 0;
-    QObject::connect(&Field(), &QLineEdit::textChanged, [&] { ++iShown; });
-    EXPECT_TRUE(WaitFor([this] { return Field().text() == "[499]G1 X499 Y0"; }));
-    EXPECT_EQ(iShown, 1);
 }
 
 TEST_F(GCodeScreen, AsksForTheStartLine)

@@ -57,11 +57,6 @@ TEST_F(GCodeSettings, CornersAreOneGroup)
         EXPECT_EQ(m_Settings.iHomeRef, iHomeRef);
         EXPECT_EQ(SelectedCorners(), strName);
     }
-    for (const int iNone : {3, 10, -2}) {
-        m_Settings.iHomeRef = iNone;
-        m_Dialog.ConfigSettings();
-        EXPECT_EQ(SelectedCorners(), "");
-    }
 }
 
 TEST_F(GCodeSettings, TheArcStepIsNotFinerThanThePulses)

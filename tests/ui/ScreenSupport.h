@@ -56,7 +56,6 @@ public:
     // Writes the name into the file dialog and presses Open or Save; an empty name cancels.
     static Fn File(const QString& strPath);
 
-    bool Came() const { return m_bCame; }
     const QString& Title() const { return m_strTitle; }   // of what came
     const QString& Text() const { return m_strText; }     // of a message box
 

@@ -1,8 +1,6 @@
 #include "ui/ScreenSupport.h"
 
-#include "support/CleanMachine.h"
 #include "ui/Look.h"
-#include "ui/TestHost.h"
 
 namespace {
 // A screen with one fault of each kind; what is in order must not be told.
@@ -38,54 +36,5 @@ TEST(Tidy, TellsWhatIsCutOffOverlapsLiesOutsideOrIsTooSmall)
     EXPECT_EQ(names, QStringList({"combo: text of", "cut: overlaps over", "cut: text of", "edit: text of",
                                   "good: overlaps over", "low: a target", "outside: outside of", "tiny: text of"}));
     EXPECT_EQ(TidyFaults(screen, {{"over", "outside"}, {"low"}, {"cut", "edit", "combo", "tiny"}}), QStringList());
-}
-
-TEST(Answers, AreGivenInOrderToTheBoxesThatCome)
-{
-    CAnswer first(QMessageBox::Yes);
-    CAnswer second([](QWidget& modal) {
-        SaveScreen(modal, "message-box");
-        Click(*static_cast<QMessageBox&>(modal).button(QMessageBox::No));
-    });
-    EXPECT_EQ(QMessageBox::question(nullptr, "One", "first?"), QMessageBox::Yes);
-    EXPECT_EQ(QMessageBox::warning(nullptr, "Two", "second?", QMessageBox::Yes | QMessageBox::No), QMessageBox::No);
-    EXPECT_EQ(first.Title() + first.Text() + second.Title() + second.Text(), "Onefirst?Twosecond?");
-}
-
-TEST(Answers, ReachTheFileDialog)
-{
-    QTemporaryDir folder;
-    QFile file(folder.filePath("part.ncc"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
-    const auto Ask = [&] {
-        return QFileDialog::getOpenFileName(nullptr, "Open", folder.path(), "programs(*.ncc)", nullptr,
-                                            QFileDialog::DontUseNativeDialog);
-    };
-    {
-        CAnswer open([&](QWidget& modal) {
-            SaveScreen(modal, "file-dialog");
-            CAnswer::File(file.fileName())(modal);
-        });
-        EXPECT_EQ(Ask(), file.fileName());
-    }
-    CAnswer cancel(CAnswer::File(QString()));
-    EXPECT_EQ(Ask(), QString());
-}
-
-class TestHost : public CCleanMachine
-{
-};
-TEST_F(TestHost, KeypadsClampLogAndWriteTheButton)
-{
-    CTestHost host;
-    QPushButton button;
-    host.Type(500.0);
-    host.Type(std::nullopt);
-    EXPECT_EQ(host.OpenKeypad(&button, "Speed", "S", "5", {1.0, 100.0}, false, 2), 100.0);
-    EXPECT_EQ(button.text(), "100.00\nS");
-    EXPECT_EQ(host.TakeLog(), QStringList("Value must be between\n1.0000 and 100.0000"));
-    EXPECT_EQ(host.OpenKeypad(nullptr, "Speed", "", "5", {}, false, 0), 5.0);
-    EXPECT_EQ(host.m_lstKeypads.size(), 2u);
 }
 }   // namespace

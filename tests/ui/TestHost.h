@@ -44,18 +44,18 @@ public:
     void ResetBtnBkGnd(QPushButton* pButton, const QString& strStyle) override;
     double OpenKeypad(QPushButton* pButton, const QString& strTitle, const QString& strCtrlTxt, const QString& strValue,
                       stFloatPoint fRange, bool bShowSign, quint16 iPrecision) override;
-    void ClearToolGraphics() override { ++m_iGraphicsCleared; }
+    void ClearToolGraphics() override {}
     void EnlMchHomingOptions(bool bEnable) override { m_lstHomingOptions.push_back(bEnable); }
     void EnableDisableSpindleSpeedCtrl(bool bEnable) override { m_lstSpindleCtrl.push_back(bEnable); }
     void UpdateUserSettings() override { ++m_iUserSettingsUpdated; }
     void GrabKeyboard(bool bGrab) override { m_lstGrabs.push_back(bGrab); }
-    void EnableJogPanel(bool bEnable) override { m_lstJogPanel.push_back(bEnable); }
+    void EnableJogPanel(bool) override {}
 
     AppControl m_Machine;
     std::vector<stLog> m_lstLog;
     std::vector<stKeypad> m_lstKeypads;   // all that were opened
-    int m_iGraphicsCleared = 0, m_iUserSettingsUpdated = 0;
-    std::vector<bool> m_lstHomingOptions, m_lstSpindleCtrl, m_lstGrabs, m_lstJogPanel;
+    int m_iUserSettingsUpdated = 0;
+    std::vector<bool> m_lstHomingOptions, m_lstSpindleCtrl, m_lstGrabs;
 
 private:
     std::deque<std::optional<double>> m_lstAnswers;

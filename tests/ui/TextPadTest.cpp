@@ -33,18 +33,6 @@ TEST(TextPad, WritesWhatItsKeysShow)
     EXPECT_EQ(strText, "N10 G1 X-2.yQ(&Ww");
 }
 
-TEST(TextPad, TakesARealKeyboardToo)
-{
-    QString strText = "M3";
-    CAnswer typed([](QWidget& modal) {
-        QTest::keyClicks(QApplication::focusWidget(), " S100");
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        EXPECT_FALSE(modal.isVisible());
-    });
-    EXPECT_TRUE(CDlgTextPad::Edit(nullptr, "Line", strText));
-    EXPECT_EQ(strText, "M3 S100");
-}
-
 TEST(TextPad, EveryKeyIsThereAndReadable)
 {
     CDlgTextPad pad;
@@ -64,25 +52,6 @@ TEST(TextPad, EveryKeyIsThereAndReadable)
     for (const QChar c : QString("abcdefghijklmnopqrstuvwxyz0123456789 .,-_+*/()[]{}<>=!?\"'#$%:;@^~|\\"))
         EXPECT_TRUE(c == ' ' || keys.contains(c)) << c.toLatin1();
     EXPECT_TRUE(keys.contains("&&"));
-}
-
-TEST(TextPad, OpensWhenAFingerTouchesAField)
-{
-    QWidget window;
-    QLineEdit edit("old", &window);
-    edit.setGeometry(10, 10, 200, 40);
-    window.resize(300, 100);
-    new CTextPadOpener(&edit, "Name");
-    ShowWindow(window);
-    QSignalSpy edited(&edit, &QLineEdit::textEdited), finished(&edit, &QLineEdit::editingFinished);
-    CAnswer name(Typing({"Clear", "n", "e", "w"}, "Btn_OK"));
-    Touch(edit);
-    EXPECT_TRUE(WaitFor([&] { return edit.text() == "new"; }));
-    EXPECT_EQ(name.Title(), "Name");
-    EXPECT_EQ(std::pair(edited.size(), finished.size()), std::pair(qsizetype(1), qsizetype(1)));
-    edit.setReadOnly(true);
-    Touch(edit);   // a box would fail here, unanswered
-    QCoreApplication::processEvents();
 }
 
 TEST(TextPad, WritesTheNameInAFileDialog)

@@ -110,22 +110,6 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
     }
 }
 
-TEST_F(ThreadsJogPanel, RefusesWhileAnAxisOfTheButtonRuns)
-{
-    Open();
-    QPushButton &east = Child(m_Panel, "Btn_JogEast"), &diagonal = Child(m_Panel, "Btn_JogNorthEast");
-    Press(east);
-    Press(diagonal);
-    EXPECT_EQ(m_Host.TakeLog(), QStringList("Axis in use"));
-    EXPECT_FALSE(Axis(Y_AXIS).GetAxisState());   // refused as a whole
-    EXPECT_TRUE(WaitFor([&] { return diagonal.styleSheet() == BTN_BKGND_GRAY; }));
-    EXPECT_TRUE(Axis(X_AXIS).GetAxisState());
-    // The panel knows one jog: letting go of the refused button ends it, and the axes of that button ramp down.
-    Release(diagonal);
-    EXPECT_TRUE(StandsStill());
-    Release(east);
-}
-
 TEST_F(ThreadsJogPanel, StaysSilentUnderAnEmergencyStop)
 {
     Open();
@@ -137,6 +121,8 @@ TEST_F(ThreadsJogPanel, StaysSilentUnderAnEmergencyStop)
     Release(button);
     EXPECT_FALSE(Moving());
     EXPECT_EQ(m_Host.TakeLog(), QStringList("Release Emergency Switch"));
+    QTest::keyClick(&m_Panel, Qt::Key_Escape);
+    EXPECT_TRUE(m_Panel.isVisible());
 }
 
 TEST_F(ThreadsJogPanel, MovesOnlyTheAxesThatTheControllerHasSetUp)
@@ -157,12 +143,5 @@ TEST_F(ThreadsJogPanel, MovesOnlyTheAxesThatTheControllerHasSetUp)
     Release(Child(m_Panel, "Btn_JogCW_A"));
     EXPECT_FALSE(Moving());
     EXPECT_EQ(m_Host.TakeLog(), QStringList("Please Save and Restart application for the changes to take affect"));
-}
-
-TEST_F(ThreadsJogPanel, EscapeDoesNotHideIt)
-{
-    Open();
-    QTest::keyClick(&m_Panel, Qt::Key_Escape);
-    EXPECT_TRUE(m_Panel.isVisible());
 }
 }   // namespace

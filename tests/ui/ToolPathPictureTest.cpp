@@ -29,35 +29,6 @@ stFloatPoint Pos(double x, double y, double z)
     return pos;
 }
 
-TEST(ToolPathPicture, TakesItsSideFromTheWorkPieceAndAMargin)
-{
-    CToolPathPicture picture;
-    EXPECT_EQ(picture.Side(), 380);
-    EXPECT_EQ(picture.Image().size(), QSize(380, 380));
-    EXPECT_EQ(picture.Image().format(), QImage::Format_RGB888);
-    picture.SetLength(300.0);   // 390.5 + 10 + 60
-    EXPECT_EQ(picture.Side(), 460);
-    picture.SetWidth(400.0);   // 500 + 10 + 60
-    EXPECT_EQ(picture.Side(), 570);
-    picture.SetHeight(25.5);   // 500 + 25.5 + 60
-    EXPECT_EQ(picture.Image().size(), QSize(585, 585));
-}
-
-TEST(ToolPathPicture, ShowsTheBoxAndItsAxes)
-{
-    CToolPathPicture picture;
-    picture.Clear(OP_NONE, BOTTOM_LEFT);
-    EXPECT_EQ(At(picture, {2, 2}), Gray(0));
-    EXPECT_EQ(At(picture, S3 + QPoint(12, 12)), QColor(0, 255, 0));      // X
-    EXPECT_EQ(At(picture, S3 + QPoint(0, -40)), QColor(255, 0, 0));      // Z
-    EXPECT_EQ(At(picture, S3 + QPoint(12, -12)), QColor(0, 200, 255));   // Y
-    const QColor edge(150, 150, 150);
-    for (const QPoint at : {S0, S1, S2, S3, S1 + QPoint(0, 10), S2 + QPoint(0, 10), S3 + QPoint(0, 10)})
-        EXPECT_EQ(At(picture, at), edge) << at.x() << ' ' << at.y();
-    for (const auto& [from, to] : {std::pair(S0, S1), {S1, S3}, {S3, S2}, {S2, S0}})
-        EXPECT_EQ(At(picture, (from + to) / 2), edge);
-}
-
 struct stBegin
 {
     int iOperation, iHomeRef;

@@ -1,5 +1,3 @@
-#include "common/Paths.h"
-#include "gcode/ExecStatus.h"
 #include "motion/AllAxisCtrl.h"
 #include "ui/WindowSupport.h"
 
@@ -37,6 +35,7 @@ TEST_F(WindowRun, FollowsThePressOfStart)
     Touch(Round("m_BtnStart"));
     EXPECT_EQ(Log().value(0), "G-Code execution Started");
     EXPECT_TRUE(Round("m_BtnStart").IsPressed() && !Round("m_BtnStart").isEnabled());
+    EXPECT_FALSE(Button("Btn_OpenGCode").isEnabled() || Button("Btn_CompileGCode").isEnabled());
     EXPECT_TRUE(WaitFor([] { return StatusOutput() == 1; }));
     EXPECT_TRUE(WaitFor([&] { return Machine().GetCurPos(X_AXIS) > 0.1; }));
 
@@ -106,28 +105,6 @@ TEST_F(WindowRun, IsRefusedInTheOrderOfItsChecks)
     CGCodeStore::ClearProgram();
     EXPECT_EQ(RefusedStart(), "No G-Code added");
     EXPECT_EQ(Machine().m_eOperation, OP_NONE);
-
-    // Refused and, before it has sprung back, pressed again with success: it stays drawn pressed.
-    Touch(Round("m_BtnStart"));
-    Hold({"G1 X30"});
-    StartByTouch();
-    Round("m_BtnReset").SetPressed();
-    Window().RndBtnRefresh(&Round("m_BtnReset"));
-    EXPECT_TRUE(WaitFor([&] { return !Round("m_BtnReset").IsPressed(); }));
-    EXPECT_TRUE(Round("m_BtnStart").IsPressed());
-}
-
-TEST_F(WindowRun, PauseAndResetOnlySpringBackWhileNothingRuns)
-{
-    Open();
-    ClearLog();
-    for (const char* szButton : {"m_BtnPause", "m_BtnReset"}) {
-        Touch(Round(szButton));
-        EXPECT_TRUE(Round(szButton).IsPressed());
-        EXPECT_TRUE(WaitFor([&] { return !Round(szButton).IsPressed(); }));
-    }
-    EXPECT_EQ(Log(), QStringList());
-    EXPECT_FALSE(Machine().m_bPause);
 }
 
 // They lie under the jog panel, out of reach; their slots work all the same.

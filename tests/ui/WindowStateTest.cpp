@@ -1,4 +1,3 @@
-#include "common/Paths.h"
 #include "ui/WindowSupport.h"
 
 namespace {
@@ -126,19 +125,6 @@ class Window_ : public CWindowTest
 {
 };
 
-TEST_F(Window_, TellsNoEndThatWasNotReached)
-{
-    AppConfig::m_bHomeSensorsUsed = true;
-    Open();
-    Machine().m_AxisCtrl[B_AXIS].SetCurPos(0.0002);   // all five count, whatever the machine
-    for (const int iOperation : {OP_WORK_HOME, OP_MCH_HOME}) {
-        Machine().m_eOperation = iOperation;
-        ClearLog();
-        Window().OnOperationFinish();
-        EXPECT_EQ(Log(), QStringList());
-    }
-}
-
 TEST_F(Window_, TakesCallsFromOtherThreadsAndDropsAnEndThatComesLate)
 {
     Open();
@@ -210,63 +196,6 @@ TEST_F(Window_, PausesForAToolChangeAndLendsThePanel)
     EXPECT_TRUE(panel.isEnabled());
 }
 
-// A resume takes the panel away during operations that have left it on; their end gives it back.
-TEST_F(Window_, GivesThePanelBackBehindAnyOperation)
-{
-    Open();
-    Machine().m_eOperation = OP_Z_PROBE;
-    Touch(Round("m_BtnPause"));
-    EXPECT_TRUE(Machine().m_bPause);
-    Touch(Round("m_BtnStart"));
-    EXPECT_FALSE(Child<QWidget>(Window(), "CDlgManual").isEnabled());
-    Machine().m_bOperationFinished = true;
-    Window().OnTimer();
-    EXPECT_TRUE(Child<QWidget>(Window(), "CDlgManual").isEnabled());
-}
-
-TEST_F(Window_, ShowsTheSpindleOfAProgram)
-{
-    Open();
-    QPushButton &cw = Button("Btn_SpindleCWOnOff"), &ccw = Button("Btn_SpindleCCWOnOff");
-    const auto Show = [&](bool bOn, bool bCCW) {
-        AppConfig::m_bSpindleOn = bOn;
-        AppConfig::m_bSpindleDirInGcode = bCCW;
-        AppConfig::m_bSpindleOnOffStatusChangeInGCode = true;
-        Window().OnTimer();
-        EXPECT_FALSE(AppConfig::m_bSpindleOnOffStatusChangeInGCode);
-    };
-    Show(true, true);
-    EXPECT_EQ(ccw.text(), "Spindle\nCCW ON");
-    EXPECT_TRUE(ccw.isEnabled() && !cw.isEnabled());
-    Show(true, false);
-    EXPECT_EQ(cw.text(), "Spindle\nCW ON");
-    EXPECT_TRUE(cw.isEnabled() && !ccw.isEnabled());
-    Show(false, false);
-    EXPECT_EQ(cw.text() + ccw.text(), "Spindle\nCCW OFFSpindle\nCCW OFF");
-    EXPECT_TRUE(cw.isEnabled() && ccw.isEnabled());
-    AppConfig::m_bAutoSpindleOnCW = AppConfig::m_bSpindleOn = AppConfig::m_bSpindleOnOffStatusChangeInGCode = true;
-    Window().OnTimer();
-    EXPECT_EQ(cw.text(), "Spindle\nCCW OFF") << "the automatic spindle is shown by the job's start";
-}
-
-TEST_F(Window_, SendsANewSpindleFrequencyOnce)
-{
-    AppConfig::m_bPWMCtrlUsed = true;
-    Open();
-    Window().OnTimer();
-    CVirtualPins::TakeCalls();
-    Bar("m_SpindleSpeedBar").ValueChanged(24);
-    EXPECT_EQ(AppConfig::m_stPwmSpndlSettings.iCurFreq, AppConfig::m_stPwmSpndlSettings.iMaxFreq);
-    Window().OnTimer();
-    Window().OnTimer();
-    const auto calls = CVirtualPins::TakeCalls();
-    EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
-                            [](const auto& call) { return std::string_view(call.szName) == "pwmSetClock"; }),
-              1);
-    Bar("m_SpindleSpeedBar").ValueChanged(1);
-    EXPECT_EQ(AppConfig::m_stPwmSpndlSettings.iCurFreq, AppConfig::m_stPwmSpndlSettings.iMinFreq);
-}
-
 TEST_F(Window_, StartInputShowsTheProgramAndLightsStartOnly)
 {
     Open();
@@ -293,17 +222,6 @@ TEST_F(Window_, StartInputShowsTheProgramAndLightsStartOnly)
 }
 
 // ---- Start-up ----
-
-TEST_F(Window_, TellsOfAFileThatCannotBeReadAndGoesOn)
-{
-    ASSERT_TRUE(QDir().mkpath(CPaths::Map(CONFIG_FILE)));   // a folder in its place
-    CAnswer critical(QMessageBox::Ok), old(QMessageBox::Ok);
-    Open();
-    EXPECT_EQ(critical.Title(), "Critical error");
-    EXPECT_EQ(old.Title() + old.Text(),
-              "ErrorOld VANTOR.dat file. Please take note of your settings and\ndelete VANTOR.dat file in "
-              "/home/vantor/VANTOR folder.");
-}
 
 TEST_F(Window_, HomesAtStartUpAndRoundsTheOverride)
 {
