@@ -42,8 +42,8 @@ struct stAxisRun
 {
     quint16 uPulsePin = 0;
     quint16 uHomePin = 0, uProbePin = 0;
-    bool bSensors = false;               // the machine has home sensors
-    bool bProbeAxis = false;             // the axis on which the Z-probe is watched
+    bool bSensors = false;                   // the machine has home sensors
+    bool bProbeAxis = false;                 // the axis on which the Z-probe is watched
     std::span<const double> high{}, low{};   // ns, one entry a pulse of the ramp
     double fConstHigh = 0, fConstLow = 0;
     quint32 uAcc = 0, uConst = 0, uDec = 0;   // pulses
