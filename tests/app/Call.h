@@ -52,6 +52,10 @@ protected:
         return End(process);
     }
 
+    static QStringList Words(const char* szLine)
+    {
+        return QString::fromLatin1(szLine).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    }
     QString Path(const char* szName) const { return m_Folder.filePath(QString::fromLatin1(szName)); }
     void Write(const char* szName, const QByteArray& content) const
     {

@@ -1,5 +1,4 @@
 #include "app/run/EdgeQueue.h"
-#include "app/run/Surface.h"
 #include "app/run/ToolPath.h"
 
 #include <cmath>
@@ -39,16 +38,4 @@ TEST(ToolPath, ThinsALongPathAndKeepsItsShape)
     EXPECT_EQ(path.Points().back().fZ, 30.0f);
     path.AddMove({0, 0, 0}, {1, 0, 0}, true);
     EXPECT_TRUE(path.Points()[path.Points().size() - 2].bJump) << "a path that begins elsewhere lifts the pen";
-}
-
-TEST(Surface, LiesBetweenItsNodesAndGoesOnFlatBeyond)
-{
-    const CSurface surface({{{0, 0, 1}, {10, 0, 2}}, {{10, 10, 4}, {0, 10, 3}}});
-    struct stPlace
-    {
-        double x, y, z;
-    };
-    for (const auto& [x, y, z] : {stPlace{0, 0, 1}, stPlace{10, 10, 4}, stPlace{0, 10, 3}, stPlace{5, 0, 1.5},
-                                  stPlace{5, 5, 2.5}, stPlace{-9, 5, 2}, stPlace{12, -3, 2}, stPlace{3, 99, 3.3}})
-        EXPECT_NEAR(surface.Height(x, y), z, 1e-12) << x << ", " << y;
 }

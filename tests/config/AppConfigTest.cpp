@@ -5,11 +5,8 @@
 #include "support/Cases.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
-#include "support/LoggedScreen.h"
 
 #include <QJsonArray>
-
-using testing::Values;
 
 namespace {
 QMap<QString, QString> Settings()
@@ -118,16 +115,6 @@ TEST_F(AppConfigFile, CutShortAtEveryLengthReadsZerosBeyondItsEnd)
     EXPECT_EQ(Settings(), full);
 }
 
-TEST_F(AppConfigFile, UnopenableFileIsToldInABoxAndLeavesTheDefaults)
-{
-    CLoggedScreen screen;
-    const auto before = Settings();
-    ASSERT_TRUE(QDir().mkpath(ConfigPath()));   // a folder in its place: not even root opens it
-    EXPECT_FALSE(AppConfig::LoadConfig(CONFIG_FILE));
-    EXPECT_EQ(screen.m_lstBoxes, QStringList{"Critical error: Unable to open Config File"});
-    EXPECT_EQ(Settings(), before);
-}
-
 TEST_F(AppConfigFile, UpgradeGoesToTheProductsFileWhateverWasRead)
 {
     const QString strOther = m_Home.filePath("other.dat");
@@ -136,15 +123,6 @@ TEST_F(AppConfigFile, UpgradeGoesToTheProductsFileWhateverWasRead)
     EXPECT_TRUE(AppConfig::LoadConfig(strOther));
     EXPECT_EQ(ReadAll(strOther), old);
     EXPECT_EQ(ReadAll(ConfigPath()), CCases::Bytes("config", "04_old_version.after.dat"));
-}
-
-TEST_F(AppConfigFile, SaveThatFailsIsToldInTheLogAndLeavesNothingBehind)
-{
-    CLoggedScreen screen;
-    ASSERT_TRUE(QDir().mkpath(ConfigPath()));
-    AppConfig::SaveConfig(CONFIG_FILE);
-    EXPECT_EQ(screen.m_lstLog, QStringList{"2 Unable to write Config File"});
-    EXPECT_EQ(QDir(CPaths::Map(WORKING_FOLDER)).entryList(QDir::Files), QStringList());
 }
 
 TEST_F(AppConfigFile, OddBytesSurviveASaveAndBooleansBecomeOne)
@@ -163,30 +141,3 @@ TEST_F(AppConfigFile, OddBytesSurviveASaveAndBooleansBecomeOne)
     content[17] = 1;
     EXPECT_EQ(ReadAll(ConfigPath()).toHex(), content.toHex());
 }
-
-struct stPwmLine
-{
-    const char* szAbout;
-    std::vector<const char*> lstSettings;
-    int iFreq;   // Hz at 1000 revolutions per minute
-};
-class PwmLine : public CCleanMachine, public testing::WithParamInterface<stPwmLine>
-{
-};
-TEST_P(PwmLine, GivesTheFrequencyOfAThousandTurns)
-{
-    for (const char* szSetting : GetParam().lstSettings) {
-        QString strWhy;
-        ASSERT_TRUE(CSettingsTable::Set(QStringLiteral("m_stPwmSpndlSettings.") + szSetting, strWhy));
-    }
-    AppConfig::DerivePwmFrequency();
-    EXPECT_EQ(AppConfig::m_stPwmSpndlSettings.iCurFreq, GetParam().iFreq) << GetParam().szAbout;
-}
-INSTANTIATE_TEST_SUITE_P(
-    Lines, PwmLine,
-    Values(stPwmLine{"the lowest speed is 1000", {"iMinFreq=250"}, 250},
-           stPwmLine{"100 + (1000 - 500) * 2900 / 23500 = 161.7", {"iMinSpeed=500"}, 161},
-           stPwmLine{"100 - 4000 * 2900 / 19000 = -510.5 wraps to 16 bits", {"iMinSpeed=5000"}, 65026},
-           stPwmLine{
-               "a falling line wraps: 100 + 500 * 65486 / 23500 = 1493.3", {"iMaxFreq=50", "iMinSpeed=500"}, 1493},
-           stPwmLine{"no line through one speed", {"iMinSpeed=24000"}, 0}));

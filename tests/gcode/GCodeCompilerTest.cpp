@@ -161,11 +161,3 @@ TEST_F(GCodeCompiler, EmptyTokensOfAnEditedLineAreSkipped)
     EXPECT_EQ(Errors(errors),
               S("1:") + M97_LETTER + "|2:" + M66 + "\n" + M66 + "\n" + M66 + "\n" + M66 + "|4:O1" + M30_FIRST);
 }
-
-TEST_F(GCodeCompiler, LongLinesEachHaveALimitOfTheirOwn)
-{
-    const GCodeProgram program(8, GCodeTokens(2000, "G0"));   // two million looks a line
-    CGCodeCompiler::ErrorMap errors;
-    EXPECT_TRUE(CGCodeCompiler(program, errors, nullptr).Walk());
-    EXPECT_EQ(Errors(errors), "");
-}

@@ -6,14 +6,11 @@
 #include "support/Cases.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
-#include "support/LoggedScreen.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QJsonDocument>
-#include <QTextStream>
 
-#include <memory>
 #include <thread>
 
 using Store = CGCodeStore;
@@ -117,49 +114,6 @@ TEST_F(GCodeStore, LoadsAppendWholeFilesAndTellOfTheirEnd)
     EXPECT_EQ(notify.m_strLog, "LLL");
     EXPECT_EQ(Store::m_lstOfGCodeLines, (std::vector<QString>{"G0 X1", "G1 Y1", "", "M30"}));
     EXPECT_EQ(Store::m_lstOfGCodeCmds, (GCodeProgram{{"G0", "X1"}, {"G1", "Y1"}, {}, {"M30"}}));
-    Store::m_CompilationErrors.emplace(1, "x");
-    Store::ClearProgram();
-    EXPECT_TRUE(Store::m_lstOfGCodeLines.empty() && Store::m_lstOfGCodeCmds.empty());
-    EXPECT_TRUE(Store::m_CompilationErrors.empty());
-}
-
-TEST_F(GCodeStore, LinesAreThoseThatATextStreamGivesUntilItsEnd)
-{
-    for (const char* szHex : {"efbbbf", "efbbbf4731", "4731c3", "c3", "fffe47003100", "fffe4700310a0047", "0d", "0a0d",
-                              "470d0d0a", "00", "47000a31", "fffe", "feff00470031000a", "0a0a", "f09f98"}) {
-        const QByteArray bytes = QByteArray::fromHex(szHex);
-        std::vector<QString> lstExpected;
-        QTextStream stream(bytes);
-        while (!stream.atEnd()) lstExpected.push_back(stream.readLine());
-        Store::ClearProgram();
-        Load(bytes);
-        EXPECT_EQ(Store::m_lstOfGCodeLines, lstExpected) << szHex;
-        EXPECT_EQ(Store::m_lstOfGCodeCmds.size(), lstExpected.size()) << szHex;
-    }
-}
-
-TEST_F(GCodeStore, LoadOfWhatCannotBeOpenedKeepsItsFlagAndSaysNothing)
-{
-    CNotify notify;
-    CLoggedScreen screen;
-    for (const QString& strPath : {m_Home.filePath("none.ngc"), m_Home.path()}) {
-        Store::m_bGCodeLoading = true;
-        Store::LoadGCode(strPath, &notify);
-        EXPECT_TRUE(Store::m_bGCodeLoading) << strPath.toStdString();
-    }
-    EXPECT_EQ(notify.m_strLog, "");
-    EXPECT_EQ(screen.m_lstLog, QStringList());
-}
-
-TEST_F(GCodeStore, FileThatBreaksOffAddsNothingAndIsTold)
-{
-    CLoggedScreen screen;
-    CNotify notify;
-    Load("G0 X1\n");
-    Store::LoadGCode("/proc/self/mem", &notify);   // opens, and every reading of its start fails
-    EXPECT_EQ(Store::m_lstOfGCodeLines.size(), 1u);
-    EXPECT_EQ(screen.m_lstLog, QStringList{"2 G-Code File not readable to its end: /proc/self/mem"});
-    EXPECT_EQ(notify.m_strLog, "L");
 }
 
 TEST_F(GCodeStore, RubbishAndEndlessLinesEndInErrorsWithoutAHang)
@@ -233,21 +187,6 @@ TEST_F(GCodeStore, ToolFileIsCheckedInThePlaceOfTheProgramWhichIsRestored)
     EXPECT_EQ(Store::m_CompilationErrors, expected);
 }
 
-TEST_F(GCodeStore, ProgramIsOutOfReachWhileAToolFileStandsInItsPlace)
-{
-    Load("G0 X1\n");
-    GCodeProgram tool = {{"M6"}};
-    {
-        const CProgramExchange exchange(tool);
-        EXPECT_TRUE(Store::m_bProgramExchanged && Store::m_bToolChgCompiling);
-        EXPECT_EQ(Store::m_lstOfGCodeCmds, (GCodeProgram{{"M6"}}));
-        Store::CompileGCode(nullptr);   // clears the flag of the compilation only
-        EXPECT_TRUE(Store::m_bProgramExchanged);
-    }
-    EXPECT_FALSE(Store::m_bProgramExchanged || Store::m_bToolChgCompiling);
-    EXPECT_EQ(Store::m_lstOfGCodeCmds, (GCodeProgram{{"G0", "X1"}}));
-}
-
 // ---- Saving ----
 
 TEST_F(GCodeStore, NamesWithoutExtensionGetOne)
@@ -286,9 +225,6 @@ TEST_F(GCodeStore, StatusFileHoldsNameAndLineBigEndian)
         EXPECT_EQ(status.strFile, n < 12 ? QString() : QString::fromUtf8("/a/ü")) << n;
         EXPECT_EQ(status.iLine, n < 16 ? 0 : 0x01020304) << n;
     }
-    EXPECT_TRUE(WriteExecStatus(GCODE_EXEC_STATUS_FILE, QString(), -1));
-    EXPECT_EQ(ReadAll(strPath).toHex(), "ffffffff"
-                                        "ffffffff");
     stExecStatus status;
     EXPECT_FALSE(ReadExecStatus(WORKING_FOLDER, status));
     EXPECT_FALSE(WriteExecStatus(WORKING_FOLDER, "x", 1));

@@ -33,55 +33,7 @@ TEST(Round4, EqualsPrintingAndReadingBackBitByBit)
             fValue = double(qint64(random() % 2'000'001) - 1'000'000) / 32768.0;   // some are halves exactly
         ASSERT_EQ(Bits(Round4(fValue)), Bits(Printed4(fValue))) << QString::number(fValue, 'g', 17).toStdString();
     }
-    for (const double fValue : {0.0, -0.0, 0.00005, -0.00005, -0.00001, 0.03125, -0.09375, 1e300, HUGE_VAL, -HUGE_VAL,
-                                1099511627.77595, 5e-324})
-        EXPECT_EQ(Bits(Round4(fValue)), Bits(Printed4(fValue))) << fValue;
     EXPECT_TRUE(std::isnan(Round4(std::nan(""))));
-}
-
-TEST(ArcWalk, RandomArcsStayOnTheirCircleAndTurnTheWayAsked)
-{
-    std::mt19937 random(11);
-    std::uniform_real_distribution<double> angle(0.0, 2.0 * M_PI), size(0.5, 30.0), place(-50.0, 50.0);
-    for (int n = 0; n < 2000; ++n) {
-        stArcShape arc;
-        arc.eDir = random() % 2 ? DIR_CW : DIR_CCW;
-        arc.fRadius = size(random);
-        arc.fStep = arc.fRadius / double(5 + random() % 60);
-        arc.center = {place(random), place(random)};
-        const double fFrom = angle(random), fTo = angle(random);
-        const auto At = [&](double a) {
-            return stArcPoint{Printed4(arc.center.fFirst + arc.fRadius * std::cos(a)),
-                              Printed4(arc.center.fSecond + arc.fRadius * std::sin(a))};
-        };
-        arc.start = At(fFrom);
-        arc.end = At(fTo);
-        std::vector<stArcPoint> points;
-        QString strWhy;
-        ASSERT_TRUE(WalkArc(arc, points, strWhy)) << strWhy.toStdString();
-        EXPECT_EQ(points.size(), points.capacity()) << "allocated once";
-        EXPECT_EQ(points.back().fSecond, arc.end.fSecond);
-        // The angle that the chords turn through, against the direction's sign.
-        double fTurned = 0.0;
-        stArcPoint last = arc.start;
-        const auto Angle = [&](const stArcPoint& p) {
-            return std::atan2(p.fSecond - arc.center.fSecond, p.fFirst - arc.center.fFirst);
-        };
-        for (const stArcPoint& p : points) {
-            const double fOff = std::hypot(p.fFirst - arc.center.fFirst, p.fSecond - arc.center.fSecond) - arc.fRadius;
-            ASSERT_NEAR(fOff, 0.0, 2e-4) << "arc " << n;
-            fTurned += std::remainder(Angle(p) - Angle(last), 2.0 * M_PI);
-            last = p;
-        }
-        const double fAsked = arc.eDir == DIR_CCW ? std::fmod(fTo - fFrom + 4.0 * M_PI, 2.0 * M_PI)
-                                                  : -std::fmod(fFrom - fTo + 4.0 * M_PI, 2.0 * M_PI);
-        const double fLaps = (fTurned - fAsked) / (2.0 * M_PI);
-        ASSERT_NEAR(fLaps, std::round(fLaps), 1e-3) << "arc " << n;
-        // An end within a step of the start may cost or save a lap; no other does.
-        if (std::abs(arc.start.fFirst - arc.end.fFirst) > 2.0 * arc.fStep) {
-            ASSERT_NEAR(fLaps, 0.0, 1e-3) << "arc " << n;
-        }
-    }
 }
 
 struct stArcRefusal
@@ -109,22 +61,14 @@ INSTANTIATE_TEST_SUITE_P(
     Shapes, ArcLimits,
     testing::Values(
         stArcRefusal{"CentreNotFinite", {{0, 0}, {9, 0}, {5, NOT_A_NUMBER}, 5, DIR_CW, false, 0.1}, ARC_TOO_SMALL, 0},
-        stArcRefusal{"CentreInfinite", {{0, 0}, {9, 0}, {-HUGE_VAL, 0}, 5, DIR_CW, false, 0.1}, ARC_TOO_SMALL, 0},
         stArcRefusal{"RadiusNotFinite", {{0, 0}, {9, 0}, {5, 0}, HUGE_VAL, DIR_CW, false, 0.1}, ARC_TOO_SMALL, 0},
         stArcRefusal{"NoStep", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, 0.0}, ARC_TOO_SMALL, 0},
-        stArcRefusal{"StepBelowZero", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, -0.1}, ARC_TOO_SMALL, 0},
-        stArcRefusal{"StepNotANumber", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, NOT_A_NUMBER}, ARC_TOO_SMALL, 0},
         stArcRefusal{"TooManyPoints", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, 9.9e-7}, ARC_TOO_SMALL, 0},
-        stArcRefusal{"JustNotTooMany", {{0, 0}, {1024, 0}, {512, 0}, 512, DIR_CW, false, 0.001953125}, "", 524288},
         stArcRefusal{"StepTooSmallToMove", {{0, 0}, {10, 0}, {5, 0}, 5, DIR_CW, false, 1e-300}, ARC_TOO_SMALL, 0},
         stArcRefusal{"OneStepBeyondIsClamped", {{0, 0}, {10.5, 0}, {5, 0}, 5, DIR_CW, false, 0.5}, "", 20},
         stArcRefusal{"OneUnitMoreIsNot",
                      {{0, 0}, {10.5001, 0}, {5, 0}, 5, DIR_CW, false, 0.5},
                      "End Point X:10.5001 is outside the circle by 0.5001mm",
-                     0},
-        stArcRefusal{"BelowAlike",
-                     {{0, 0}, {-1.25, 0}, {5, 0}, 5, DIR_CW, false, 1.0},
-                     "End Point X:-1.2500 is outside the circle by 1.2500mm",
                      0},
         // Rounding leaves the last point before the turn a hair more than a step from the end: it would go round for
         // ever.
@@ -141,15 +85,6 @@ TEST(ArcWalk, TheFirstTwoStepsOfAFullCircleAreNotBoundedByIt)
     EXPECT_EQ(points[1].fFirst, 16.0) << "beyond the circle, which ends at 10";
     EXPECT_EQ(points[1].fSecond, Printed4(std::sqrt(11.0 * 11.0 - 25.0)));
     EXPECT_EQ(points[2].fFirst, 10.0);
-}
-
-// The square 0.000625 is taken as 0.0006: sqrt(0.0006 - 0.0004) is 0.0141, and not the 0.0150 of the exact radius.
-TEST(ArcWalk, TheSquareOfTheRadiusHasFourDecimals)
-{
-    std::vector<stArcPoint> points;
-    QString strWhy;
-    ASSERT_TRUE(WalkArc({{0, 0}, {0.05, 0}, {0.025, 0}, 0.025, DIR_CW, false, 0.005}, points, strWhy));
-    EXPECT_EQ(points[0].fSecond, 0.0141);
 }
 
 // The end lies a little beyond the right-hand extreme, above the centre: a walk towards it moves to the right. Were the
@@ -181,14 +116,6 @@ protected:
     }
 };
 
-TEST_F(ArcTest, ACentreThatDividesByZeroIsRefused)
-{
-    Begin();
-    EXPECT_FALSE(Arc({"G2", "X10", "I1", "J1", "R8"}));
-    EXPECT_EQ(m_App.TakeErrors(), QStringList({ARC_TOO_SMALL}));
-    EXPECT_TRUE(m_App.m_lstTargets.empty());
-}
-
 TEST_F(ArcTest, RotaryAxesRunToZeroAndTheLogSaysSoOnce)
 {
     CLoggedScreen screen;
@@ -200,29 +127,6 @@ TEST_F(ArcTest, RotaryAxesRunToZeroAndTheLogSaysSoOnce)
     EXPECT_EQ(screen.m_lstLog, QStringList({"1 Arc moves A-Axis and B-Axis to 0.0000"}));
     EXPECT_TRUE(Arc({"G2", "X0", "Y0", "I-5", "J0"}));
     EXPECT_EQ(screen.m_lstLog.size(), 1);
-}
-
-TEST_F(ArcTest, AHelixRisesByEqualStepsToItsExactEnd)
-{
-    Begin({0, 0, 1.0});
-    EXPECT_TRUE(Arc({"G3", "X10", "Z-4.0007", "I5", "J0"}, DIR_CCW));
-    const auto& points = m_App.m_lstTargets;
-    ASSERT_EQ(points.size(), 101u);
-    for (size_t n = 0; n + 1 < points.size(); ++n)
-        ASSERT_NEAR(points[n].z, 1.0 - 5.0007 * double(n + 1) / 101.0, 1e-9) << n;
-    EXPECT_EQ(points.back().z, -4.0007);
-}
-
-TEST_F(ArcTest, APauseHoldsTheNextChordAndAStopEndsTheArc)
-{
-    Begin();
-    m_Time.AddEvent({100'000'000, [&] { m_App.m_bPause = true; }, {}});
-    m_Time.AddEvent({5'000'000'000, [&] { m_App.m_bPause = false; }, {}});
-    m_Time.AddEvent({5'500'000'000, [&] { m_App.StopAll(); }, {}});
-    EXPECT_FALSE(Arc({"G2", "X10", "I5", "J0"}));
-    EXPECT_TRUE(m_App.TakeErrors().isEmpty());
-    EXPECT_GT(m_Time.Now(), 5'000'000'000);
-    EXPECT_LT(m_App.m_lstTargets.size(), 60u);
 }
 
 // ---- On a measured surface ------------------------------------------------------------------------------------------
@@ -270,16 +174,9 @@ TEST_F(SurfaceTest, WhatNoWalkCanServeIsRefused)
         EXPECT_FALSE(m_App.ZProfileMove({}, end)) << szWhy;
         EXPECT_EQ(m_App.TakeErrors(), QStringList({szWhy}));
     };
-    for (const double fStep : {0.0, -10.0, 1e-9, NOT_A_NUMBER}) {
-        info.fXYStep = fStep;
-        Refused("X-Y Step of the Z-Profile is too small");
-    }
+    info.fXYStep = 0.0;
+    Refused("X-Y Step of the Z-Profile is too small");
     info.fXYStep = 10.0;
     info.lstPoints[1].clear();
     Refused("Z-Profile is not usable: a row has no points");
-    info.lstPoints = {{{0, 0, 0}}, {{0, 5, 0}}};
-    Refused("Z-Profile is not usable: a row has no points");
-    stFloatPoint end{HUGE_VAL, 0, 0};
-    EXPECT_FALSE(m_App.ZProfileMove({}, end));
-    EXPECT_EQ(m_App.TakeErrors(), QStringList({"Position to move must be within the motion limits"}));
 }

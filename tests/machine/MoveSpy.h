@@ -41,7 +41,6 @@ public:
         if (m_lstStops.size() < m_lstTargets.size()) m_lstStops.push_back(Units());
     }
     QStringList TakeErrors() { return std::exchange(m_lstErrMsg, {}); }
-    QStringList TakeInfos() { return std::exchange(m_lstInfoMsg, {}); }
 
     std::vector<stFloatPoint> m_lstTargets;
     std::vector<std::vector<qint64>> m_lstStops;

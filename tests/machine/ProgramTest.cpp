@@ -5,8 +5,6 @@
 #include "machine/MoveSpy.h"
 #include "platform/VirtualPins.h"
 
-#include <QDir>
-
 // The line executor and the run loop beyond the reference cases, on virtual time.
 
 namespace {
@@ -128,11 +126,12 @@ INSTANTIATE_TEST_SUITE_P(
         // A feed not above zero ends the run before its line moves, and only where the program's feed is used.
         stProgram{"FeedBehindAMove", USE_FEED, "G1 X1\nG1 X9 F0\nX5", 1, NO_FEED},
         stProgram{"FeedBeforeAMove", USE_FEED, "G1 X1\nF-5 G1 X9\nX5", 1, NO_FEED},
-        stProgram{"FeedWithoutNumber", USE_FEED, "G1 X1\nX9 F \nX5", 1, NO_FEED},
-        stProgram{"FeedOfARapid", USE_FEED, "G1 X1\nG0 X9 F0\nX5", 1, NO_FEED},
         stProgram{"FeedOfAnArc", USE_FEED, "G1 X1\nG2 X9 I2 J0 F0\nX5", 1, NO_FEED},
         stProgram{"FeedOfAWayBack", USE_FEED, "G1 X1\nG28 G90 X9 Y9 Z9 F0\nX5", 1, NO_FEED},
         stProgram{"FeedNotUsed", "", "F0\nG1 X1 F0\nX3", 3},
+        // A comment ends the words of a move and of an arc.
+        stProgram{"CommentBehindAMove", USE_FEED, "G0 X5 (F0 X9", 5},
+        stProgram{"CommentBehindAnArc", USE_FEED, "G2 X10 I5 J0 (F0 X9 R0 J3", 10},
         // Program stops do not stop.
         stProgram{"Stops", "", "M0\nM1 G1 X2\nM00 M2\nG1 X9", 2},
         // A way back that is made ends the run without a word, one that fails goes on with the next.
@@ -142,13 +141,10 @@ INSTANTIATE_TEST_SUITE_P(
         // Calls are found forwards and among N words only.
         stProgram{"CallBackwards", "", "N9\nM97 P9", 0, "No line starting with P9 is found"},
         stProgram{"CallOfAnOWord", "", "M98 O12\nO12", 0, "No line starting with O12 is found"},
-        stProgram{"CallOfNothing", "", "\nM97\nG1 X1", 0, NO_WORD},
         stProgram{"ReturnWithoutCall", "", "M99\nG1 X1", 0, "No line Number defined (M97) to return"},
         // Words without an action end the run, unknown numbers, labels and comments do not.
-        stProgram{"K", "", "\nK1\nX1", 0, NO_WORD}, stProgram{"L", "", "\nL1\nX1", 0, NO_WORD},
-        stProgram{"O", "", "\nO1\nX1", 0, NO_WORD}, stProgram{"P", "", "\nP1\nX1", 0, NO_WORD},
-        stProgram{"Q", "", "\nQ1\nX1", 0, NO_WORD}, stProgram{"R", "", "\nR1\nX1", 0, NO_WORD},
-        stProgram{"LateLabel", "", "\nG1 N5\nX1", 0, NO_WORD}, stProgram{"Mark", "", "\n= \nX1", 0, NO_WORD},
+        stProgram{"P", "", "\nP1\nX1", 0, NO_WORD}, stProgram{"LateLabel", "", "\nG1 N5\nX1", 0, NO_WORD},
+        stProgram{"Mark", "", "\n= \nX1", 0, NO_WORD},
         stProgram{"Others", "", "G99 G1\nM77\nN5\n(P1\n%\n; K\nn6 x1\nI5 J0", 1}),
     [](const auto& param) { return param.param.szName; });
 
@@ -167,14 +163,6 @@ TEST_F(ProgramTest, SimulationSkipsWordsOfOutputsToolsAndSpeeds)
 
 // ---- M words --------------------------------------------------------------------------------------------------------
 
-TEST_F(ProgramTest, AProgramStopAsksForTheButtonFor100Milliseconds)
-{
-    Begin();
-    EXPECT_EQ(ExecLines("M1"), "+");
-    EXPECT_TRUE(m_App.m_bStartBtnPressRequest);
-    EXPECT_EQ(NowMs(), 100);
-}
-
 TEST_F(ProgramTest, TheSpindleDoesNotStartBehindAStop)
 {
     for (const bool bEmergency : {true, false}) {
@@ -188,26 +176,6 @@ TEST_F(ProgramTest, TheSpindleDoesNotStartBehindAStop)
         EXPECT_EQ(ExecLines("M4"), "-") << "nothing is written while it stands";
         AppConfig::m_bEmergencyStopON = false;
     }
-}
-
-TEST_F(ProgramTest, SpindleWordsTellTheWindow)
-{
-    Begin();
-    EXPECT_EQ(ExecLines("M4\nM05\nm03"), "+++");
-    EXPECT_EQ(m_lstOutputs, QStringList({"8=0", "9=1", "8=0", "9=0", "9=0", "8=1"}));
-    EXPECT_TRUE(AppConfig::m_bSpindleOn);
-    EXPECT_TRUE(AppConfig::m_bSpindleOnOffStatusChangeInGCode);
-    EXPECT_FALSE(AppConfig::m_bSpindleDirInGcode);
-    EXPECT_EQ(NowMs(), 4000);
-}
-
-TEST_F(ProgramTest, UserOutputsReachTo223)
-{
-    AppConfig::m_eVantorCtrl = VTR3_CTRL;
-    for (quint16 uCode = 212; uCode <= 224; ++uCode) AppConfig::m_lstMCodesPin[uCode] = qint8(uCode - 182);
-    Begin();
-    EXPECT_EQ(ExecLines("M222\nM223\nM224\nM225\nM10\nM77"), "++++++");
-    EXPECT_EQ(m_lstOutputs, QStringList({"40=1", "41=0"}));
 }
 
 struct stWait
@@ -230,10 +198,9 @@ TEST_P(InputWait, EndsWithItsConditionAndThenTheRunEnds)
     EXPECT_EQ(m_App.TakeErrors(), QStringList({Unsupported(0)})) << "of the word behind M66: wanted";
 }
 INSTANTIATE_TEST_SUITE_P(M66, InputWait,
-                         testing::Values(stWait{"M66 Q250", 250}, stWait{"M66 Q-5", 0}, stWait{"M66 P1 L1", 100},
-                                         stWait{"M66 P1 L2", 300}, stWait{"M66 P1 L3", 100}, stWait{"M66 P1 L4", 0},
-                                         stWait{"M66 P1 L2 Q200.5", 200}, stWait{"M66 P1 L1 Q1000", 100},
-                                         stWait{"m66 p1 l1 q50", 50}, stWait{"M66 P1 L3 Q0", 0}));
+                         testing::Values(stWait{"M66 Q-5", 0}, stWait{"M66 P1 L1", 100}, stWait{"M66 P1 L2", 300},
+                                         stWait{"M66 P1 L3", 100}, stWait{"M66 P1 L4", 0},
+                                         stWait{"M66 P1 L2 Q200.5", 200}, stWait{"m66 p1 l1 q50", 50}));
 
 TEST_F(ProgramTest, AWaitEndsWithAStop)
 {
@@ -262,8 +229,6 @@ TEST_F(ProgramTest, ACallSetsItsStacksAndThenEndsTheRun)
     EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({3}));
     EXPECT_EQ(m_App.m_lstSubPrgmRetLine, std::vector<int>({1}));
     EXPECT_EQ(m_App.m_lstSubPrgmRepeats, std::vector<unsigned>({3}));
-    Run("G1 X5");
-    EXPECT_TRUE(m_App.m_lstSubPrgmRetLine.empty()) << "a run begins without calls";
 }
 
 TEST_F(ProgramTest, AReturnRepeatsAndThenGoesBack)
@@ -273,14 +238,6 @@ TEST_F(ProgramTest, AReturnRepeatsAndThenGoesBack)
     m_App.m_iCurGCodeLine = 9;
     EXPECT_EQ(ExecLines("M99\nM99\nM99"), "++-");
     EXPECT_EQ(m_App.m_iCurGCodeLine, 0) << "behind the call";
-    m_App.TakeErrors();
-    ExecLines("\nM97 P5\n\n\nN5");
-    ExecLines("M97 P1 L0\nN1");
-    EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({3, 0}));
-    ExecLines("M99");
-    EXPECT_EQ(m_App.m_lstSubPrgmRepeats, std::vector<unsigned>({1, 4294967295u}))
-        << "no repeat is practically for ever";
-    EXPECT_EQ(m_App.m_iCurGCodeLine, 0);
 }
 
 TEST_F(ProgramTest, TheSeventhNestedCallIsRefused)
@@ -293,72 +250,7 @@ TEST_F(ProgramTest, TheSeventhNestedCallIsRefused)
     EXPECT_EQ(m_App.m_lstSubPrgmStartLine.size(), 6u);
 }
 
-TEST_F(ProgramTest, ASingleLineHasNoToolChangeAndNoCalls)
-{
-    Begin();
-    m_App.m_bExecSingleLine = true;
-    EXPECT_EQ(ExecLines("M6 G1 X1\nM99\nM97\nM98\n\nN5\nM7"), "+++++++");
-    EXPECT_TRUE(m_App.TakeErrors().isEmpty() && m_App.TakeInfos().isEmpty());
-    EXPECT_EQ(m_lstShown, QList<int>({0, 1, 2, 3, 6})) << "shown at the end of a line with words";
-    m_App.m_bExecSingleLine = false;
-    EXPECT_FALSE(m_App.ExecGCodeLine(7)) << "a line that is not there";
-    EXPECT_EQ(m_App.TakeErrors(), QStringList({Unsupported(7)}));
-}
-
 // ---- Tool change ----------------------------------------------------------------------------------------------------
-
-TEST_F(ProgramTest, AToolChangeByHandWaitsWhereTheToolIs)
-{
-    Begin();
-    Run("G1 X10\nM6\nG91\nG1 X1");
-    EXPECT_EQ(m_App.TakeInfos(), QStringList({"Change tool and click start"}));
-    EXPECT_EQ(X(), 11.0);
-    EXPECT_EQ(m_lstShown, QList<int>({0, 1, 2, 3}));
-    Run("M6");
-    EXPECT_FALSE(m_App.m_bPause) << "nothing is left to hold";
-}
-
-TEST_F(ProgramTest, AToolChangeThatIsStoppedEndsTheRun)
-{
-    m_bAnswerToolChange = false;
-    Begin();
-    for (const bool bEmergency : {true, false}) {
-        m_App.m_bToolChangePause = false;
-        StopAt(60'000, bEmergency);
-        EXPECT_EQ(ExecLines("M6"), "-");
-        EXPECT_TRUE(m_App.m_bToolChangePause);
-        AppConfig::m_bEmergencyStopON = false;
-        AppConfig::m_bEnlManualToolChange = true;
-    }
-    EXPECT_EQ(X(), -50.0);
-    EXPECT_EQ(m_App.m_CurGCodePos.x, 0.0);
-}
-
-TEST_F(ProgramTest, AToolChangeThatCannotMoveSaysWhyOnce)
-{
-    AppConfig::m_bEnlManualToolChange = true;
-    for (const eAxis axis : {Y_AXIS, X_AXIS, Z_AXIS}) {
-        AppConfig::m_fAxisManualToolChngPos[axis] = 1e9;
-        Begin();
-        EXPECT_EQ(ExecLines("M6"), "-");
-        EXPECT_EQ(m_App.TakeErrors(), QStringList({"Position to move must be within the motion limits"}));
-        EXPECT_FALSE(m_App.m_bToolChangePause);
-        for (const eAxis moving : {X_AXIS, Y_AXIS, Z_AXIS}) m_App.Stop(moving);
-    }
-}
-
-TEST_F(ProgramTest, AToolFileThatCannotBeRunIsTold)
-{
-    AppConfig::m_bEnlAutoToolChange = true;
-    QDir().mkpath(CPaths::Map(WORKING_FOLDER + "/T3.txt"));
-    Begin();
-    Run("M6\nT2 M6\nT3 M6\nG1 X1");
-    const QString strPath = WORKING_FOLDER + "/T2.txt";
-    EXPECT_EQ(m_App.TakeInfos(), QStringList({"No Tool Selected. Please use 'T' command before M06",
-                                              "No ATC commands found. Please check the file, " + strPath + ", exists?",
-                                              "Unable to open ATC File"}));
-    EXPECT_EQ(X(), 1.0) << "and the program goes on";
-}
 
 TEST_F(ProgramTest, AToolFileLeavesTheProgramWhereItStood)
 {
@@ -400,14 +292,6 @@ TEST_F(ProgramTest, TheStatusFileFollowsByTenLinesAndMore)
     AppConfig::m_GCodeRunSettings.iCurLine = 1;
     Run(QStringLiteral("G90\n").repeated(100));
     EXPECT_EQ(Saved(), 99);
-    AppControl::m_bWritingGCodeExecStatusFile = true;   // a card that is busy is not asked again
-    AppConfig::m_GCodeRunSettings.iCurLine = 0;
-    Run(QStringLiteral("G90\n").repeated(50));
-    EXPECT_EQ(Saved(), 99);
-    m_Time.AddEvent({m_Time.Now() + 5'000'000, [] { AppControl::m_bWritingGCodeExecStatusFile = false; }, {}});
-    const qint64 lFrom = NowMs();
-    Run("M30");
-    EXPECT_EQ(NowMs() - lFrom, 5) << "a run that is ended waits for the file";
 }
 
 TEST_F(ProgramTest, AStartLineBelowZeroIsTheFirstAndARunCanBeHeldAndAbandoned)

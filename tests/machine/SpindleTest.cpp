@@ -1,32 +1,11 @@
 #include "machine/WorkerFixture.h"
 
 namespace {
-class Spindle : public CWorkerTest
-{
-protected:
-    static int Relay(quint16 uCode) { return CVirtualPins::Level(AppConfig::m_lstMCodesPin[uCode]); }
-};
-
-TEST_F(Spindle, OffOpensBothRelaysAndOnLeavesTheOtherAsItIs)
-{
-    m_App.TurnOnOffSpindle(true, DIR_CCW);
-    EXPECT_EQ(Relay(3), 0);
-    EXPECT_EQ(Relay(4), 1);
-    m_App.TurnOnOffSpindle(true, DIR_CW);
-    EXPECT_EQ(Relay(3), 1);
-    EXPECT_EQ(Relay(4), 1);   // no interlock here
-    EXPECT_TRUE(AppConfig::m_bSpindleOn);
-    m_App.TurnOnOffSpindle(false, DIR_CCW);
-    EXPECT_EQ(Relay(3), 0);
-    EXPECT_EQ(Relay(4), 0);
-    EXPECT_FALSE(AppConfig::m_bSpindleOn);
-}
-
 struct stSpeed
 {
     int iSpeed, iMinFreq, iMaxFreq, iMinSpeed, iMaxSpeed, iFreq;
 };
-class SpindleSpeed : public Spindle, public testing::WithParamInterface<stSpeed>
+class SpindleSpeed : public CWorkerTest, public testing::WithParamInterface<stSpeed>
 {
 };
 TEST_P(SpindleSpeed, GivesTheFrequencyInSixteenBits)

@@ -1,12 +1,10 @@
 #include "common/Paths.h"
 #include "machine/WorkerFixture.h"
 #include "platform/Computer.h"
+#include "support/Files.h"
 
-#include <QDate>
 #include <QDir>
 #include <QRegularExpression>
-
-#include <cmath>
 
 namespace {
 // The worker's frame around every operation, on virtual time and on the test's own thread.
@@ -47,25 +45,16 @@ TEST_F(Worker, TheLogIsAppendedWithoutLineEndsAndDoesNotMakeItsFolder)
     AppControl::WriteLog(QStringLiteral("µ"));
     const QStringList lstFiles = QDir(strFolder).entryList(QDir::Files);
     ASSERT_EQ(lstFiles.size(), 1);
-    EXPECT_TRUE(QRegularExpression("^\\w{3} \\w{3} \\d{1,2} \\d{4}\\.txt$").match(lstFiles[0]).hasMatch())
-        << lstFiles[0].toStdString();
-    QFile file(strFolder + '/' + lstFiles[0]);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString strText = file.readAll();
-    EXPECT_TRUE(
-        QRegularExpression("^\\[\\d\\d:\\d\\d:\\d\\d\\]first\\[\\d\\d:\\d\\d:\\d\\d\\]µ$").match(strText).hasMatch())
-        << strText.toStdString();
+    EXPECT_TRUE(QRegularExpression("^\\w{3} \\w{3} \\d{1,2} \\d{4}\\.txt$").match(lstFiles[0]).hasMatch());
+    const QString strText = ReadAll(strFolder + '/' + lstFiles[0]);
+    EXPECT_TRUE(QRegularExpression("^\\[[\\d:]{8}\\]first\\[[\\d:]{8}\\]µ$").match(strText).hasMatch());
 }
 
 TEST_F(Worker, InitTellsWhyAnAxisCannotMove)
 {
     AppConfig::m_fAxisAcc[Y_AXIS] = 0.0;
-    m_App.m_AxisCtrl[X_AXIS].SetCurPos(7.0);
     m_App.InitMachine();
     EXPECT_EQ(m_App.TakeErrors(), QStringList("Y-Axis acceleration must be greater than zero"));
-    EXPECT_EQ(m_App.m_AxisCtrl[Z_AXIS].m_sAxis, Z_AXIS);
-    EXPECT_EQ(m_App.GetCurPos(X_AXIS), 0.0);
-    EXPECT_EQ(m_App.m_AxisCtrl[Z_AXIS].m_lNegLimit, -AxisCtrl::NO_LIMIT);
 }
 
 // ---- Waiting for single axes ----------------------------------------------------------------------------------------
@@ -85,30 +74,6 @@ TEST_F(Worker, FiveMinutesAreAnAlarmThatLeavesTheAxesRunning)
     EXPECT_FALSE(m_App.IsMachineIdle());
     EXPECT_TRUE(m_App.WaitForMotionFinish(selection));   // and it arrives
     EXPECT_EQ(m_App.GetCurPos(X_AXIS), 40.0);
-}
-
-TEST_F(Worker, AnEmergencyStopEndsAWaitWithoutAMessage)
-{
-    Build();
-    EmergencyStopAt(0.5);
-    EXPECT_FALSE(m_App.EngMoveAxisAbs(X_AXIS, 100.0, true));
-    EXPECT_EQ(m_App.TakeErrors(), QStringList());
-    EXPECT_TRUE(m_App.IsMachineIdle());
-    EXPECT_LT(m_App.GetCurPos(X_AXIS), 7.5);
-    EXPECT_NEAR(m_pMachine->CarriageMm(X_AXIS), m_App.GetCurPos(X_AXIS), 0.0005);
-    EXPECT_FALSE(m_App.EngMoveAxisAbs(X_AXIS, 0.0, true));   // and nothing starts behind it
-}
-
-// A job that is given up between two of its moves: the axis that starts behind StopAll stands again at once.
-TEST_F(Worker, AMoveThatStartsBehindStopAllIsStopped)
-{
-    Build();
-    m_App.StopAll();
-    ASSERT_TRUE(m_App.MoveAbs(X_AXIS, 10.0));   // the axes themselves know nothing of it: they still jog
-    EXPECT_FALSE(m_App.IsMachineIdle());
-    const signed char selection[MAX_AXES] = {1, 0, 0, 0, 0};
-    EXPECT_FALSE(m_App.WaitForMotionFinish(selection));
-    EXPECT_TRUE(m_App.IsMachineIdle());
 }
 
 // ---- The end of an operation ----------------------------------------------------------------------------------------
@@ -170,37 +135,32 @@ TEST_F(Worker, RunRaisesTheStatusOutputUnlessSimulatingAndShutsTheComputerDown)
     }
 }
 
-// Operation, and whether it puts the axes back to their working feeds and goes to work zero first.
-struct stFrame
+TEST_F(Worker, AnOperationResetsTheSpeedsAndGoesToWorkZeroFirstByItsCode)
 {
-    eOperation eCode;
-    bool bSingleLine, bResets;
-    int iWorkZeroMoves;
-};
-class WorkerFrame : public Worker, public testing::WithParamInterface<stFrame>
-{
-};
-TEST_P(WorkerFrame, GoesByTheOperation)
-{
+    struct stFrame
+    {
+        eOperation eCode;
+        bool bSingleLine, bResets;
+        int iWorkZeroMoves;
+    };
     Build();
     const GCodeProgram program(1);
     m_App.m_pGCodeProgram = &program;
-    m_App.m_bExecSingleLine = GetParam().bSingleLine;
-    m_App.m_AxisCtrl[X_AXIS].SetVelocityAcc(3.0, 600.0);
-    m_App.m_fnWorkZero = [&] {
-        EXPECT_EQ(NextFeed(X_AXIS), GetParam().bResets ? 15.0 : 3.0);
-        return true;
-    };
-    m_App.RunAs(GetParam().eCode);
-    EXPECT_EQ(m_App.m_iWorkZeroMoves, GetParam().iWorkZeroMoves);
-    EXPECT_EQ(CAllAxisCtrl::m_pAppCtrl != nullptr, GetParam().eCode == OP_GCODE);
-    EXPECT_FALSE(CAllAxisCtrl::m_bAutoModeRunning);
-    EXPECT_TRUE(m_App.m_bOperationFinished);
+    for (const stFrame& frame :
+         {stFrame{OP_WORK_HOME, false, true, 1}, stFrame{OP_GCODE, false, true, 1}, stFrame{OP_GCODE, true, true, 0},
+          stFrame{OP_Z_PROFILE, false, false, 1}, stFrame{OP_MCH_HOME, false, false, 0}}) {
+        m_App.m_bExecSingleLine = frame.bSingleLine;
+        m_App.m_iWorkZeroMoves = 0;
+        m_App.m_AxisCtrl[X_AXIS].SetVelocityAcc(3.0, 600.0);
+        m_App.m_fnWorkZero = [&] {
+            EXPECT_EQ(NextFeed(X_AXIS), frame.bResets ? 15.0 : 3.0) << frame.eCode;
+            return true;
+        };
+        m_App.RunAs(frame.eCode);
+        EXPECT_EQ(m_App.m_iWorkZeroMoves, frame.iWorkZeroMoves) << frame.eCode;
+        EXPECT_FALSE(CAllAxisCtrl::m_bAutoModeRunning);
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Codes, WorkerFrame,
-                         testing::Values(stFrame{OP_WORK_HOME, false, true, 1}, stFrame{OP_GCODE, false, true, 1},
-                                         stFrame{OP_GCODE, true, true, 0}, stFrame{OP_Z_PROFILE, false, false, 1},
-                                         stFrame{OP_MCH_HOME, false, false, 0}));
 
 // ---- Stops ----------------------------------------------------------------------------------------------------------
 
@@ -243,34 +203,7 @@ TEST_P(WorkerStop, EndsTheOperationWithoutMoveShutDownOrFinish)
 INSTANTIATE_TEST_SUITE_P(Kinds, WorkerStop,
                          testing::Values(stStop{true, false}, stStop{true, true}, stStop{false, false}));
 
-TEST_F(Worker, AStopDuringTheLastLiftStillCounts)
-{
-    Build();
-    AppConfig::m_bShutdownRPI = true;
-    EmergencyStopAt(0.1);
-    m_App.AfterOperationFinish(OP_SHAPES);
-    EXPECT_GT(Z(), 0.0);
-    EXPECT_FALSE(m_App.m_bOperationFinished);
-    EXPECT_TRUE(m_lstStarted.isEmpty());
-}
-
 // ---- Starts ---------------------------------------------------------------------------------------------------------
-
-TEST_F(Worker, AJobWithAnAxisMovingIsRefusedAndTheCodeStays)
-{
-    Build();
-    const GCodeProgram program;
-    m_App.m_eOperation = OP_SHAPES;
-    ASSERT_TRUE(m_App.MoveAbs(Y_AXIS, 1.0));
-    m_App.StartGCode(&program);
-    m_App.StartExecGCodeLine(&program, 3);
-    m_App.RunZProfile();
-    EXPECT_EQ(m_App.TakeErrors(), QStringList({"Axis in use", "Axis in use", "Axis in use"}));
-    EXPECT_EQ(m_App.m_eOperation, OP_SHAPES);
-    EXPECT_FALSE(m_App.m_bExecSingleLine);
-    EXPECT_EQ(m_App.m_pGCodeProgram, nullptr);
-    EXPECT_EQ(m_Screen.m_lstCalls, QStringList());
-}
 
 struct stSpindle
 {
@@ -298,9 +231,7 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[3]), job.iCwLevel);
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[4]), job.iCcwLevel);
     EXPECT_EQ(AppConfig::m_bSpindleOn, job.iCwLevel + job.iCcwLevel > 0);
-    EXPECT_EQ(m_App.m_eOperation, OP_GCODE);
     EXPECT_EQ(m_App.m_iWorkZeroMoves, job.bSingleLine ? 0 : 1);
-    EXPECT_EQ(CAllAxisCtrl::m_pAppCtrl != nullptr, job.bSingleLine);   // not behind a way to work zero that failed
     EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
     EXPECT_TRUE(m_App.m_bOperationFinished);
 }

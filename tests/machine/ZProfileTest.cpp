@@ -20,17 +20,7 @@ protected:
         Build();
         m_pMachine->SetSurface(std::move(fnSurface));
     }
-    std::vector<std::vector<double>> GridOf(double stFloatPoint::*pField) const
-    {
-        std::vector<std::vector<double>> lst;
-        for (const auto& row : m_Info.lstPoints) {
-            lst.emplace_back();
-            for (const stFloatPoint& node : row) lst.back().push_back(node.*pField);
-        }
-        return lst;
-    }
     stZProfileInfo& m_Info = AppConfig::m_ZProfileInfo;
-    using Rows = std::vector<std::vector<double>>;
 };
 
 static double Plane(double x, double y)
@@ -88,59 +78,17 @@ INSTANTIATE_TEST_SUITE_P(Reference, ZProfileCase,
                          testing::Values("28_worked", "31_offset", "34_no_surface", "37_pulse_does_not_divide"),
                          CaseName);
 
-TEST_F(ZProfile, AGridFromPressToLiftEqualsTheSurface)
+TEST_F(ZProfile, AnExtentWithoutACellKeepsNothing)
 {
-    AppConfig::m_fZSafePos = 7.0;
-    AppConfig::m_lstMCodesPin[3] = 8;
-    m_Info.fLength = 25.0;   // not a multiple of the pitch: the far border is measured too
-    m_Info.fWidth = 25.0;
     BuildOver(Plane);
-    m_App.TurnOnOffSpindle(true, DIR_CW);
-    m_App.RunZProfile();
-    m_App.wait();
-    EXPECT_EQ(m_App.TakeErrors(), QStringList());
-    EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
-    EXPECT_FALSE(AppConfig::m_bSpindleOn);
-    EXPECT_TRUE(m_App.m_bOperationFinished);
-    EXPECT_EQ(Z(), 7.0);
-
-    const std::vector<double> up = {0, 10, 20, 25}, down = {25, 15, 5, 0};
-    EXPECT_EQ(GridOf(&stFloatPoint::x), (Rows{up, down, up, down}));
-    EXPECT_EQ(GridOf(&stFloatPoint::y), (Rows{{0, 0, 0, 0}, {10, 10, 10, 10}, {20, 20, 20, 20}, {25, 25, 25, 25}}));
-    for (const auto& row : m_Info.lstPoints)
-        for (const stFloatPoint& node : row)
-            EXPECT_NEAR(node.z, &node == &m_Info.lstPoints[0][0] ? 0.0 : Plane(node.x, node.y), 1e-9);
-    EXPECT_FALSE(m_App.m_AxisCtrl[Z_AXIS].m_bWatchZProbe);
-
-    m_App.m_eOperation = OP_NONE;
-    AppConfig::m_bUseZProfile = true;
-    const GCodeProgram program = {{"G1", "X16"}};
-    m_App.StartGCode(&program);
-    m_App.wait();
-    EXPECT_EQ(m_App.TakeErrors(), QStringList());
-    EXPECT_NEAR(m_pMachine->CarriageMm(X_AXIS), 16.0, 0.001);
-    EXPECT_NEAR(m_pMachine->CarriageMm(Z_AXIS), Plane(20.0, 0.0), 0.001);   // of the nearest node
-}
-
-struct stExtent
-{
-    double fLength, fWidth;
-    size_t uRows;
-};
-class ZProfileExtent : public ZProfile, public testing::WithParamInterface<stExtent>
-{
-};
-TEST_P(ZProfileExtent, WithoutACellKeepsNothing)
-{
-    m_Info.fLength = GetParam().fLength;
-    m_Info.fWidth = GetParam().fWidth;
-    BuildOver(Plane);
-    m_App.CreateZProfile();
-    EXPECT_EQ(m_Info.lstPoints.size(), GetParam().uRows);
+    for (const auto& [fLength, fWidth, uRows] : {std::tuple{20.0, 0.0, 0u}, {0.0, 10.0, 0u}, {0.5, 0.5, 2u}}) {
+        m_Info.fLength = fLength;
+        m_Info.fWidth = fWidth;
+        m_App.CreateZProfile();
+        EXPECT_EQ(m_Info.lstPoints.size(), uRows);
+    }
     EXPECT_EQ(m_App.TakeErrors(), QStringList());
 }
-INSTANTIATE_TEST_SUITE_P(Extents, ZProfileExtent,
-                         testing::Values(stExtent{20, 0, 0}, stExtent{0, 10, 0}, stExtent{0.5, 0.5, 2}));
 
 TEST_F(ZProfile, SettingsThatWouldNeverEndAreRefusedAtTheStart)
 {
@@ -187,21 +135,6 @@ TEST_F(ZProfile, AnOverrideChangedDuringTheMeasurementTakesEffect)
     m_App.CreateZProfile();
     EXPECT_EQ(m_Info.lstPoints.size(), 2u);
     for (int axis = 0; axis < 3; ++axis) EXPECT_EQ(NextFeed(axis), 7.5) << axis;
-}
-
-TEST_F(ZProfile, ARefusedMoveKeepsTheRowsThatWereDone)
-{
-    AppConfig::m_bHomeSensorsUsed = true;
-    AppConfig::m_fAxisPosDirLimit[Y_AXIS] = 5.0;   // the third row is out of reach
-    AppConfig::m_fAxisPosDirLimit[Z_AXIS] = 50.0;
-    m_Info.fXYStep = 5.0;
-    BuildOver(Plane);
-    m_App.SetMchHome();
-    m_App.CreateZProfile();
-    EXPECT_EQ(m_App.TakeErrors(),
-              QStringList("Y Axis Absolute Position value must be between -180.0000 and 5.0000"));   // once
-    EXPECT_EQ(m_Info.lstPoints.size(), 2u);
-    EXPECT_FALSE(m_App.m_AxisCtrl[Z_AXIS].m_bWatchZProbe);
 }
 
 TEST_F(ZProfile, AnEmergencyStopLeavesNoMessageAndNoWatch)

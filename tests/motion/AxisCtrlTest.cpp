@@ -16,13 +16,6 @@ protected:
             m_Axes.m_AxisCtrl[axis].ConfigAxis();
         }
     }
-    std::vector<quint32> Counts() const { return {m_X.m_uAccPulses, m_X.m_uConstPulses, m_X.m_uDecPulses}; }
-    void WithSensors(double fWorkZero)
-    {
-        AppConfig::m_bHomeSensorsUsed = true;
-        AppConfig::m_fAxisWorkZero[X_AXIS] = fWorkZero;
-        m_X.ConfigAxis();
-    }
     bool Move(double fPos)
     {
         const bool bOk = m_X.MoveAbs(fPos);
@@ -34,38 +27,6 @@ protected:
     CMachineAxes m_Axes;
     AxisCtrl& m_X = m_Axes.m_AxisCtrl[X_AXIS];
 };
-
-TEST_F(AxisRules, AMoveOfExactlyTwoRampsIsALongOneWithoutConstantSpeed)
-{
-    using Three = std::vector<quint32>;
-    ASSERT_EQ(328u, (m_X.SetAxisMovParams(1.0), m_X.m_lstHighTime[m_X.m_ucCurTable].size()));
-    const std::pair<double, Three> cases[] = {{0.001, {1, 0, 0}},     {0.002, {2, 0, 0}},     {0.003, {2, 0, 1}},
-                                              {0.655, {328, 0, 327}}, {0.656, {328, 0, 328}}, {0.657, {328, 1, 328}}};
-    for (const auto& [fTo, counts] : cases) {
-        ASSERT_TRUE(m_X.SetAxisMovParams(fTo));
-        EXPECT_EQ(counts, Counts()) << fTo;
-    }
-    ASSERT_TRUE(m_X.SetAxisMovParams(0.0005));   // below one step
-    EXPECT_EQ((Three{0, 0, 0}), Counts());
-    EXPECT_EQ(0, m_X.m_lTargetPos);
-}
-
-TEST_F(AxisRules, SoftLimitsAreInclusiveAndToldInWorkCoordinates)
-{
-    WithSensors(100.0);   // machine limits 0 to 180: -100 to 80 from the work zero
-    EXPECT_FALSE(Move(1.0));
-    EXPECT_EQ("Homing not done! Use \"Move Home\" in user Settings", m_X.GetErrorMsg());
-    m_X.SetMchHome();
-    EXPECT_EQ(-100.0, m_X.GetCurPos());
-    EXPECT_TRUE(m_X.CheckValidMotion(-1'000'000));
-    EXPECT_TRUE(m_X.CheckValidMotion(800'000));
-    for (const qint64 lBeyond : {-1'000'001, 800'001}) {
-        EXPECT_FALSE(m_X.CheckValidMotion(lBeyond));
-        EXPECT_EQ("X Axis Absolute Position value must be between -100.0000 and 80.0000", m_X.GetErrorMsg());
-    }
-    m_X.m_bHoming = true;   // a homing axis knows no limits
-    EXPECT_TRUE(m_X.CheckValidMotion(99'000'000));
-}
 
 TEST_F(AxisRules, PositionsBeyond32BitsAreRefusedAndNothingMoves)
 {
@@ -80,20 +41,6 @@ TEST_F(AxisRules, PositionsBeyond32BitsAreRefusedAndNothingMoves)
     m_X.SetCurPos(-214748.0);   // the way itself may be longer than 32 bits
     ASSERT_TRUE(m_X.SetAxisMovParams(214748.0));
     EXPECT_EQ(429'496'000u, m_X.m_uAccPulses + m_X.m_uConstPulses + m_X.m_uDecPulses);
-}
-
-TEST_F(AxisRules, AnAxisWithoutTablesMakesNoMove)
-{
-    AppConfig::m_fAxisAcc[X_AXIS] = 0.0;
-    EXPECT_FALSE(m_X.ConfigAxis());
-    EXPECT_FALSE(Move(1.0));
-    EXPECT_EQ(m_X.GetBuildError(), m_X.GetErrorMsg());
-    EXPECT_FALSE(m_X.GetErrorMsg().isEmpty());
-    EXPECT_EQ(0, m_X.GetCurPosLong());
-    AppConfig::m_fAxisAcc[X_AXIS] = 600.0;
-    ASSERT_TRUE(m_X.ConfigAxis());
-    EXPECT_TRUE(Move(1.0));
-    EXPECT_EQ(10000, m_X.GetCurPosLong());
 }
 
 TEST_F(AxisRules, ARequestThatAStoppedJobLeftBehindMovesNothing)
