@@ -34,12 +34,64 @@ TEST_F(RunnerTest, PlateRunsCleanAndLeavesAPictureAndASummary)
 
     const QImage image(Path("plate.png"));
     ASSERT_FALSE(image.isNull());
-    int iBlue = 0;
-    for (int n = 0; n < image.width() * image.height(); ++n) {
-        const QColor color = image.pixelColor(n % image.width(), n / image.width());
-        iBlue += color.blue() > color.red() + 60 ? 1 : 0;
-    }
+    int iBlue = 0, iOrange = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor color = image.pixelColor(x, y);
+            iBlue += color.blue() > color.red() + 60 ? 1 : 0;
+            iOrange += color.red() > color.blue() + 60 ? 1 : 0;
+        }
     EXPECT_GT(iBlue, 5'000);
+    EXPECT_GT(iOrange, 2'000);
+}
+
+TEST_F(RunnerTest, ReliefEndsWhereItBegan)
+{
+    EXPECT_EQ(Call({Example("relief.ngc"), "--quiet", "--summary", "summary.json"}).iExit, 0);
+    EXPECT_EQ(Carriage(Summary(), "Z"), 5000);
+    EXPECT_EQ(Carriage(Summary(), "X"), 0);
+}
+
+// Two axes alone at the same time, arcs, direction changes and a homing: edges of all kinds of runs overlap.
+TEST_F(RunnerTest, SameJobTwiceGivesTheSameEdges)
+{
+    Write("job.ngc", "G0 Z2\nG2 X4 Y0 I2 J0\nG1 X-1 Y3 Z1\nM30\n");
+    const QStringList homing{"--homing",
+                             "--set",
+                             "m_fAxisPosDirLimit[0]=8",
+                             "--set",
+                             "m_fAxisNegDirLimit[1]=-9",
+                             "--set",
+                             "m_fAxisNegDirLimit[2]=-6",
+                             "--set",
+                             "m_fHomeRepeatOffset=1",
+                             "--set",
+                             "m_fAxisWorkZero[0]=3",
+                             "--set",
+                             "m_fAxisWorkZero[1]=-5",
+                             "--set",
+                             "m_fAxisWorkZero[2]=-5",
+                             "--set",
+                             "m_fZSafePos=-1",
+                             "--quiet"};
+    for (const char* szFile : {"one.csv", "two.csv"})
+        EXPECT_EQ(Call(QStringList{"job.ngc", "--edges", szFile} + homing).iExit, 0);
+    const QByteArray edges = Read("one.csv");
+    EXPECT_GT(edges.count('\n'), 50'000);
+    EXPECT_EQ(edges, Read("two.csv"));
+    // By time; of one time the worker's direction pins come before the pulses of an axis that already runs.
+    qint64 lBefore = 0;
+    int iTies = 0;
+    QString strPin;
+    for (const Row& row : Csv("one.csv")) {
+        const qint64 lTime = row.at("time_ns").toLongLong();
+        ASSERT_LE(lBefore, lTime);
+        if (lTime == lBefore)
+            iTies += strPin == QLatin1String("direction") && row.at("axis") == QLatin1String("X") ? 1 : 0;
+        lBefore = lTime;
+        strPin = row.at("pin");
+    }
+    EXPECT_GE(iTies, 1);
 }
 
 TEST_F(RunnerTest, EdgesAndMovesAgreeWithTheCarriage)
@@ -49,8 +101,9 @@ TEST_F(RunnerTest, EdgesAndMovesAgreeWithTheCarriage)
               0);
     const std::vector<Row> moves = Csv("m.csv");
     ASSERT_EQ(moves.size(), 5u);   // to the safe height and back, then the three lines
-    std::map<QString, qint64> carriage, pulses;
+    std::map<QString, qint64> carriage, position;
     size_t uMove = 0;
+    std::map<QString, qint64> pulses;
     const auto Compare = [&](const Row& move) {
         for (const char* szAxis : {"X", "Y", "Z"}) {
             const std::string strAxis = szAxis;
@@ -86,13 +139,28 @@ TEST_F(RunnerTest, EdgesAndMovesAgreeWithTheCarriage)
         ASSERT_EQ(edge.at("position_units").toLongLong(), 10 * (lCarriage - (bBehind ? lDirection : 0)));
     }
     while (uMove < moves.size()) Compare(moves[uMove++]);
-    EXPECT_EQ(moves[0].at("line") + moves[4].at("line"), QStringLiteral("3"));
+    EXPECT_EQ(moves[0].at("line"), QString());
+    EXPECT_EQ(moves[2].at("line"), QStringLiteral("1"));
+    EXPECT_EQ(moves[4].at("line"), QStringLiteral("3"));
+    EXPECT_EQ(moves[4].at("to_X"), QStringLiteral("2.5000"));
+    EXPECT_EQ(moves[4].at("from_Y"), QStringLiteral("-2.0000"));
 }
 
 TEST_F(RunnerTest, HomingFindsTheSensorsFastThenSlowly)
 {
-    const QStringList call = Words("--homing --moves m.csv --summary summary.json --set m_fAxisWorkZero[0]=12 "
-                                   "--set m_fAxisWorkZero[1]=-7.5 --set m_fAxisJogFeed=20 --set m_fAxisHomeFeed=2");
+    const QStringList call{"--homing",
+                           "--moves",
+                           "m.csv",
+                           "--summary",
+                           "summary.json",
+                           "--set",
+                           "m_fAxisWorkZero[0]=12",
+                           "--set",
+                           "m_fAxisWorkZero[1]=-7.5",
+                           "--set",
+                           "m_fAxisJogFeed=20",
+                           "--set",
+                           "m_fAxisHomeFeed=2"};
     EXPECT_EQ(Call(call).iExit, 0);
     const std::vector<Row> moves = Csv("m.csv");
     ASSERT_EQ(moves.size(), 9u);   // Z alone, X and Y; all back off; all return
@@ -107,6 +175,9 @@ TEST_F(RunnerTest, HomingFindsTheSensorsFastThenSlowly)
     EXPECT_EQ(EndOf(Summary(), "X"), -12.0);
     EXPECT_EQ(EndOf(Summary(), "Y"), 7.5);
     for (const char* szAxis : {"X", "Y", "Z"}) EXPECT_EQ(Carriage(Summary(), szAxis), 0) << szAxis;
+    // A sensor that answers from the wrong place: each axis stops there.
+    EXPECT_EQ(Call(QStringList{"--input", "gpio23=1@0", "--input", "gpio23=0@1.2"} + call).iExit, 0);
+    EXPECT_EQ(Csv("m.csv")[1].at("mode"), QStringLiteral("single"));
 }
 
 TEST_F(RunnerTest, MeasuredProfileEqualsTheSurfaceAndTheJobFollowsIt)
@@ -115,8 +186,16 @@ TEST_F(RunnerTest, MeasuredProfileEqualsTheSurfaceAndTheJobFollowsIt)
         "3\n3\n0,0,0\n10,0,0.5\n20,0,0.2\n20,10,-0.4\n10,10,0.1\n0,10,0.3\n0,20,-0.2\n10,20,0.6\n20,20,0.9\n";
     Write("surface.txt", surface);
     Write("job.ngc", "G0 Z5\nG1 X0 Y0 Z0\nG1 X20 Y0 Z0\nM30\n");
-    const QStringList call = Words("--make-z-profile profile.txt --surface surface.txt --moves m.csv "
-                                   "--set m_ZProfileInfo.fLength=20 --set m_ZProfileInfo.fWidth=20");
+    const QStringList call{"--make-z-profile",
+                           "profile.txt",
+                           "--surface",
+                           "surface.txt",
+                           "--set",
+                           "m_ZProfileInfo.fLength=20",
+                           "--set",
+                           "m_ZProfileInfo.fWidth=20",
+                           "--moves",
+                           "m.csv"};
     const auto Heights = [this] {
         QStringList heights;
         for (const Row& row : Csv("m.csv"))
@@ -129,8 +208,8 @@ TEST_F(RunnerTest, MeasuredProfileEqualsTheSurfaceAndTheJobFollowsIt)
     EXPECT_EQ(Read("profile.txt"), surface);
     EXPECT_EQ(Heights(), strFollowed);
     // On a machine with a work zero elsewhere too: the surface is told in work coordinates.
-    EXPECT_EQ(Call(call + Words("--homing --set m_fAxisWorkZero[0]=30 --set m_fAxisWorkZero[1]=-120 "
-                                "--set m_fAxisWorkZero[2]=-25 --set m_fZSafePos=-2"))
+    EXPECT_EQ(Call(call + QStringList{"--homing", "--set", "m_fAxisWorkZero[0]=30", "--set", "m_fAxisWorkZero[1]=-120",
+                                      "--set", "m_fAxisWorkZero[2]=-25", "--set", "m_fZSafePos=-2"})
                   .iExit,
               0);
     EXPECT_EQ(Read("profile.txt"), surface);
@@ -254,6 +333,18 @@ TEST_F(RunnerTest, StartsAtTheLineThatIsAskedFor)
     EXPECT_EQ(Carriage(Summary(), "Y"), 5000);
     EXPECT_EQ(Call({"job.ngc", "--start-line", "9", "--summary", "summary.json", "--quiet"}).iExit, 0);
     EXPECT_EQ(Summary()["lines_run"].toInt(), 0);
+}
+
+TEST_F(RunnerTest, FiveAxesAndSwappedDirectionsEndInTheRightPlace)
+{
+    Write("job.ngc", "G1 X1 Y-2 Z3 A4 B-5\nM30\n");
+    EXPECT_EQ(Call({"job.ngc", "--set", "m_eVantorCtrl=1", "--set", "m_eAxisPosDir=1", "--moves", "m.csv", "--summary",
+                    "summary.json", "--quiet"})
+                  .iExit,
+              0);
+    EXPECT_EQ(Carriage(Summary(), "A"), 4000);
+    EXPECT_EQ(Carriage(Summary(), "B"), -5000);
+    EXPECT_EQ(Csv("m.csv").back().at("reached_B"), QStringLiteral("-5.0000"));
 }
 
 // The real threads, also under the thread sanitizer.

@@ -4,8 +4,50 @@
 
 #include <QFile>
 
+#include <cmath>
+#include <map>
+
 namespace {
 // Homing, work zero and probe end to end: the machine behind the pins has sensors where its carriages really are.
+
+// The strokes of each axis: pulses of one direction without a longer rest than a direction's settling takes.
+struct stStroke
+{
+    int iAxis;
+    qint64 lFrom, lTo, lFirst, lLast;   // carriage pulses, ns
+    double fSpeed;                      // mm/s between its last two pulses
+};
+class CStrokes : public CEdgeRecorder
+{
+public:
+    void OnEdge(int iAxis, ePinRole eRole, int iLevel, qint64 lCarriage) override
+    {
+        const qint64 lNow = CVirtualTime::Current()->EdgeTime();
+        if (eRole == ROLE_DIRECTION) m_Open.erase(iAxis);
+        if (eRole != ROLE_PULSE || iLevel == 0) return;
+        const auto open = m_Open.find(iAxis);
+        if (open == m_Open.end()) {
+            m_Open[iAxis] = m_lst.size();
+            m_lst.push_back({iAxis, lCarriage, lCarriage, lNow, lNow, 0.0});
+            return;
+        }
+        stStroke& stroke = m_lst[open->second];
+        stroke.fSpeed = AppConfig::m_fAxisMovPerPulse[iAxis] * 1e9 / double(lNow - stroke.lLast);
+        stroke.lTo = lCarriage;
+        stroke.lLast = lNow;
+    }
+    std::vector<stStroke> Of(int iAxis) const
+    {
+        std::vector<stStroke> lst;
+        std::copy_if(m_lst.begin(), m_lst.end(), std::back_inserter(lst),
+                     [=](const stStroke& stroke) { return stroke.iAxis == iAxis; });
+        return lst;
+    }
+    std::vector<stStroke> m_lst;
+
+private:
+    std::map<int, size_t> m_Open;
+};
 
 class Homing : public CWorkerTest
 {
@@ -27,18 +69,80 @@ protected:
         }
         return wiring;
     }
+    void BuildAtSensors(const stVirtualMachine& wiring = WithSensors())
+    {
+        Build(wiring);
+        m_pMachine->SetRecorder(&m_Strokes);
+    }
+    void Home() { m_App.RunAs(OP_MCH_HOME); }
     bool NoneHoming() const
     {
         return !m_App.m_AxisCtrl[0].m_bHoming && !m_App.m_AxisCtrl[1].m_bHoming && !m_App.m_AxisCtrl[2].m_bHoming;
     }
+    CStrokes m_Strokes;
 };
+
+TEST_F(Homing, EachAxisReachesItsSensorBacksOffAndReachesItSlowly)
+{
+    AppConfig::m_eVantorCtrl = VTR5_CTRL;
+    AppConfig::ApplyBoardPins();
+    AppConfig::m_fAxisWorkZero[X_AXIS] = 12.5;
+    AppConfig::m_fAxisWorkZero[Z_AXIS] = -30.0;
+    BuildAtSensors();
+    Home();
+    EXPECT_EQ(m_App.TakeErrors(), QStringList());
+    EXPECT_TRUE(m_App.GetHomeDone());
+    EXPECT_TRUE(NoneHoming());
+
+    const qint64 lZDone = m_Strokes.Of(Z_AXIS).at(0).lLast;
+    for (int axis = X_AXIS; axis <= B_AXIS; ++axis) {
+        const auto lst = m_Strokes.Of(axis);
+        ASSERT_EQ(lst.size(), 3u) << axis;
+        const int iHomeSign = axis == Y_AXIS || axis == Z_AXIS ? 1 : -1;   // the others home downwards
+        EXPECT_EQ(lst[0].lTo, 0);
+        EXPECT_NEAR(lst[0].fSpeed, 10.0, 1e-3);   // jog feed, up to the sensor: no ramp
+        EXPECT_EQ(lst[1].lTo, -5000 * iHomeSign);
+        EXPECT_EQ(lst[2].lTo, 0);
+        EXPECT_NEAR(lst[2].fSpeed, 2.0, 1e-3);
+        EXPECT_TRUE(axis == Z_AXIS || lst[0].lFirst > lZDone);   // the tool has left the work
+        EXPECT_EQ(m_pMachine->Carriage(axis), 0);
+        EXPECT_EQ(m_App.GetCurPos(eAxis(axis)), -AppConfig::m_fAxisWorkZero[axis]);
+        EXPECT_EQ(NextFeed(axis), 15.0);
+    }
+    for (const int axis : {Y_AXIS, A_AXIS, B_AXIS})
+        EXPECT_LT(std::abs(m_Strokes.Of(X_AXIS)[0].lFirst - m_Strokes.Of(axis)[0].lFirst), 20'000);   // together
+    for (const size_t uPhase : {1u, 2u})
+        EXPECT_LT(std::abs(m_Strokes.Of(X_AXIS)[uPhase].lFirst - m_Strokes.Of(Z_AXIS)[uPhase].lFirst), 20'000);
+}
+
+TEST_F(Homing, WithoutRepetitionTheFastApproachCounts)
+{
+    AppConfig::m_fHomeRepeatOffset = 0.0;
+    BuildAtSensors();
+    Home();
+    EXPECT_EQ(m_Strokes.m_lst.size(), 3u);
+    EXPECT_TRUE(m_App.GetHomeDone());
+}
+
+TEST_F(Homing, AnAxisOnItsSensorMakesNoPulseBacksOffAndReturns)
+{
+    stVirtualMachine wiring = WithSensors();
+    wiring.axes[Y_AXIS].fStart = 0.2;
+    BuildAtSensors(wiring);
+    Home();
+    const auto lst = m_Strokes.Of(Y_AXIS);
+    ASSERT_EQ(lst.size(), 2u);
+    EXPECT_EQ(lst[0].lTo, 200 - 5000);
+    EXPECT_EQ(lst[1].lTo, 0);
+    EXPECT_TRUE(m_App.GetHomeDone());
+}
 
 TEST_F(Homing, ARefusedAxisStopsTheOthersWhoseSensorsNobodyWouldWatch)
 {
     AppConfig::m_fAxisAcc[Y_AXIS] = 0.0;
-    Build(WithSensors());
+    BuildAtSensors();
     m_App.TakeErrors();
-    m_App.RunAs(OP_MCH_HOME);
+    Home();
     EXPECT_EQ(m_App.TakeErrors(), QStringList("Y-Axis acceleration must be greater than zero"));
     EXPECT_TRUE(m_App.IsMachineIdle());
     EXPECT_TRUE(NoneHoming());
@@ -51,7 +155,7 @@ TEST_F(Homing, ARefusedAxisStopsTheOthersWhoseSensorsNobodyWouldWatch)
 TEST_F(Homing, AStopLeavesTheMachineNotHomed)
 {
     for (double fAt = 0.05; fAt < 3.8; fAt += 0.13) {
-        Build(WithSensors());
+        BuildAtSensors();
         AppConfig::m_bEmergencyStopON = false;
         EmergencyStopAt(fAt);
         m_App.StartMchHomingSequence();
@@ -63,11 +167,26 @@ TEST_F(Homing, AStopLeavesTheMachineNotHomed)
     }
 }
 
+TEST_F(Homing, StartsAreRefusedWithTheirReason)
+{
+    Build();
+    EXPECT_FALSE(m_App.StartWorkHomingSequence());
+    EXPECT_EQ(m_App.GetErrMsg(), "Homing not done! Use \"Move Home\" in user Settings");
+    AppConfig::m_bHomeSensorsUsed = false;
+    EXPECT_TRUE(m_App.GetHomeDone());
+    EXPECT_FALSE(m_App.StartMchHomingSequence());
+    EXPECT_EQ(m_App.GetErrMsg(), "Homing Sensor not Enabled for all Axis");
+    EXPECT_EQ(m_App.m_eOperation, OP_NONE);
+    EXPECT_FALSE(m_App.MoveAxisHome(X_AXIS, false));
+    EXPECT_EQ(m_App.GetErrMsg(), "Home Sensors Not enabled");
+    EXPECT_EQ(m_Screen.m_lstCalls, QStringList());
+}
+
 TEST_F(Homing, StartsByItselfWhereAskedAndForgetsOldHomes)
 {
     AppConfig::m_bAutoHmOnStartup = true;
     m_App.SetMchHome();
-    Build(WithSensors());
+    BuildAtSensors();
     m_App.wait();
     EXPECT_EQ(m_App.m_eOperation, OP_MCH_HOME);
     EXPECT_EQ(m_Screen.m_lstCalls, QStringList("busy"));
@@ -82,15 +201,6 @@ struct stSafe
     bool bSensors;
     double fSafe, fWorkZero, fHeight;
 };
-class CAxisOrder : public CEdgeRecorder
-{
-public:
-    void OnEdge(int iAxis, ePinRole, int, qint64) override
-    {
-        if (!m_str.endsWith(QLatin1Char("XYZAB"[iAxis]))) m_str += QLatin1Char("XYZAB"[iAxis]);
-    }
-    QString m_str;
-};
 class SafeHeight : public Homing, public testing::WithParamInterface<stSafe>
 {
 };
@@ -104,12 +214,17 @@ TEST_P(SafeHeight, IsReachedFirstAndZComesDownLast)
     Build();
     m_App.SetMchHome();
     for (AxisCtrl& axis : m_App.m_AxisCtrl) axis.SetCurPos(-1.0);
-    CAxisOrder order;
-    m_pMachine->SetRecorder(&order);
+    m_pMachine->SetRecorder(&m_Strokes);
     ASSERT_TRUE(m_App.MoveWorkZeroAll());
-    m_pMachine->SetRecorder(nullptr);
-    EXPECT_EQ(m_App.m_lstMoves, QStringList("Z " + QString::number(safe.fHeight)));
-    EXPECT_TRUE(order.m_str.startsWith('Z') && order.m_str.endsWith('Z') && order.m_str.count('Z') == 2);
+
+    const auto& lst = m_Strokes.m_lst;
+    ASSERT_EQ(lst.size(), 4u);
+    EXPECT_EQ(lst[0].iAxis, Z_AXIS);
+    EXPECT_EQ(lst[0].lTo, std::lround((safe.fHeight + 1.0) * 1000));
+    EXPECT_GT(std::min(lst[1].lFirst, lst[2].lFirst), lst[0].lLast);
+    EXPECT_LT(std::abs(lst[1].lFirst - lst[2].lFirst), 20'000);
+    EXPECT_EQ(lst[3].iAxis, Z_AXIS);
+    EXPECT_GT(lst[3].lFirst, std::max(lst[1].lLast, lst[2].lLast));
     for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS}) EXPECT_EQ(m_App.GetCurPos(axis), 0.0);
 
     m_App.MoveZSafePos();   // the same height, without waiting
@@ -176,6 +291,7 @@ TEST_P(NewWorkZero, IsHeldAgainstTheMachine)
               zero.bInside ? "" : "Work Zero for X-Axis must be in between -200000 and 1600000.0000");
     EXPECT_EQ(m_App.GetInfoMsg(), !bSet ? "" : bAll ? "Work Zero is set" : "X-Axis Work Zero is set");
     EXPECT_EQ(QFile::exists(CPaths::Map(CONFIG_FILE)), bSet);
+    EXPECT_EQ(m_Screen.m_lstCalls, bSet ? QStringList("area") : QStringList());
     EXPECT_NEAR(AppConfig::m_fAxisWorkZero[X_AXIS], bSet ? 20.0 + zero.fPos : 20.0, 1e-12);
     EXPECT_EQ(AppConfig::m_fAxisWorkZero[Y_AXIS], bAll ? -7.0 : 0.0);
     EXPECT_EQ(m_App.GetCurPos(X_AXIS), bSet ? 0.0 : zero.fPos);
@@ -185,6 +301,38 @@ INSTANTIATE_TEST_SUITE_P(Places, NewWorkZero,
                          testing::Combine(testing::Values(stZero{-20.0, true}, stZero{-20.0001, false},
                                                           stZero{160.0, true}, stZero{160.0001, false}),
                                           testing::Bool()));
+
+TEST_F(Homing, WithoutSensorsAWorkZeroOnlyZeroesThePositions)
+{
+    AppConfig::m_bHomeSensorsUsed = false;
+    AppConfig::m_fAxisWorkZero[X_AXIS] = 20.0;
+    Build();
+    for (const bool bAll : {false, true}) {
+        m_App.m_AxisCtrl[X_AXIS].SetCurPos(999.0);
+        if (bAll)
+            m_App.SetWorkZero();
+        else
+            EXPECT_TRUE(m_App.SetWorkZero(X_AXIS));
+        EXPECT_EQ(m_App.GetCurPos(X_AXIS), 0.0);
+    }
+    EXPECT_EQ(AppConfig::m_fAxisWorkZero[X_AXIS], 20.0);
+    EXPECT_FALSE(QFile::exists(CPaths::Map(CONFIG_FILE)));
+    EXPECT_EQ(m_Screen.m_lstCalls, QStringList());
+}
+
+TEST_F(Homing, JogsGoTheWayOfTheAxis)
+{
+    AppConfig::m_eAxisPosDir[X_AXIS] = DIR_CCW;
+    Build();
+    m_App.m_AxisCtrl[X_AXIS].SetCurPos(5.0);
+    m_App.JogNeg(X_AXIS);
+    EXPECT_EQ(m_App.m_AxisCtrl[X_AXIS].m_lTargetPos, m_App.m_AxisCtrl[X_AXIS].m_lNegLimit);
+    m_App.JogPos(X_AXIS);
+    EXPECT_EQ(m_App.GetErrMsg(), "Axis is in Motion");
+    m_App.Stop(X_AXIS);
+    m_App.JogPos(X_AXIS);
+    EXPECT_EQ(m_App.m_AxisCtrl[X_AXIS].m_lTargetPos, m_App.m_AxisCtrl[X_AXIS].m_lPosLimit);
+}
 
 // ---- Z-probe --------------------------------------------------------------------------------------------------------
 

@@ -1,11 +1,34 @@
 #include "motion/PulseLoops.h"
 #include "support/FakeClock.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <new>
 
 // The pulse loops in one thread, on a clock that the test moves.
 
 using Edges = std::vector<CPinLog::stEdge>;
+
+thread_local int g_iAllocations = 0;   // by this thread; other suites count with it
+void* operator new(size_t uSize)
+{
+    ++g_iAllocations;
+    if (void* p = std::malloc(uSize)) return p;
+    throw std::bad_alloc();
+}
+void* operator new(size_t uSize, const std::nothrow_t&) noexcept
+{
+    ++g_iAllocations;
+    return std::malloc(uSize);
+}
+void operator delete(void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete(void* p, size_t) noexcept
+{
+    std::free(p);
+}
 
 // ---- Coordinated moves
 // ------------------------------------------------------------------------------------------------
@@ -65,7 +88,9 @@ TEST_F(CoordinatedLoop, EdgesThatAStallSwallowedFollowOneARound)
 TEST_F(CoordinatedLoop, AxesShareOneTimeAndOneReadingARoundAndGoInTheirOrder)
 {
     std::vector<stAxisTrack> tracks = {Track(2, 2, 300, 700), Track(4, 1, 300, 700), Track(5, 3, 100, 400)};
+    const int iAllocations = g_iAllocations;
     Run(tracks);
+    EXPECT_EQ(iAllocations, g_iAllocations) << "nothing is allocated in a move";
     EXPECT_EQ(m_Pins.edges, (Edges{{100, 2, 1},
                                    {100, 4, 1},
                                    {100, 5, 1},
@@ -81,6 +106,31 @@ TEST_F(CoordinatedLoop, AxesShareOneTimeAndOneReadingARoundAndGoInTheirOrder)
     EXPECT_EQ(20, m_Clock.Readings()) << "one reading a round, up to the end of the last low time at 2'000";
 }
 
+TEST_F(CoordinatedLoop, RampsGoUpAndDownTheSameTableAndTheUpwardCountIsReadAfresh)
+{
+    const double high[] = {10, 20}, low[] = {990, 480};
+    stAxisTrack x = Track(2, 5, 30, 70);
+    m_uAcc = 2;
+    x.uRampDown = 3;
+    x.lDecel = 1;
+    x.pHigh = high;
+    x.pLow = low;
+    CFakeClock clock(1);
+    CPinLog pins(clock);
+    clock.At(1'000, [&] { m_uAcc = 1; });   // the second pulse is then one of constant speed
+    RunMove(std::span(&x, 1), m_bRun, m_bSimulation, clock, pins);
+    EXPECT_EQ(pins.edges, (Edges{{1, 2, 1},
+                                 {10, 2, 0},
+                                 {1'000, 2, 1},
+                                 {1'030, 2, 0},
+                                 {1'100, 2, 1},
+                                 {1'130, 2, 0},
+                                 {1'200, 2, 1},
+                                 {1'220, 2, 0},
+                                 {1'700, 2, 1},
+                                 {1'710, 2, 0}}));
+}
+
 TEST_F(CoordinatedLoop, AStopEndsItWithinOneRoundAndThePositionIsThatOfThePulsesMade)
 {
     m_Clock.At(4'500, [this] { m_bRun = false; });
@@ -89,6 +139,15 @@ TEST_F(CoordinatedLoop, AStopEndsItWithinOneRoundAndThePositionIsThatOfThePulses
     EXPECT_EQ(4'500u, uEnd);
     EXPECT_EQ(5u, m_Pins.edges.size()) << "0, 1000, 2000, 3000, 4000";
     EXPECT_EQ(30, m_lPos[2]) << "counted at the rising edge";
+}
+
+TEST_F(CoordinatedLoop, NothingSelectedAndNoPulsesEndInTheFirstRound)
+{
+    std::vector<stAxisTrack> tracks = {Track(2, 0, 10, 10), Track(3, 5, 10, 10)};
+    tracks[1].bDone = true;
+    Run(tracks);
+    EXPECT_EQ(1, m_Clock.Readings());
+    EXPECT_TRUE(m_Pins.edges.empty());
 }
 
 TEST_F(CoordinatedLoop, SimulationIsSilentAndTakesAsLong)
@@ -201,4 +260,15 @@ TEST_F(SingleAxisLoop, SimulationIsSilentButReadsItsSensors)
     EXPECT_TRUE(m_Pins.edges.empty());
     EXPECT_FALSE(m_bMoving);
     EXPECT_EQ(-70, m_lPos);
+}
+
+TEST_F(SingleAxisLoop, APulseCostsTwoWritesAndNoAllocation)
+{
+    m_Run.uAcc = m_Run.uDec = 3;
+    m_Run.uConst = 10;
+    const int iAllocations = g_iAllocations;
+    Run();
+    EXPECT_EQ(iAllocations, g_iAllocations);
+    EXPECT_EQ(32u, m_Pins.edges.size());
+    EXPECT_EQ(0, m_Pins.iReads) << "no input is read where none is watched";
 }
