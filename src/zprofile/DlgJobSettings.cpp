@@ -12,6 +12,11 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QTimer>
+
+#include <utility>
+
+static constexpr int GRID_POLL_MS = 100;
 
 static const QString FILE_FILTER = QStringLiteral("text files(*.txt)");
 static const QString FILE_TITLE = QStringLiteral("Select a file to Open...");   // of both file dialogs: wanted
@@ -60,7 +65,14 @@ static QString Range(double fLow, double fHigh)
 
 void CdlgJobSettings::ShowGrid()
 {
-    if (Host().Machine().m_eOperation == OP_Z_PROFILE) return;   // the worker writes it
+    if (Host().Machine().isRunning()) {   // it may be writing the grid, for a moment also after a stop
+        if (!std::exchange(m_bGridAwaited, true))
+            QTimer::singleShot(GRID_POLL_MS, this, [this] {
+                m_bGridAwaited = false;
+                ShowGrid();
+            });
+        return;
+    }
     const stZProfileSummary grid = SummarizeZProfile();
     const bool bNone = grid.uNodes == 0;
     const QString strNone = QStringLiteral("-");
@@ -83,7 +95,9 @@ bool CdlgJobSettings::Confirm(const QString& strQuestion)
 void CdlgJobSettings::on_Btn_CreateZProfile_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_CreateZProfile);
-    if (CreateZProfile()) press.StayOn();   // until the measurement ends
+    if (!CreateZProfile()) return;
+    press.StayOn();   // until the measurement ends
+    m_pUi->Lbl_GridRows->setText(QStringLiteral("Measuring..."));
 }
 
 bool CdlgJobSettings::CreateZProfile()

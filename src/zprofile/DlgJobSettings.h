@@ -41,7 +41,8 @@ private:
     bool IsMachineInUse();   // and says so
     bool Confirm(const QString& strQuestion);
     void EnableButtons(bool bEnable);
-    void ShowGrid();
+    void ShowGrid();   // at once, or when the worker has ended
 
     std::unique_ptr<Ui::CdlgJobSettings> m_pUi;
+    bool m_bGridAwaited = false;
 };

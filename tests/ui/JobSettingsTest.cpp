@@ -88,12 +88,12 @@ TEST_F(JobSettings, MeasuresAGrid)
     EXPECT_EQ(machine.m_eOperation, OP_Z_PROFILE);
     for (const char* szName : {"Create", "Save", "Load"}) EXPECT_FALSE(Button(szName).isEnabled());
     EXPECT_EQ(Button("Create").styleSheet(), BTN_BKGND_GREEN);
+    EXPECT_TRUE(Shown().startsWith("Measuring...|"));
     SaveScreen(m_Screen, "job-settings-measuring");
-    machine.StopAll();
-    machine.wait();
-    machine.m_eOperation = OP_NONE;
-    m_Screen.ResetUI();
+    m_Screen.ResetUI();   // the window does so before it clears the operation, and the worker may still be leaving
     EXPECT_TRUE(Button("Create").isEnabled() && Button("Create").styleSheet() == BTN_BKGND_GRAY);
+    machine.StopAll();
+    EXPECT_TRUE(WaitFor([this] { return Shown().startsWith("0|"); }));
 }
 
 TEST_F(JobSettings, AMeasurementIsRefusedOrDeclined)
