@@ -236,3 +236,28 @@ TEST_F(Window_, HomesAtStartUpAndRoundsTheOverride)
     EXPECT_EQ(AppConfig::m_fAxisFeed[X_AXIS], 1.15 * AppConfig::m_fUserAxisFeed[X_AXIS]);
 }
 }   // namespace
+
+TEST_F(Window_, ShowsTheSpindleOfAProgram)
+{
+    Open();
+    QPushButton &cw = Button("Btn_SpindleCWOnOff"), &ccw = Button("Btn_SpindleCCWOnOff");
+    const auto Show = [&](bool bOn, bool bCCW) {
+        AppConfig::m_bSpindleOn = bOn;
+        AppConfig::m_bSpindleDirInGcode = bCCW;
+        AppConfig::m_bSpindleOnOffStatusChangeInGCode = true;
+        Window().OnTimer();
+        EXPECT_FALSE(AppConfig::m_bSpindleOnOffStatusChangeInGCode);
+    };
+    Show(true, true);
+    EXPECT_EQ(ccw.text(), "Spindle\nCCW ON");
+    EXPECT_TRUE(ccw.isEnabled() && !cw.isEnabled());
+    Show(true, false);
+    EXPECT_EQ(cw.text(), "Spindle\nCW ON");
+    EXPECT_TRUE(cw.isEnabled() && !ccw.isEnabled());
+    Show(false, false);
+    EXPECT_EQ(cw.text() + ccw.text(), "Spindle\nCCW OFFSpindle\nCCW OFF");
+    EXPECT_TRUE(cw.isEnabled() && ccw.isEnabled());
+    AppConfig::m_bAutoSpindleOnCW = AppConfig::m_bSpindleOn = AppConfig::m_bSpindleOnOffStatusChangeInGCode = true;
+    Window().OnTimer();
+    EXPECT_EQ(cw.text(), "Spindle\nCCW OFF") << "the automatic spindle is shown by the job's start";
+}
