@@ -7,6 +7,8 @@ packages=(
     cmake ninja-build g++       # the build
     ccache                      # makes a second build quick
     qt6-base-dev                # Core, Concurrent, Gui and their build tools; brings the OpenGL headers that Gui asks for
+    libopencv-core-dev libopencv-imgproc-dev        # outlines of texts and pictures
+    libopencv-imgcodecs-dev libopencv-videoio-dev   # picture files, the camera
     libgtest-dev                # tests
     libbenchmark-dev            # bench/
     clang-format                # the check of the layout

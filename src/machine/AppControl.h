@@ -5,6 +5,7 @@
 #include "config/AppConfig.h"
 #include "gcode/GCodeTokens.h"
 #include "motion/MachineAxes.h"
+#include "shapes/ShapeModel.h"
 
 #include <QMutex>
 #include <QString>
@@ -55,6 +56,8 @@ public:
     void RunZProfile();
     void StartGCode(const GCodeProgram* pProgram);
     void StartExecGCodeLine(const GCodeProgram* pProgram, int iLine);
+    void StartShapeCutting(stShapeCuttingInfo* pInfo);   // owned by the caller, read until the operation has ended
+    void CreateGCodeFromShapes(QString fileName);        // of m_pShapeCuttingInfo; no axis moves
     // Everything stands at once, without a ramp; a paused job is abandoned.
     void StopAll();
 
@@ -115,6 +118,9 @@ public:
     bool ZProfileMove(stFloatPoint start, stFloatPoint& end);
     void CreateZProfile();
 
+    // ---- Shapes; worker ----
+    void CutShapes();
+
     // ---- Program; worker ----
     void RunGCode();
     bool ExecGCodeLine(int iLine);
@@ -123,9 +129,10 @@ public:
 
     CShared<bool> m_bExecSingleLine = false;
     qint32 m_iSingleLineNo = 0;
-    const GCodeProgram* m_pGCodeProgram = nullptr;   // owned by the caller
-    CShared<qint32> m_eOperation = OP_NONE;          // until the interface has taken note of the end
-    CShared<bool> m_bPause = false;                  // moves wait while it is set
+    const GCodeProgram* m_pGCodeProgram = nullptr;       // owned by the caller
+    stShapeCuttingInfo* m_pShapeCuttingInfo = nullptr;   // owned by the caller
+    CShared<qint32> m_eOperation = OP_NONE;              // until the interface has taken note of the end
+    CShared<bool> m_bPause = false;                      // moves wait while it is set
     CShared<bool> m_bOperationFinished = false;
     CShared<bool> m_bStartBtnPressRequest = false;   // M00, M01: draw Start as pressed
     CShared<bool> m_bToolChangePause = false;        // a tool change asks for the pause
