@@ -132,7 +132,8 @@ bool CTextPadOpener::eventFilter(QObject* pObject, QEvent* pEvent)
     if (pObject == m_pEdit && pEvent->type() == QEvent::MouseButtonPress) m_bTouched = true;
     if (pObject != m_pEdit || pEvent->type() != QEvent::MouseButtonRelease || !m_bTouched) return false;
     m_bTouched = false;
-    if (m_pEdit->isReadOnly() || !m_pEdit->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
+    if (!m_pEdit->isEnabled() || m_pEdit->isReadOnly() ||
+        !m_pEdit->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
         return false;
     QTimer::singleShot(0, this, &CTextPadOpener::Open);
     return false;
