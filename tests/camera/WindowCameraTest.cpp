@@ -1,15 +1,17 @@
 #include "camera/FedFrames.h"
 #include "ui/WindowSupport.h"
 
-class ThreadsWindowCamera : public CWindowTest
+class WindowCamera : public CWindowTest
 {
 protected:
-    ThreadsWindowCamera()
+    WindowCamera()
     {
         CFrameSource::ReplaceCamera([this] { return std::make_unique<CFedFrames>(m_pFeed); });
     }
-    ~ThreadsWindowCamera() override
+    ~WindowCamera() override
     {
+        TouchButton("Btn_SelectToolPaths");
+        QCoreApplication::processEvents();   // what the camera has posted
         Close();
         CFrameSource::ReplaceCamera(nullptr);
     }
@@ -31,7 +33,7 @@ protected:
     std::shared_ptr<stFeed> m_pFeed = std::make_shared<stFeed>();
 };
 
-TEST_F(ThreadsWindowCamera, TakesThePictureAreaUntilItIsPulledOut)
+TEST_F(WindowCamera, TakesThePictureAreaUntilItIsPulledOut)
 {
     m_pFeed->bOpens = false;
     Open();
@@ -66,7 +68,7 @@ TEST_F(ThreadsWindowCamera, TakesThePictureAreaUntilItIsPulledOut)
     EXPECT_TRUE(IsGreen("Btn_SelectToolPaths") && !IsGreen("Btn_SelectCamera"));
 }
 
-TEST_F(ThreadsWindowCamera, IsRecordedToAFileThatStaysToBeClosedWhenItIsLost)
+TEST_F(WindowCamera, IsRecordedToAFileThatStaysToBeClosedWhenItIsLost)
 {
     m_pFeed->iFrames = 1 << 30;
     Open();
