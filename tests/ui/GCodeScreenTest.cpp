@@ -277,10 +277,7 @@ TEST_F(GCodeScreen, ADeletedLineMovesTheRowsInViewUp)
 }
 
 // A worker that runs through lines must not flood the screen with them.
-class ThreadsGCodeScreen : public GCodeScreen
-{
-};
-TEST_F(ThreadsGCodeScreen, LinesThatRunFasterThanTheScreenAreShownAsOne)
+TEST_F(GCodeScreen, LinesThatRunFasterThanTheScreenAreShownAsOne)
 {
     struct stCounter : QObject
     {
