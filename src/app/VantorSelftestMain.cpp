@@ -87,9 +87,8 @@ bool ReadNumber(const QCommandLineParser& parser, const char* szName, double fLe
     return true;
 }
 
-bool ReadCall(const QStringList& arguments, stCall& call, int& iExit)
+void Describe(QCommandLineParser& parser)
 {
-    QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Makes step pulses with nothing connected, and tells how late their edges are and which step rate is safe.\n"
         "Exit status: 0 fit for a machine, 1 not fit or not confirmed, 2 usage or files."));
@@ -101,17 +100,30 @@ bool ReadCall(const QStringList& arguments, stCall& call, int& iExit)
          {QStringLiteral("drive-pulse"),
           QStringLiteral("the shortest pulse that the drives are sure to see, in microseconds (1)"),
           QStringLiteral("US")},
-         {QStringLiteral("yes"), QStringLiteral("drives real pins without asking")}});
-    const auto help = parser.addHelpOption();
-    const bool bUnderstood = parser.parse(arguments) && parser.positionalArguments().isEmpty();
-    iExit = bUnderstood ? 0 : EXIT_USAGE;
-    if (!bUnderstood || parser.isSet(help)) {
-        std::fputs(qPrintable(parser.helpText()), bUnderstood ? stdout : stderr);
+         {QStringLiteral("yes"), QStringLiteral("drives real pins without asking")},
+         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("prints this, and ends")}});
+}
+
+// False: the program ends with iExit.
+bool ReadCall(const QStringList& arguments, stCall& call, int& iExit)
+{
+    QCommandLineParser parser;
+    Describe(parser);
+    iExit = EXIT_USAGE;
+    QString strWhy = parser.parse(arguments) ? QString() : parser.errorText();
+    if (strWhy.isEmpty() && !parser.positionalArguments().isEmpty())
+        strWhy = QStringLiteral("What is %1?").arg(parser.positionalArguments().constFirst());
+    if (!strWhy.isEmpty()) {
+        std::fprintf(stderr, "vantor-selftest: %s\nTry vantor-selftest --help.\n", qPrintable(strWhy));
+        return false;
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        std::fputs(qPrintable(parser.helpText()), stdout);
+        iExit = EXIT_FIT;
         return false;
     }
     call.bYes = parser.isSet(QStringLiteral("yes"));
     double fPulseUs = call.fDrivePulse * 1e6;
-    iExit = EXIT_USAGE;
     // The pulses of ten minutes at the highest rate still fit in 32 bits.
     if (!ReadNumber(parser, "seconds", 0.01, 600, call.fSeconds) ||
         !ReadNumber(parser, "rate", 100, MAX_GPIO_FREQUENCY, call.fRate) ||
