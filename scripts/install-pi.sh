@@ -266,11 +266,11 @@ find_builder() {
 }
 step_build() {
     begin "A release build for this processor, in $build"
-    local jobs gigabytes
-    # A compiler takes up to a gigabyte: four at once would drown a small Pi.
+    local jobs fitting
+    # A compiler takes up to 0.7 GB: four at once would drown a small Pi.
     jobs=$(nproc)
-    gigabytes=$(awk '/^MemTotal:/ { print int($2 / 1000000) }' /proc/meminfo)
-    if [ -n "$root" ]; then jobs=4; elif [ "$gigabytes" -lt "$jobs" ]; then jobs=$((gigabytes > 0 ? gigabytes : 1)); fi
+    fitting=$(awk '/^MemTotal:/ { print int($2 / 700000) }' /proc/meminfo)
+    if [ -n "$root" ]; then jobs=4; elif [ "$fitting" -lt "$jobs" ]; then jobs=$((fitting > 0 ? fitting : 1)); fi
     find_builder
     run "${as_builder[@]}" cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_CXX_FLAGS=-mcpu=native -DVANTOR_PINS=real -DBUILD_TESTING=OFF -DVANTOR_BENCH=OFF

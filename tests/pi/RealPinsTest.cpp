@@ -37,7 +37,7 @@ protected:
         QFile::remove(m_strRecord);
         return strText;
     }
-    void Start(QProcess& process, const char* szProgram)
+    void Start(QProcess& process, const char* szProgram, const QStringList& arguments = {})
     {
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("PIN_RECORD"), m_Folder.filePath(QStringLiteral("record")));
@@ -45,7 +45,7 @@ protected:
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(QString::fromLatin1(szProgram), QStringList());
+        process.start(QString::fromLatin1(szProgram), arguments);
     }
     static inline QString m_strRecord;
     QTemporaryDir m_Folder;
@@ -114,4 +114,38 @@ TEST_F(RealPins, AWindowBuiltWithoutTheLibrariesSaysThatNoMachineWillMove)
     EXPECT_TRUE(said.contains("pins are virtual, no machine will move")) << said.constData();
     vantor.terminate();
     ASSERT_TRUE(vantor.waitForFinished(60'000));
+}
+
+TEST_F(RealPins, TheSelfTestTouchesThemOnlyWhenItMay)
+{
+    const QString strRecord = m_Folder.filePath(QStringLiteral("record"));
+    const QStringList call = {QStringLiteral("--seconds"), QStringLiteral("0.05"), QStringLiteral("--rate"),
+                              QStringLiteral("200")};
+    QProcess refused;
+    Start(refused, SELFTEST_ON_PINS, call);
+    refused.write("no\n");
+    refused.closeWriteChannel();
+    ASSERT_TRUE(refused.waitForFinished(60'000));
+    EXPECT_EQ(refused.exitCode(), 1);
+    EXPECT_TRUE(refused.readAll().contains("no pin was touched"));
+    EXPECT_FALSE(QFile::exists(strRecord));
+
+    for (const bool bAsked : {true, false}) {
+        QProcess allowed;
+        Start(allowed, SELFTEST_ON_PINS, bAsked ? call : call + QStringList(QStringLiteral("--yes")));
+        if (bAsked) allowed.write("yes\n");
+        allowed.closeWriteChannel();
+        ASSERT_TRUE(allowed.waitForFinished(60'000));
+        const QByteArray said = allowed.readAll();
+        EXPECT_EQ(said.contains("Type yes"), bAsked);
+        EXPECT_TRUE(said.contains("Edges                   60 of 60\n")) << said.constData();
+        EXPECT_FALSE(said.contains("virtual")) << said.constData();
+        // 40 pulses to warm up and 10 that count on each pin, and low at the beginning and at the end.
+        const QString strCalls = Read(strRecord);
+        for (const char* szPin : {"2", "4", "27"}) {
+            EXPECT_EQ(strCalls.count(QStringLiteral("digitalWrite %1 1\n").arg(szPin)), 50);
+            EXPECT_EQ(strCalls.count(QStringLiteral("digitalWrite %1 0\n").arg(szPin)), 52);
+        }
+        QFile::remove(strRecord);
+    }
 }

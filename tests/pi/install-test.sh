@@ -77,7 +77,10 @@ case_keep_what_is_not_ours() {
     make_pi
     echo theirs >"$pi/etc/systemd/system/vantor-governor.service"
     sed -i 's/quiet/isolcpus=1,3 quiet/' "$boot"
+    mkdir -p "$pi/home/vantor/VANTOR" # root's, and of use to nobody so
+    if [ "$(id -u)" -eq 0 ]; then chown 1000:1000 "$pi/home/vantor"; fi
     run
+    if [ "$(id -u)" -eq 0 ] && [ "$(stat -c %u "$pi/home/vantor/VANTOR")" != 1000 ]; then fail "the folder is still root's"; fi
     grep -q 'isolcpus=1,3 quiet nohz_full=3 rcu_nocbs=3$' "$boot" || fail "boot line: $(<"$boot")"
     echo settings >"$pi/home/vantor/VANTOR/VANTOR.dat"
     sed -i 's/quiet/splash/' "$boot"
@@ -85,6 +88,7 @@ case_keep_what_is_not_ours() {
     [ "$(<"$pi/etc/systemd/system/vantor-governor.service")" = theirs ] || fail "their service is lost"
     [ "$(<"$pi/home/vantor/VANTOR/VANTOR.dat")" = settings ] || fail "the settings are lost"
     [ "$(<"$boot")" = 'console=tty1 root=PARTUUID=1c-02  rootwait isolcpus=1,3 splash' ] || fail "boot line: $(<"$boot")"
+    [ "$(stat -c %u "$pi/home/vantor/VANTOR")" = "$(id -u)" ] || fail "the folder was not given back"
     if [ -e "$pi/home/vantor/vantor_log" ] || [ -e "$pi/opt" ]; then fail "something is left"; fi
 }
 
@@ -101,6 +105,9 @@ refused() { # TEXT
 case_refuse() {
     make_pi
     user=root refused '--user NAME'
+    mkdir "$pi/home/vantor"
+    if [ "$(id -u)" -eq 0 ]; then refused '/home/vantor, where the machine'; fi
+    rmdir "$pi/home/vantor"
     user=nobody-here refused 'there is no user nobody-here'
     rm "$pi"/usr/lib/aarch64-linux-gnu/libwiringPi.so
     refused 'sources: libwiringPi.'
