@@ -1,6 +1,7 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "machine/AppControl.h"
+#include "shapes/DlgShapeSource.h"
 #include "shapes/DlgShapes.h"
 #include "shapes/WorkAreaFile.h"
 #include "ui/PressedBtn.h"
@@ -89,4 +90,23 @@ void CDlgShapes::on_Btn_GenerateGCode_clicked()
     machine.m_pShapeCuttingInfo = &m_stCuttingInfo;
     machine.CreateGCodeFromShapes(strPath);
     Host().AddLogMsg(QStringLiteral("G-Code File Generated"), MSG_INFO);   // wanted: whatever came of it
+}
+
+// ---- Background -----------------------------------------------------------------------------------------------------
+
+void CDlgShapes::ToggleBackground(QPushButton* pButton)
+{
+    if (m_pBackground) {
+        pButton->setStyleSheet(BTN_BKGND_GRAY);
+        DropBackground();
+        return ShowPicture();
+    }
+    pButton->setStyleSheet(BTN_BKGND_GREEN);
+    const QString strPath =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Select a file to Open..."), CPaths::Map(HOME_FOLDER),
+                                     PICTURE_FILTER, nullptr, QFileDialog::DontUseNativeDialog);
+    if (!strPath.isEmpty()) m_pBackground = LoadGuide(Host(), strPath);
+    if (!m_pBackground) pButton->setStyleSheet(BTN_BKGND_GRAY);
+    m_Picture.Forget();
+    ShowPicture();
 }

@@ -180,7 +180,7 @@ void CDlgShapes::on_Btn_DrawContour_clicked()
     const QPointer<CDlgShapeFreeDraw> pDialog(new CDlgShapeFreeDraw(*this));   // the screen's, should it go first
     pDialog->ConfigSettings();
     if (!RunDialog(*pDialog)) return;
-    delete pDialog;
+    delete pDialog.data();
     AdoptNewShapes();
 }
 
@@ -191,7 +191,7 @@ void CDlgShapes::on_Btn_ShapeFromTxt_clicked()
     const QPointer<CDlgShapeFromTxt> pDialog(new CDlgShapeFromTxt(*this));
     pDialog->ConfigSettings();
     if (!RunDialog(*pDialog)) return;
-    delete pDialog;
+    delete pDialog.data();
     Host().GrabKeyboard(true);
     AdoptNewShapes();
 }
