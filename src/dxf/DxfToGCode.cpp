@@ -98,12 +98,6 @@ private:
 };
 }   // namespace
 
-static int Refuse(const char* szWhy, const std::string& strName = {})
-{
-    std::cerr << szWhy << strName << "\n";
-    return 1;
-}
-
 // The lower left corner. An arc counts with its whole circle, which may shift the drawing further than it needs:
 // wanted.
 static Point LowestOf(const std::vector<RawSeg>& lstSegs)
@@ -122,23 +116,34 @@ static Point LowestOf(const std::vector<RawSeg>& lstSegs)
     return lowest;
 }
 
+std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput, size_t& uPaths)
+{
+    if (!(settings.fToolDia > 0.0 && settings.fStepDown > 0.0 && settings.fTotalDepth > 0.0 && settings.fFeed > 0.0) ||
+        PassesOf(settings.fStepDown, settings.fTotalDepth) == 0)
+        return "Invalid numeric parameters.";
+    std::ifstream input(settings.strDxfFile);
+    if (!input) return "Cannot open input DXF: " + settings.strDxfFile;
+    DXFReader reader(input);
+    const std::vector<RawSeg> lstSegs = parse_entities(reader);
+    if (lstSegs.empty()) return "No supported entities (LINE/LWPOLYLINE/ARC) found.";
+    const std::vector<Path> lstPaths = group_paths(lstSegs, JOIN_TOLERANCE);
+    uPaths = lstPaths.size();
+
+    CWholeFile output(strOutput);
+    if (!output.Stream()) return "Cannot open output file: " + strOutput;
+    EmitProgram(output.Stream(), lstPaths, settings, LowestOf(lstSegs));
+    if (!output.Finish()) return "Cannot write output file: " + strOutput;
+    return {};
+}
+
 int CreateGcodeFromDxf(stDXF2GCode settings)
 {
     const std::string strOutput = DxfOutputName(settings.strDxfFile);
-    if (!(settings.fToolDia > 0.0 && settings.fStepDown > 0.0 && settings.fTotalDepth > 0.0 && settings.fFeed > 0.0) ||
-        PassesOf(settings.fStepDown, settings.fTotalDepth) == 0)
-        return Refuse("Invalid numeric parameters.");
-    std::ifstream input(settings.strDxfFile);
-    if (!input) return Refuse("Cannot open input DXF: ", settings.strDxfFile);
-    DXFReader reader(input);
-    const std::vector<RawSeg> lstSegs = parse_entities(reader);
-    if (lstSegs.empty()) return Refuse("No supported entities (LINE/LWPOLYLINE/ARC) found.");
-    const std::vector<Path> lstPaths = group_paths(lstSegs, JOIN_TOLERANCE);
-
-    CWholeFile output(strOutput);
-    if (!output.Stream()) return Refuse("Cannot open output file: ", strOutput);
-    EmitProgram(output.Stream(), lstPaths, settings, LowestOf(lstSegs));
-    if (!output.Finish()) return Refuse("Cannot write output file: ", strOutput);
-    std::cerr << "Converted " << lstPaths.size() << " path(s). Output: " << strOutput << "\n";
-    return 0;
+    size_t uPaths = 0;
+    const std::string strWhyNot = ConvertDxf(settings, strOutput, uPaths);
+    if (strWhyNot.empty())
+        std::cerr << "Converted " << uPaths << " path(s). Output: " << strOutput << "\n";
+    else
+        std::cerr << strWhyNot << "\n";
+    return strWhyNot.empty() ? 0 : 1;
 }

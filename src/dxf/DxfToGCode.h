@@ -21,8 +21,10 @@ struct stDXF2GCode
 // "part.dxf" gives "part..ncc": the dot of the ending stays. Without a dot ".ncc" alone is left.
 std::string DxfOutputName(const std::string& strDxfFile);
 
-// Writes the program beside the drawing; under that name it is complete or not there. 0: done; 1: refused, with the
-// reason on the standard error stream. Throws what parse_entities throws. Any thread.
+// Writes the program to a file, which is complete or, if it is not there before, not there. Empty, or why not. Throws
+// what parse_entities throws. Any thread.
+std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput, size_t& uPaths);
+// The same beside the drawing, told on the standard error stream. 0: done; 1: refused.
 int CreateGcodeFromDxf(stDXF2GCode settings);
 
 // The number of passes; 0 where it is none that can be counted.
