@@ -207,6 +207,8 @@ void AppControl::RunOperation(eOperation eCode)
         {OP_MCH_HOME, false, false, false, &AppControl::MoveMchHomeAll},
         {OP_WORK_HOME, true, false, false, &AppControl::GoToWorkZero},
         {OP_GCODE, true, true, true, &AppControl::RunProgram},
+        // From where the tool is: the first shape lifts it anyway.
+        {OP_SHAPES, true, false, true, &AppControl::CutShapes},
     };
     const auto work = std::find_if(std::begin(lstWork), std::end(lstWork),
                                    [eCode](const stWork& entry) { return entry.eCode == eCode; });

@@ -83,6 +83,7 @@ public:
     bool MoveAxisHome(eAxis axis, bool bWait);
     bool MoveWorkZero(eAxis axis, bool bWait);
     void MoveZSafePos();
+    static double SafeHeight();   // of Z, mm in work coordinates
     bool MoveAbs(eAxis axis, double fPos);
     bool MoveRel(eAxis axis, double fDist);
     void JogPos(eAxis axis);
@@ -108,7 +109,8 @@ public:
     bool GetPosToMov(unsigned int uLine, stFloatPoint& pos);
     void ToMchCoord(stFloatPoint& pos) const;
     void GetAllAxisCurPos(stFloatPoint& pos) const;
-    void ResetAccVel();
+    virtual void ResetAccVel();
+    virtual void SetVelocityAcc(eAxis axis, double fVel, double fAcc);
     bool WaitForMotionFinish(const signed char* pSelection);
 
     // ---- Arcs and surface; worker ----
@@ -191,7 +193,6 @@ private:
     bool StartHoming(const signed char* pAxes);
     void SetHomeOf(const signed char* pAxes);   // the marked axes are at their home
     void ClearHomeOf(const signed char* pAxes);
-    static double SafeHeight();
     bool PushRefusal(eAxis axis, bool bAccepted);
     bool WaitForAxis(eAxis axis);
     bool FindHomeSensors();
@@ -201,6 +202,7 @@ private:
 
     // Program, worker.
     friend class CGCodeLineExec;
+    class CShapeCutter;
     // Holds the worker while the pause is set. False: the job was stopped meanwhile.
     bool WaitWhilePaused();
     // The words of a line that a move takes: coordinates, F, S. REFUSED: told, and the run ends before the line moves.

@@ -213,3 +213,9 @@ void AppControl::ResetAccVel()
     for (int axis = 0; axis < AxesInUse(); ++axis)
         m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
 }
+
+// A refused table marks its axis, as in planning.
+void AppControl::SetVelocityAcc(eAxis axis, double fVel, double fAcc)
+{
+    m_AxisCtrl[axis].SetVelocityAcc(fVel, fAcc);
+}

@@ -18,8 +18,7 @@ void TurnShape(ShapePath& path, double fAngle, const stFloatPoint& centre);
 void ScaleShape(ShapePath& path, double fFactor);
 // The middle of the extent in x and y; of an empty path (0, 0).
 stFloatPoint MiddleOf(const ShapePath& path);
-// The middle of all polygons together, as the text screen turns them: the extent starts from the first vertex of the
-// first and of the last one.
+// The middle of all shapes together, which the text screen turns about.
 stFloatPoint MiddleOf(std::span<const stEngShape> shapes);
 // The polygon offset along the axes by half the end mill, side "G41" or any other.
 ShapePath ApplyToolOffset(ShapePath path, const QString& strSide, double fEndMillDia);

@@ -23,28 +23,27 @@ TEST_P(BadCall, EndsWithStatusTwoAndSaysWhy)
     EXPECT_TRUE(result.strErr.contains(QLatin1String(GetParam().szWhy))) << result.strErr;
     EXPECT_TRUE(result.strOut.isEmpty()) << result.strOut;
 }
-INSTANTIATE_TEST_SUITE_P(All, BadCall,
-                         testing::Values(stBadCall{"", "no job"}, stBadCall{"--bogus", "unknown option --bogus"},
-                                         stBadCall{"job.ngc other.ngc", "one job at a time"},
-                                         stBadCall{"missing.ngc", "missing.ngc: No such file"},
-                                         stBadCall{".", ".: is a folder"},
-                                         stBadCall{"empty.ngc --check", "empty.ngc: is empty"},
-                                         stBadCall{"job.ngc --start-line 0", "--start-line"},
-                                         stBadCall{"job.ngc --check=1", "takes no value"},
-                                         stBadCall{"job.ngc --max-time 0", "--max-time"},
-                                         stBadCall{"job.ngc --tool-change-time -1", "--tool-change-time"},
-                                         stBadCall{"job.ngc --input 5=1@2", "--input"},
-                                         stBadCall{"job.ngc --set m_fNothing=1", "--set m_fNothing=1: "},
-                                         stBadCall{"job.ngc --set m_fAxisAcc[0]=fast", "--set"},
-                                         stBadCall{"job.ngc --config missing.dat", "missing.dat"},
-                                         stBadCall{"job.ngc --z-profile prof.txt", "prof.txt"},
-                                         stBadCall{"job.ngc --surface missing.txt", "missing.txt"},
-                                         stBadCall{"job.ngc --surface prof.txt", "prof.txt: is not a profile"},
-                                         stBadCall{"job.ngc --z-profile a --make-z-profile b", "exclude each other"},
-                                         stBadCall{"job.ngc --moves nowhere/m.csv", "nowhere/m.csv"},
-                                         stBadCall{"job.ngc --picture job.ngc", "would be overwritten"},
-                                         stBadCall{"job.ngc --edges x --moves x", "two results"},
-                                         stBadCall{"job.ngc --data-dir job.ngc/x", "job.ngc/x"}));
+INSTANTIATE_TEST_SUITE_P(
+    All, BadCall,
+    testing::Values(
+        stBadCall{"", "no job"}, stBadCall{"--bogus", "unknown option --bogus"},
+        stBadCall{"job.ngc other.ngc", "one job at a time"}, stBadCall{"missing.ngc", "missing.ngc: No such file"},
+        stBadCall{".", ".: is a folder"}, stBadCall{"empty.ngc --check", "empty.ngc: is empty"},
+        stBadCall{"job.ngc --start-line 0", "--start-line"}, stBadCall{"job.ngc --check=1", "takes no value"},
+        stBadCall{"job.ngc --max-time 0", "--max-time"},
+        stBadCall{"job.ngc --tool-change-time -1", "--tool-change-time"}, stBadCall{"job.ngc --input 5=1@2", "--input"},
+        stBadCall{"job.ngc --set m_fNothing=1", "--set m_fNothing=1: "},
+        stBadCall{"job.ngc --set m_fAxisAcc[0]=fast", "--set"},
+        stBadCall{"job.ngc --config missing.dat", "missing.dat"}, stBadCall{"job.ngc --z-profile prof.txt", "prof.txt"},
+        stBadCall{"job.ngc --surface missing.txt", "missing.txt"},
+        stBadCall{"job.ngc --surface prof.txt", "prof.txt: is not a profile"},
+        stBadCall{"job.ngc --z-profile a --make-z-profile b", "exclude each other"},
+        stBadCall{"job.ngc --moves nowhere/m.csv", "nowhere/m.csv"},
+        stBadCall{"job.ngc --picture job.ngc", "would be overwritten"},
+        stBadCall{"job.ngc --to-gcode out.ngc", "is a program already"},
+        stBadCall{"job.ngc --job fZStep=1", "no fields"}, stBadCall{"--homing --to-gcode out.ngc", "no job"},
+        stBadCall{"job.ngc --edges x --moves x", "two results"},
+        stBadCall{"job.ngc --data-dir job.ngc/x", "job.ngc/x"}));
 
 TEST_F(RunnerTest, HelpTellsOfEveryOption)
 {
@@ -52,7 +51,8 @@ TEST_F(RunnerTest, HelpTellsOfEveryOption)
     EXPECT_EQ(help.iExit, 0);
     for (const QString& strOption :
          Words("--check --real-time --start-line --data-dir --config --set --list-settings --homing --simulation "
-               "--z-profile --make-z-profile --probe-z0 --surface --tool-change-time --input --max-time --moves "
+               "--z-profile --make-z-profile --probe-z0 --job --to-gcode --surface --tool-change-time --input "
+               "--max-time --moves "
                "--edges --picture --summary --quiet --version --help status"))
         EXPECT_TRUE(help.strOut.contains(strOption)) << strOption;
     EXPECT_EQ(Call({"--version"}).strOut, QStringLiteral("vantor-run Ver4.0\n"));

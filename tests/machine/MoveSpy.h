@@ -54,7 +54,7 @@ private:
 };
 
 // A three-axis machine on virtual time, its auto mode running, the operation that of a program.
-class CMoveTest : public CCleanMachine
+template <class Spy> class CMachineTest : public CCleanMachine
 {
 protected:
     // Settings are made before.
@@ -80,5 +80,6 @@ protected:
 
     CVirtualTime m_Time;
     GCodeProgram m_Program;
-    CMoveSpy m_App;
+    Spy m_App;
 };
+using CMoveTest = CMachineTest<CMoveSpy>;

@@ -81,6 +81,11 @@ const std::map<QString, Setter>& Setters()
                                                   MEMBER(m_bHomeSensorsUsed),
                                                   MEMBER(m_fAxisMovPerPulse),
                                                   MEMBER(m_fUserAxisFeed),
+                                                  MEMBER(m_fEndMillDia),
+                                                  MEMBER(m_fAxisAcc),
+                                                  MEMBER(m_fPlungeFeed),
+                                                  MEMBER(m_fAxisPosDirLimit),
+                                                  MEMBER(m_fZSafePos),
                                                   MEMBER(m_fAxisWorkZero),
                                                   MEMBER(m_eSelUnits),
                                                   MEMBER(m_eAxisFeedtype),
@@ -92,12 +97,18 @@ const std::map<QString, Setter>& Setters()
     return map;
 }
 
+}   // namespace
+
 void ExpectNear(const QJsonValue& expected, const QJsonValue& actual, double fTolerance, const std::string& strWhere)
 {
     if (expected.isArray()) {
         const QJsonArray e = expected.toArray(), a = actual.toArray();
         ASSERT_EQ(e.size(), a.size()) << strWhere;
         for (int n = 0; n < e.size(); ++n) ExpectNear(e[n], a[n], fTolerance, strWhere);
+    } else if (expected.isObject()) {
+        const QJsonObject e = expected.toObject();
+        for (auto it = e.begin(); it != e.end(); ++it)
+            ExpectNear(it.value(), actual[it.key()], fTolerance, strWhere + " " + it.key().toStdString());
     } else if (expected.isDouble()) {
         EXPECT_NEAR(expected.toDouble(), actual.toDouble(), fTolerance * std::max(1.0, std::abs(expected.toDouble())))
             << strWhere;
@@ -105,7 +116,6 @@ void ExpectNear(const QJsonValue& expected, const QJsonValue& actual, double fTo
         EXPECT_EQ(expected, actual) << strWhere;
     }
 }
-}   // namespace
 
 void ApplyConfig(const QJsonObject& cfg)
 {

@@ -31,5 +31,8 @@ void ApplyConfig(const QJsonObject& cfg);
 void ExpectList(const QJsonObject& expected, size_t uCount, const std::function<QJsonValue(size_t)>& fnItem,
                 const std::function<std::string(size_t)>& fnHashLine, double fTolerance, const char* szWhat);
 
+// Numbers within fTolerance, relative from 1 on; anything else exactly. Of an object the members expected.
+void ExpectNear(const QJsonValue& expected, const QJsonValue& actual, double fTolerance, const std::string& strWhere);
+
 QJsonArray PointArray(const struct stFloatPoint& pos, int iAxes = 3);
 struct stFloatPoint PointFrom(const QJsonArray& values);

@@ -111,6 +111,7 @@ void CMoveRecording::Count(const stMove& move)
     for (int axis = 0; axis < MAX_AXES; ++axis)
         if (!IsOf(move, static_cast<size_t>(axis))) AxisOf(to, axis) = AxisOf(from, axis);
     (move.bRapid ? figures.fRapidPath : figures.fFeedPath) += std::hypot(to.x - from.x, to.y - from.y, to.z - from.z);
+    if (m_fnOnMove) m_fnOnMove(from, to);
     if (m_bKeepPath) m_Path.AddMove(from, to, move.bRapid);
 }
 

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <deque>
+#include <functional>
 #include <mutex>
 
 // Figures of all moves of the part of a run that is counted.
@@ -32,6 +33,8 @@ public:
     void SetRapid(bool bRapid) { m_bRapid = bRapid; }
     // Figures and path begin anew here; the rows go on.
     void BeginCounting();
+    // Each straight move as made, mm, with the recording's lock held.
+    std::function<void(const stFloatPoint& from, const stFloatPoint& to)> m_fnOnMove;
     void KeepPath(bool bKeep) { m_bKeepPath = bKeep; }
 
     void OnAxisMove(int iAxis) override;

@@ -1,5 +1,6 @@
 #include "app/run/Options.h"
 
+#include "app/run/JobKind.h"
 #include "common/MachineTypes.h"
 
 #include <cmath>
@@ -95,6 +96,12 @@ bool AddInput(stRunOptions& options, const QString& strValue, QString& strWhy)
     return true;
 }
 
+bool AddJobField(stRunOptions& options, const QString& strValue, QString&)
+{
+    options.lstJobFields += strValue;   // which there are, the kind of job knows
+    return true;
+}
+
 bool AddSetting(stRunOptions& options, const QString& strValue, QString&)
 {
     options.lstSettings += strValue;   // read when the configuration has been loaded
@@ -105,7 +112,8 @@ const std::vector<stOption>& Table()
 {
     using O = stRunOptions;
     static const std::vector<stOption> table = {
-        {"--check", nullptr, "compiles only: each error on a line of its own, FILE:LINE: TEXT", Flag(&O::bCheck)},
+        {"--check", nullptr, "reads and compiles only: each error on a line of its own, FILE:LINE: TEXT",
+         Flag(&O::bCheck)},
         {"--real-time", nullptr, "on the real clock, with the real threads, instead of a dry run", Flag(&O::bRealTime)},
         {"--start-line", "N", "begins at line N of the program; the first is 1", SetStartLine},
         {"--data-dir", "DIR",
@@ -117,6 +125,9 @@ const std::vector<stOption>& Table()
          "a setting for this run, such as m_fAxisAcc[0]=300; without an index an array\n"
          "takes the value in all elements. May be repeated",
          AddSetting},
+        {"--job", "NAME=VALUE", "a field of the job itself, for jobs that are no programs. May be repeated",
+         AddJobField},
+        {"--to-gcode", "FILE", "writes the job as a G-code program instead of running it", Text(&O::strToGCode)},
         {"--list-settings", nullptr, "prints all settings with their values, and ends", Flag(&O::bListSettings)},
         {"--homing", nullptr, "homes the machine first; sensors at 0 of the machine's coordinates", Flag(&O::bHoming)},
         {"--simulation", nullptr, "simulation mode: outputs silent, M words skipped", Flag(&O::bSimulation)},
@@ -189,9 +200,12 @@ bool CheckTogether(const stRunOptions& options, QString& strWhy)
     if (options.bHelp || options.bVersion || options.bListSettings) return true;
     const bool bWithoutJob =
         !options.bCheck && (options.bHoming || options.bProbeZ0 || !options.strMakeZProfile.isEmpty());
-    if (options.strJob.isEmpty() && !bWithoutJob) strWhy = QStringLiteral("no job is given");
+    const bool bOfJob = !options.strToGCode.isEmpty() || !options.lstJobFields.isEmpty();
+    if (options.strJob.isEmpty() && (!bWithoutJob || bOfJob)) strWhy = QStringLiteral("no job is given");
     if (!options.strZProfile.isEmpty() && !options.strMakeZProfile.isEmpty())
         strWhy = QStringLiteral("--z-profile and --make-z-profile exclude each other");
+    if (!options.strToGCode.isEmpty() && options.bCheck)
+        strWhy = QStringLiteral("--check and --to-gcode exclude each other");
     return strWhy.isEmpty();
 }
 }   // namespace
@@ -221,11 +235,10 @@ QString COptions::Help()
     QString strHelp = QStringLiteral(
         "Usage: vantor-run JOB [OPTIONS]\n"
         "\n"
-        "Runs a G-code program without a display, on a virtual machine: a dry run, exact and as fast\n"
-        "as the computer allows. JOB is a program file; \"-\" is standard input. It may be left out with\n"
-        "--homing, --probe-z0 and --make-z-profile.\n"
-        "\n"
-        "Options:\n");
+        "Runs a job without a display, on a virtual machine: a dry run, exact and as fast as the computer\n"
+        "allows. JOB may be left out with --homing, --probe-z0 and --make-z-profile. Its ending tells what\n"
+        "it is:\n");
+    strHelp += JobKindsHelp() + QStringLiteral("\nOptions:\n");
     for (const stOption& option : Table()) {
         QString strName = QStringLiteral("  ") + QLatin1String(option.szName);
         if (option.szValue) strName += QLatin1Char(' ') + QLatin1String(option.szValue);

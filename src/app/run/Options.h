@@ -38,8 +38,9 @@ struct stRunOptions
     bool bListSettings = false, bHelp = false, bVersion = false;
     int iStartLine = 1;   // 1-based
     QString strDataDir, strConfig, strZProfile, strMakeZProfile, strMoves, strEdges, strPicture, strSummary;
-    QString strSurface;   // a file, or a height in mm
-    QStringList lstSettings;
+    QString strToGCode;                      // the job's program instead of a run
+    QString strSurface;                      // a file, or a height in mm
+    QStringList lstSettings, lstJobFields;   // NAME=VALUE
     std::vector<stTimedInput> lstInputs;
     double fToolChangeTime = 0.0, fMaxTime = 0.0;   // s of the machine
 };

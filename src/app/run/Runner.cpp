@@ -5,7 +5,6 @@
 #include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "config/SettingsTable.h"
-#include "gcode/GCodeStore.h"
 #include "hardware/VantorGpio.h"
 #include "platform/Computer.h"
 #include "zprofile/ZProfileFile.h"
@@ -64,14 +63,19 @@ eExit CRunner::Run()
         m_pScreen->Say(QStringLiteral("interrupted"));
         return EXIT_INTERRUPTED;
     }
-    const size_t uWrong = PrintCompileErrors();
-    if (m_Options.bCheck) return uWrong == 0 ? EXIT_DONE : EXIT_WRONG;
+    const size_t uWrong = PrintErrors();
+    if (m_Options.bCheck) {
+        if (uWrong == 0 && m_pJob->HasGCode())
+            PrintUnlessQuiet(QStringLiteral("%1: %2\n").arg(m_Options.strJob, m_pJob->Size()));
+        return uWrong == 0 ? EXIT_DONE : EXIT_WRONG;
+    }
     if (uWrong > 0) {
-        m_pScreen->Say(QStringLiteral("%1: %2 with errors, not run")
+        m_pScreen->Say(QStringLiteral("%1: %2, not run")
                            .arg(m_Options.strJob,
-                                uWrong == 1 ? QStringLiteral("1 line") : QStringLiteral("%1 lines").arg(uWrong)));
+                                uWrong == 1 ? QStringLiteral("1 error") : QStringLiteral("%1 errors").arg(uWrong)));
         return EXIT_WRONG;
     }
+    if (!m_Options.strToGCode.isEmpty()) return WriteGCode();
     if (!SetUpMachine()) return m_eFailed;
     RunOperations();
     return Finish();
@@ -84,17 +88,35 @@ bool CRunner::Fail(const QString& strWhy)
     return false;
 }
 
-size_t CRunner::PrintCompileErrors() const
+size_t CRunner::PrintErrors() const
 {
-    for (const auto& [uLine, strText] : CGCodeStore::m_CompilationErrors)
-        std::fputs(QStringLiteral("%1:%2: %3\n")
-                       .arg(m_Options.strJob)
-                       .arg(uLine + 1)
-                       .arg(CHeadlessScreen::OneLine(QString::fromLatin1(strText)))
+    if (!m_pJob) return 0;
+    const std::vector<stJobError> lstErrors = m_pJob->Errors();
+    for (const stJobError& error : lstErrors) {
+        const QString strLine = error.lLine > 0 ? QStringLiteral("%1:").arg(error.lLine) : QString();
+        std::fputs((m_Options.strJob + QLatin1Char(':') + strLine + QLatin1Char(' ') +
+                    CHeadlessScreen::OneLine(error.strText) + QLatin1Char('\n'))
                        .toUtf8()
                        .constData(),
                    stdout);
-    return CGCodeStore::m_CompilationErrors.size();
+    }
+    return lstErrors.size();
+}
+
+eExit CRunner::WriteGCode()
+{
+    if (!m_pJob->WriteGCode(m_Options.strToGCode)) {
+        Fail(m_Options.strToGCode + QStringLiteral(": cannot be written"));
+        return m_eFailed;
+    }
+    PrintUnlessQuiet(
+        QStringLiteral("%1: %2, written to %3\n").arg(m_Options.strJob, m_pJob->Size(), m_Options.strToGCode));
+    return EXIT_DONE;
+}
+
+void CRunner::PrintUnlessQuiet(const QString& strText) const
+{
+    if (!m_Options.bQuiet) std::fputs(strText.toUtf8().constData(), stdout);
 }
 
 // ---- The machine ------------------------------------------------------------------------------------------------
@@ -136,7 +158,12 @@ bool CRunner::OpenRecordings()
 
 void CRunner::HookWorker()
 {
-    m_pScreen->SetLines(static_cast<qint64>(CGCodeStore::m_lstOfGCodeCmds.size()));
+    if (m_pJob) {
+        m_pScreen->SetLines(m_pJob->Lines());
+        m_pApp->m_Moves.m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
+            if (m_bJobRuns) m_pJob->OnMove(from, to);
+        };
+    }
     QObject::connect(
         m_pApp.get(), &AppControl::SelNxtGCodeLine, m_pApp.get(),
         [this](unsigned uLine) {
@@ -242,11 +269,10 @@ void CRunner::RunMakeProfile()
 
 void CRunner::RunJob()
 {
-    if (m_Options.strJob.isEmpty() || m_eFailed != EXIT_DONE) return;
+    if (!m_pJob || m_eFailed != EXIT_DONE) return;
     m_pApp->m_Moves.BeginCounting();
-    AppConfig::m_GCodeRunSettings.strFile = m_Options.strJob;
-    AppConfig::m_GCodeRunSettings.iCurLine = m_Options.iStartLine - 1;
-    (void)Operate([this] { m_pApp->StartGCode(&CGCodeStore::m_lstOfGCodeCmds); });
+    m_bJobRuns = true;
+    (void)Operate([this] { m_pJob->Start(*m_pApp, m_Options); });
 }
 
 // ---- The end ----------------------------------------------------------------------------------------------------
@@ -258,7 +284,10 @@ stSummary CRunner::Summarize() const
     summary.strPicture = m_Options.strPicture;
     summary.eResult = m_eFailed != EXIT_DONE ? m_eFailed : m_pSupervision->Result();
     summary.bRealTime = m_Options.bRealTime;
-    summary.lLines = static_cast<qint64>(CGCodeStore::m_lstOfGCodeLines.size());
+    if (m_pJob) {
+        summary.lLines = m_pJob->Lines();
+        if (m_pJob->HasGCode()) summary.strSize = m_pJob->Size();
+    }
     summary.lLinesRun = m_lLinesRun;
     summary.iToolChanges = m_pSupervision->ToolChanges();
     summary.fMachineTime = static_cast<double>(CWait::Now() - m_lBegin) / 1e9;
@@ -289,9 +318,10 @@ eExit CRunner::Finish()
         if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
             Fail(m_Options.strPicture + QStringLiteral(": cannot be written"));
     }
+    if (QString strWhy; m_pJob && !m_pJob->Finish(strWhy)) Fail(strWhy);
     if (m_eFailed != EXIT_DONE) summary.eResult = m_eFailed;
     if (!m_Options.strSummary.isEmpty() && !ReplaceFile(m_Options.strSummary, SummaryJson(summary)))
         Fail(m_Options.strSummary + QStringLiteral(": cannot be written"));
-    if (!m_Options.bQuiet) std::fputs(SummaryText(summary).toUtf8().constData(), stdout);
+    PrintUnlessQuiet(SummaryText(summary));
     return m_eFailed != EXIT_DONE && summary.eResult != EXIT_INTERRUPTED ? m_eFailed : summary.eResult;
 }

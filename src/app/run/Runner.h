@@ -1,6 +1,7 @@
 #pragma once
 #include "app/run/EdgeRecording.h"
 #include "app/run/HeadlessScreen.h"
+#include "app/run/JobKind.h"
 #include "app/run/MoveRecording.h"
 #include "app/run/Options.h"
 #include "app/run/Summary.h"
@@ -47,7 +48,9 @@ private:
     bool PrepareOutputs();
     bool CheckOutput(const QString& strPath);
 
-    size_t PrintCompileErrors() const;
+    size_t PrintErrors() const;
+    eExit WriteGCode();
+    void PrintUnlessQuiet(const QString& strText) const;
     bool SetUpMachine();
     void PutSurfaceUnderTheProbe();
     bool OpenRecordings();
@@ -73,10 +76,12 @@ private:
     // Destroyed in the opposite order: the worker's axes still ask for virtual time.
     std::unique_ptr<CVirtualTime> m_pTime;
     std::unique_ptr<CHeadlessScreen> m_pScreen;
+    std::unique_ptr<CJobKind> m_pJob;   // null: only operations without a job
     std::unique_ptr<CRunControl> m_pApp;
     std::unique_ptr<CVirtualMachine> m_pMachine;
     std::unique_ptr<CEdgeRecording> m_pEdges;
     std::unique_ptr<CSupervision> m_pSupervision;
     QElapsedTimer m_Wall;
     qint64 m_lBegin = 0, m_lLinesRun = 0;
+    CShared<bool> m_bJobRuns = false;
 };

@@ -2,7 +2,6 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "config/SettingsTable.h"
-#include "gcode/GCodeStore.h"
 #include "zprofile/ZProfileFile.h"
 
 #include <QDir>
@@ -86,16 +85,16 @@ bool CRunner::PrepareJob()
         if (!input.open(QIODevice::ReadOnly) || !LoadFromStream(input, strPath))
             return Fail(strPath + QStringLiteral(": cannot be read to its end"));
     }
-    CGCodeStore::m_bGCodeLoading = true;
-    CGCodeStore::LoadGCode(strPath, nullptr);
-    if (CGCodeStore::m_bGCodeLoading) return Fail(m_Options.strJob + QStringLiteral(": cannot be read"));
-    if (m_pScreen->ToldCount() > 0 && CGCodeStore::m_lstOfGCodeLines.empty())
-        return Fail(m_Options.strJob + QStringLiteral(": cannot be read to its end"));
-    if (CGCodeStore::m_lstOfGCodeLines.empty()) return Fail(m_Options.strJob + QStringLiteral(": is empty"));
-    CGCodeStore::m_bGCodeCompiling = true;
-    CGCodeStore::m_CompilationErrors.clear();
-    CGCodeStore::CompileGCode(nullptr);
-    return true;
+    QString strWhy;
+    m_pJob = MakeJobKind(m_Options);
+    if (!m_Options.strToGCode.isEmpty() && !m_pJob->HasGCode())
+        return Fail(m_Options.strJob + QStringLiteral(": --to-gcode: is a program already"));
+    for (const QString& strAssignment : m_Options.lstJobFields)
+        if (!SetJobField(*m_pJob, strAssignment, strWhy)) return Fail(QStringLiteral("--job ") + strWhy);
+    if (!m_pJob->Load({strPath, m_Options.strJob, m_Scratch.path(), *m_pScreen}, strWhy))
+        return Fail(m_Options.strJob + QStringLiteral(": ") + strWhy);
+    if (m_Options.iStartLine == 1 || m_pJob->Lines() > 0) return true;
+    return Fail(m_Options.strJob + QStringLiteral(": --start-line: has no lines"));
 }
 
 // Into a file of its own, whose path is put into strPath.
@@ -166,8 +165,8 @@ bool CRunner::CheckOutput(const QString& strPath)
 bool CRunner::PrepareOutputs()
 {
     if (m_Options.bCheck) return true;
-    const QStringList outputs{m_Options.strMoves, m_Options.strEdges, m_Options.strPicture, m_Options.strSummary,
-                              m_Options.strMakeZProfile};
+    const QStringList outputs{m_Options.strMoves,   m_Options.strEdges,        m_Options.strPicture,
+                              m_Options.strSummary, m_Options.strMakeZProfile, m_Options.strToGCode};
     for (const QString& strPath : outputs) {
         if (!CheckOutput(strPath)) return false;
         if (!strPath.isEmpty() && outputs.count(strPath) > 1)

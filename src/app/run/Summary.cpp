@@ -52,7 +52,9 @@ QString SummaryText(const stSummary& summary)
         return QStringLiteral("  %1 %2\n").arg(QLatin1String(szName), -13).arg(strValue);
     };
     QString strText = QStringLiteral("%1: %2\n").arg(summary.strFile, ResultText(summary.eResult));
-    strText += Row("lines", QStringLiteral("%1, %2 run").arg(summary.lLines).arg(summary.lLinesRun));
+    strText += summary.strSize.isEmpty()
+                   ? Row("lines", QStringLiteral("%1, %2 run").arg(summary.lLines).arg(summary.lLinesRun))
+                   : Row("job", summary.strSize);
     strText += Row("moves", QStringLiteral("%1 coordinated, %2 single-axis, %3 pulses")
                                 .arg(figures.lCoordinated)
                                 .arg(figures.lSingle)
@@ -108,6 +110,7 @@ QByteArray SummaryJson(const stSummary& summary)
         {"file", summary.strFile},
         {"result", ResultName(summary.eResult)},
         {"exit_status", static_cast<int>(summary.eResult)},
+        {"job", summary.strSize},
         {"lines", summary.lLines},
         {"lines_run", summary.lLinesRun},
         {"moves", QJsonObject{{"coordinated", figures.lCoordinated}, {"single_axis", figures.lSingle}}},

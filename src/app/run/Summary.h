@@ -9,6 +9,7 @@
 struct stSummary
 {
     QString strFile, strPicture;
+    QString strSize;   // of a job that is no program
     eExit eResult = EXIT_DONE;
     bool bRealTime = false;
     qint64 lLines = 0, lLinesRun = 0;
