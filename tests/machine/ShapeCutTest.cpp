@@ -1,6 +1,7 @@
 #include "common/UnitConverter.h"
 #include "gcode/GCodeStore.h"
 #include "machine/ShapeSpy.h"
+#include "machine/WorkerFixture.h"
 #include "shapes/EllipsePath.h"
 #include "shapes/PolygonEdit.h"
 #include "support/Files.h"
@@ -400,4 +401,29 @@ TEST_F(ShapeCut, AMoveOutOfReachEndsTheJobWithItsOwnReport)
     Cut();
     EXPECT_EQ(m_App.TakeErrors(), QStringList("Position to move must be within the motion limits"));
     EXPECT_EQ(m_App.m_lstTargets.size(), 5u) << "lift, travel, descend, plunge and the point refused";
+}
+
+class ShapeMachine : public CWorkerTest
+{
+};
+TEST_F(ShapeMachine, CarriagesEndWhereEachShapeEndsAndTheToolIsLiftedOverTheLastOne)
+{
+    const std::vector<stEngShape> lstAll{Polygon(CORNER, -2.0), Polygon(SQUARE, -3.0), Ellipse(12, 10, 30, 20, 100),
+                                         Polygon(CORNER, -2.5)};
+    Build();
+    stShapeCuttingInfo info;
+    m_App.m_pShapeCuttingInfo = &info;
+    for (const stEngShape& shape : lstAll) {
+        info.lstShapes.push_back(shape);
+        m_App.RunAs(OP_SHAPES);
+        const bool bOdd = int(std::ceil(-shape.Common().fDepth)) % 2 == 1;   // passes: an open path goes to and fro
+        const stFloatPoint& end = bOdd ? shape.Path().back() : shape.Path().front();
+        EXPECT_NEAR(double(m_pMachine->Carriage(X_AXIS)) * PULSE, end.x, PULSE);
+        EXPECT_NEAR(double(m_pMachine->Carriage(Y_AXIS)) * PULSE, end.y, PULSE);
+        EXPECT_EQ(m_pMachine->Carriage(Z_AXIS), 5000);
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_EQ(m_pMachine->Carriage(axis) * 10, m_App.m_AxisCtrl[axis].GetCurPosLong());
+    }
+    EXPECT_EQ(m_App.m_iWorkZeroMoves, 0) << "a cut begins where the tool is";
+    EXPECT_EQ(m_App.TakeErrors(), QStringList());
 }
