@@ -61,9 +61,13 @@ void CDlgEllipse::UpdateEllipse()
 // Left where they are, the rings would clear another place than the outline.
 void CDlgEllipse::AfterChange()
 {
-    if (!m_bHole) return UpdateEllipse();
-    m_bHole = false;
-    on_Btn_EllipseHole_clicked();
+    if (m_bHole) {
+        m_bHole = false;
+        EraseRings();
+        on_Btn_EllipseHole_clicked();
+        if (!m_bHole) DropHole(*Screen().EllipseAt(m_uIndex));   // refused: the tool does not fit any more
+    }
+    if (!m_bHole) UpdateEllipse();
 }
 
 // ---- Numbers --------------------------------------------------------------------------------------------------------
@@ -183,10 +187,11 @@ void CDlgEllipse::on_Btn_EllipseHole_clicked()
 {
     stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
     if (!pEllipse) return;
-    EraseRings();
-    if (m_bHole || pEllipse->fMinorAxisDia < AppConfig::m_fEndMillDia) {
-        if (!m_bHole) LogError(QStringLiteral("End-mill size too big. Please change the End-Mill"));
+    if (m_bHole) {
+        EraseRings();
         DropHole(*pEllipse);
+    } else if (pEllipse->fMinorAxisDia < AppConfig::m_fEndMillDia) {
+        return LogError(QStringLiteral("End-mill size too big. Please change the End-Mill"));
     } else {
         MakeHole(*pEllipse);
     }
