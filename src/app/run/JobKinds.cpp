@@ -1,4 +1,5 @@
 #include "app/run/GCodeJob.h"
+#include "app/run/PictureJob.h"
 #include "app/run/WorkAreaJob.h"
 
 #include <QFileInfo>
@@ -25,6 +26,10 @@ const std::vector<stKind>& Kinds()
         {{QStringLiteral("xml")},
          "a work area of shapes, cut as it stands; --job fZStep=MM is the depth of a pass",
          Make<CWorkAreaJob>},
+        {{QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("bmp"),
+          QStringLiteral("pgm")},
+         "a picture, carved as a relief; --job fLength, fDepth, fZStep ...",
+         Make<CPictureJob>},
     };
     return kinds;
 }
