@@ -21,7 +21,8 @@ CWorkAreaMap::CWorkAreaMap(QSize image, const stFloatPoint& area) : m_Area(area)
     m_Scale.fPixPerMM = fScale > 0.0 && std::isfinite(fScale) ? fScale : 1.0;
     // A longer side along X that is hardly longer makes the area higher than the picture: wanted, its zero stays.
     const double fHeight = m_Scale.fPixPerMM * area.y;
-    m_WorkRect = QRectF(m_Scale.iMargin, image.height() - m_Scale.iMargin - fHeight, m_Scale.fPixPerMM * area.x, fHeight);
+    m_WorkRect =
+        QRectF(m_Scale.iMargin, image.height() - m_Scale.iMargin - fHeight, m_Scale.fPixPerMM * area.x, fHeight);
 }
 
 QPointF CWorkAreaMap::ToPixels(const stFloatPoint& pos) const
