@@ -21,11 +21,17 @@ protected:
         EXPECT_NEAR(pos.x, fX, fWithin);
         EXPECT_NEAR(pos.y, fY, fWithin);
     }
+    // The file dialog, which looks for jpg files first, does not hide what lies in another folder.
+    QString InFolder(const char* szName)
+    {
+        EXPECT_TRUE(QDir(m_Home.path()).mkpath("pictures"));
+        return m_Home.filePath("pictures/") + szName;
+    }
     QString Picture()
     {
         QImage image(40, 20, QImage::Format_RGB32);
         image.fill(qRgb(200, 30, 30));
-        const QString strPath = m_Home.filePath("guide.png");
+        const QString strPath = InFolder("guide.png");
         EXPECT_TRUE(image.save(strPath));
         return strPath;
     }
@@ -33,7 +39,7 @@ protected:
 
 TEST_F(PolygonDialogs, DrawsOverAPictureAndClearsTheInsideAsAPocket)
 {
-    const QString strNoPicture = m_Home.filePath("none.png");
+    const QString strNoPicture = InFolder("none.png");
     QFile(strNoPicture).open(QIODevice::WriteOnly);
     InDialog("Btn_DrawContour", "CDlgShapeFreeDraw", [&](QWidget& dialog) {
         EXPECT_TIDY(dialog);

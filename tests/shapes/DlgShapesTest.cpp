@@ -11,7 +11,7 @@ protected:
         stPolygon& polygon = *Shapes().back().pPolygon;
         polygon.strShapeName = szName;
         polygon.fDepth = fDepth;
-        polygon.lstVertices = {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}};
+        polygon.lstVertices = {{0, 0}, {30, 0}, {30, 30}, {0, 30}, {0, 0}};
         List().addItem(szName);
     }
     QString Press(const char* szButton)
@@ -149,17 +149,17 @@ TEST_F(ShapesScreen, SavesLoadsAndWritesGCode)
 TEST_F(ShapesScreen, DrawsTheWorkArea)
 {
     SaveScreen(m_Host, "shapes-empty");
-    EXPECT_EQ(Pixel(5, 10), CWorkAreaPicture::BACKGROUND);
+    EXPECT_EQ(Pixel(15, 30), CWorkAreaPicture::BACKGROUND);
     Add("A");
     m_Screen.DrawWorkArea();
-    const QRgb plain = Pixel(5, 10), mark = Pixel(10, 10);
+    const QRgb plain = Pixel(15, 30), mark = Pixel(30, 30);
     EXPECT_NE(plain, CWorkAreaPicture::BACKGROUND);
     EXPECT_NE(mark, plain);
     Click(m_Screen, "Btn_DispGraphics");
-    EXPECT_EQ(Pixel(10, 10), plain);
+    EXPECT_EQ(Pixel(30, 30), plain);
     SelectByTouch(0);
-    EXPECT_NE(Pixel(5, 10), plain);
-    EXPECT_EQ(Pixel(5, 12), CWorkAreaPicture::BACKGROUND);
+    EXPECT_NE(Pixel(15, 30), plain);
+    EXPECT_EQ(Pixel(15, 33), CWorkAreaPicture::BACKGROUND);
     m_Screen.m_stCuttingInfo.stWorkArea = {0, 0};   // of a file: nothing to scale by
     m_Screen.UpdateWorkArea();
     EXPECT_EQ(m_Screen.Scale().fPixPerMM, 1.0);

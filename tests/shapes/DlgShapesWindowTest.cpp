@@ -22,7 +22,13 @@ protected:
     }
     template <class Fn> void InEllipseDialog(Fn fnWork)
     {
-        QTimer::singleShot(0, &Screen(), fnWork);
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, &Screen(), [&] {
+            if (!Screen().IsEditing()) return;
+            timer.stop();
+            fnWork();
+        });
+        timer.start(1);
         TouchButton("Btn_AddEllipse");
         EXPECT_FALSE(Screen().IsEditing());
     }
