@@ -21,12 +21,6 @@ protected:
         EXPECT_NEAR(pos.x, fX, fWithin);
         EXPECT_NEAR(pos.y, fY, fWithin);
     }
-    // The file dialog, which looks for jpg files first, does not hide what lies in another folder.
-    QString InFolder(const char* szName)
-    {
-        EXPECT_TRUE(QDir(m_Home.path()).mkpath("pictures"));
-        return m_Home.filePath("pictures/") + szName;
-    }
     QString Picture()
     {
         QImage image(40, 20, QImage::Format_RGB32);
