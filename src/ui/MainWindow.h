@@ -245,7 +245,7 @@ private:
     bool m_bKeyModeContinuous = true;
     double m_fKeyJogStep = 0.05;   // mm
     bool m_bKeyJogging = false;
-    bool m_bGrabWanted = true;   // false while text is typed on a screen
+    bool m_bGrabWanted = true;      // false while text is typed on a screen
     bool m_bSelectorsOff = false;   // shapes are edited
     bool m_bStarting = true;
     bool m_bFiveAxes = false;             // as the machine was started: a change needs a restart
