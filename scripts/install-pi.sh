@@ -247,6 +247,8 @@ write_boot_line() { # PATH LINE; what stands behind the first line stays
         tail -n +2 "$root$1"
     } >"$root$1.new"
     sync "$root$1.new"
+    # A Pi with half a boot line does not start.
+    [ "$(head -n 1 "$root$1.new")" = "$2" ]
     mv -f "$root$1.new" "$root$1"
 }
 
@@ -452,6 +454,7 @@ undo_words() {
     line=${line% }
     say "take out of $path: $words"
     if $dry; then return 0; fi
+    rm -f "$root$path.new"
     if [ -e "$root$path.before-vantor" ] && [ "$(read_boot_line "$path.before-vantor")" = "$line" ]; then
         mv -f "$root$path.before-vantor" "$root$path"
         return 0
@@ -531,7 +534,7 @@ if ! $dry && [ -z "$root" ] && [ "$(id -u)" -ne 0 ]; then
         exit 1
     fi
     echo "install-pi: system files are root's: going on through sudo"
-    exec sudo --preserve-env=VANTOR_BUILD -- "$source_dir/scripts/install-pi.sh" "${arguments[@]}"
+    exec sudo ${VANTOR_BUILD:+--preserve-env=VANTOR_BUILD} -- "$source_dir/scripts/install-pi.sh" "${arguments[@]}"
 fi
 
 work=$(mktemp -d)
