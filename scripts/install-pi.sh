@@ -137,12 +137,13 @@ find_operator() {
         line="$operator:x:65534:65534::/nonexistent:"
     fi
     IFS=: read -r _ _ uid gid _ home _ <<<"$line"
-    # In a test that is not root's the owners below its root mean nothing.
-    if [ -n "$root" ] && [ "$(id -u)" -ne 0 ]; then return 0; fi
-    if [ -d "$root/home/vantor" ] && [ "$(stat -c %u "$root/home/vantor")" != "$uid" ]; then
+    if owners_count && [ -d "$root/home/vantor" ] && [ "$(stat -c %u "$root/home/vantor")" != "$uid" ]; then
         refuse "/home/vantor, where the machine's files are, belongs to $(stat -c %U "$root/home/vantor"), not to $operator: --user NAME"
     fi
 }
+
+# In a test that is not root's the owners below its root mean nothing.
+owners_count() { [ -z "$root" ] || [ "$(id -u)" -eq 0 ]; }
 
 check_computer() {
     local model='' present='' version=''
@@ -299,7 +300,7 @@ step_folders() {
     local folder old
     for folder in /home/vantor /home/vantor/VANTOR /home/vantor/vantor_log; do
         make_folder "$folder" "$uid:$gid"
-        if [ ! -d "$root$folder" ] || [ "$(id -u)" -ne 0 ]; then continue; fi
+        if [ ! -d "$root$folder" ] || ! owners_count; then continue; fi
         old=$(stat -c %u:%g "$root$folder")
         if [ "${old%:*}" = "$uid" ]; then continue; fi
         say "give $folder to $operator (it is of $old)"
