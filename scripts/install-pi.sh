@@ -66,6 +66,15 @@ run() {
     "$@"
 }
 
+# The same for one that speaks to the running system, which there is none of while an image is being made.
+run_live() {
+    if [ -z "$root" ] && [ ! -d /run/systemd/system ]; then
+        say "left to the next start: $*"
+    else
+        run "$@"
+    fi
+}
+
 declare -A announced=()
 give() { # PATH OWNER (uid:gid)
     if [ "$(id -u)" -eq 0 ]; then chown -h "$2" "$root$1"; fi
@@ -309,8 +318,8 @@ step_sticks() {
     sed "s/@UID@/$uid/; s/@GID@/$gid/" "$source_dir/scripts/pi/vantor-stick@.service" >"$work/stick"
     put "$work/stick" /etc/systemd/system/vantor-stick@.service 644
     put "$source_dir/scripts/pi/99-vantor-stick.rules" /etc/udev/rules.d/99-vantor-stick.rules 644
-    run systemctl daemon-reload
-    run udevadm control --reload
+    run_live systemctl daemon-reload
+    run_live udevadm control --reload
 }
 
 in_group() { # GROUP
@@ -361,8 +370,9 @@ step_governor() {
     put "$source_dir/scripts/pi/vantor-governor.service" /etc/systemd/system/vantor-governor.service 644
     if [ -r "$file" ] && [ "$(<"$file")" != performance ]; then note "governor $(<"$file")"; fi
     note "unit vantor-governor.service"
-    run systemctl daemon-reload
-    run systemctl enable --now vantor-governor.service
+    run_live systemctl daemon-reload
+    run systemctl enable vantor-governor.service
+    run_live systemctl start vantor-governor.service
 }
 
 install_all() {
@@ -425,7 +435,10 @@ undo_governor() {
     done
 }
 undo_unit() {
-    if [ -e "$root/etc/systemd/system/$1" ]; then run systemctl disable --now "$1"; fi
+    if [ -e "$root/etc/systemd/system/$1" ]; then
+        run_live systemctl stop "$1"
+        run systemctl disable "$1"
+    fi
 }
 undo_words() {
     local path line word words
@@ -446,22 +459,23 @@ undo_words() {
     write_boot_line "$path" "$line"
     say "the line has changed since: that of before is kept as $path.before-vantor"
 }
-# Only what installing has brought, and only where nothing else would go with it.
+# Packages that installing has brought become ones that nobody asked for, which apt removes where nothing else needs
+# them. Not a plain removal: that brings others in their place, or takes along what has come to need them.
 undo_packages() {
-    local package others installed=()
+    local package idle installed=()
     if [ -n "$root" ]; then return 0; fi
     while read -r package; do
         if dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed; then installed+=("$package"); fi
     done < <(sed -n 's/^package //p' "$record")
     if [ ${#installed[@]} -eq 0 ]; then return 0; fi
     begin "Packages that installing has brought"
-    others=$(apt-get -s remove "${installed[@]}" | sed -n 's/^Remv \([^ ]*\).*/\1/p' | grep -vxF -f <(printf '%s\n' "${installed[@]}") || true)
-    if [ -n "$others" ]; then
-        say "kept, because other packages need them by now: ${installed[*]}"
-        return 0
+    idle=$(apt-get -s autoremove | grep -c '^Remv' || true)
+    run apt-mark auto "${installed[@]}"
+    if [ "$idle" -eq 0 ]; then
+        run apt-get autoremove -y
+    else
+        say "$idle others are not needed by anything either: \"sudo apt autoremove\" removes all of them, when you agree"
     fi
-    run apt-get remove -y "${installed[@]}"
-    say "what came with them goes with: sudo apt autoremove"
 }
 
 remove_all() {
@@ -478,8 +492,8 @@ remove_all() {
             owner | group) "undo_$kind" "${value% *}" "${value##* }" ;;
         esac
     done < <(tac "$record")
-    run systemctl daemon-reload
-    run udevadm control --reload
+    run_live systemctl daemon-reload
+    run_live udevadm control --reload
     undo_packages
     if $dry; then
         echo "Nothing has been changed: this was a dry run."
@@ -487,7 +501,8 @@ remove_all() {
     fi
     rm -f "$record"
     rmdir --ignore-fail-on-non-empty "$(dirname "$record")"
-    echo "Removed. The build folder $build is left. Restart the Pi (sudo reboot) for the boot line."
+    echo "Removed. Left are the build folder $build and the compiler's cache of its owner (.cache/ccache)."
+    echo "Restart the Pi (sudo reboot) for the boot line."
 }
 
 # ---- the call ---------------------------------------------------------------------------------------------------------

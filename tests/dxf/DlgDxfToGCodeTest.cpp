@@ -3,6 +3,7 @@
 #include "app/RunWindow.h"
 #include "config/AppConfig.h"
 #include "gcode/DlgGCode.h"
+#include "motion/AllAxisCtrl.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
 #include "ui/MainWindow.h"
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <typeinfo>
 
 namespace {
 QString Shown(const CTestHost::stKeypad& keypad)
@@ -115,8 +117,8 @@ protected:
     // A held program with a name of its own, changed since.
     void HoldChanged()
     {
-        WriteAll(Path("held.ncc"), "G0 X1\nG0 X2");
-        Do("OpenGCode", File("held.ncc"));
+        WriteAll(Path("held.tap"), "G0 X1\nG0 X2");
+        Do("OpenGCode", File("held.tap"));
         ASSERT_TRUE(Loaded());
         auto& list = Child<QListWidget>(m_Screen, "LW_GcodeCommands");
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(list.item(0)).center());
@@ -186,7 +188,7 @@ TEST_F(OpenDxf, AnInvalidDrawingLeavesTheHeldProgram)
     Do("OpenDXF", QMessageBox::No, File("empty.dxf"), Ok);
     EXPECT_EQ(m_Host.m_lstLog.back().eType, MSG_ERROR);
     EXPECT_EQ(m_Host.TakeLog(), OPENED);
-    EXPECT_EQ(Held() + Name(), "G0 X2" + Path("held.ncc"));
+    EXPECT_EQ(Held() + Name(), "G0 X2" + Path("held.tap"));
     EXPECT_FALSE(QFile::exists(Path("empty..ncc")));
 
     m_Host.Type(0);
@@ -203,13 +205,13 @@ TEST_F(OpenDxf, AChangedProgramMayBeSavedFirst)
     HoldChanged();
     EXPECT_EQ(Do("OpenDXF", QMessageBox::Yes, CAnswer::File("")),
               "Information: Save current G-Code?|Select a file to Open...: ");
-    EXPECT_EQ(ReadAll(Path("held.ncc")).simplified(), "G0 X2 G0 X1");
-    EXPECT_EQ(m_Host.TakeLog(), QStringList("G-Code saved: " + Path("held.ncc"))) << "no drawing was chosen";
+    EXPECT_EQ(ReadAll(Path("held.tap")).simplified(), "G0 X2 G0 X1");
+    EXPECT_EQ(m_Host.TakeLog(), QStringList("G-Code saved: " + Path("held.tap"))) << "no drawing was chosen";
     EXPECT_EQ(Do("OpenDXF", CAnswer::File("")), "Select a file to Open...: ") << "saved is not changed";
 
     HoldChanged();
     Do("OpenDXF", QMessageBox::No, CAnswer::File(""));
-    EXPECT_EQ(ReadAll(Path("held.ncc")).simplified(), "G0 X1 G0 X2");
+    EXPECT_EQ(ReadAll(Path("held.tap")).simplified(), "G0 X1 G0 X2");
     EXPECT_EQ(Do("OpenDXF", CAnswer::File("")), "Select a file to Open...: ") << "No forgets the change";
 }
 
@@ -275,7 +277,8 @@ protected:
             });
         });
         // Now nobody listens to the worker any more, and no motion loop is left.
-        const bool bEnded = bDestroyed && !COperatorScreen::Get() && !CAllAxisCtrl::m_bAutoModeRunning;
+        const bool bEnded = bDestroyed && typeid(COperatorScreen::Get()) == typeid(COperatorScreen) &&
+                            !CAllAxisCtrl::m_bAutoModeRunning;
         std::fprintf(stderr, "box: %s, status %d, moved %d, ended %d, program held %zu\n",
                      box.Title().toUtf8().constData(), iStatus, bMoved, bEnded, CGCodeStore::m_lstOfGCodeLines.size());
         std::_Exit(HasFailure() ? 1 : 0);

@@ -12,13 +12,13 @@ double SafeStepRate(double fDuty, double fDrivePulse, double fWorst)
     return fShare > 0.0 && fNeeded > 0.0 ? fShare / fNeeded : 0.0;
 }
 
-static QStringList Advice(const stSystemFacts& facts, int iCore)
+static QStringList Advice(const stSystemFacts& facts, bool bBound, int iCore)
 {
     QStringList lst;
     if (!facts.strGovernor.isEmpty() && facts.strGovernor != QLatin1String("performance"))
         lst += QStringLiteral("The governor is \"%1\": the clock may fall between two moves; make it \"performance\".")
                    .arg(facts.strGovernor);
-    if (!ListHasCore(facts.strNoTick, iCore))
+    if (bBound && !ListHasCore(facts.strNoTick, iCore))
         lst += QStringLiteral("The timer tick still runs on core %1: nohz_full=%1 in the boot line, where the kernel "
                               "knows it, takes it away.")
                    .arg(iCore);
@@ -49,6 +49,6 @@ stVerdict Judge(const stPulseResult& result, const stSystemFacts& facts, const s
         verdict.lstWhyNot += QStringLiteral("The settings ask for %1 pulses/s, more than these figures allow.")
                                  .arg(QString::number(demand.fRate, 'f', 0));
     verdict.bFit = verdict.lstWhyNot.isEmpty();
-    verdict.lstAdvice = Advice(facts, iCore);
+    verdict.lstAdvice = Advice(facts, result.bBound, iCore);
     return verdict;
 }
