@@ -188,9 +188,9 @@ private:
 
     // Start: interface thread. False, with a message: the last operation has not ended.
     bool ClaimWorker();
-    void LaunchOperation(eOperation eCode, Priority ePriority = InheritPriority);
+    void LaunchOperation(eOperation eCode);
     bool ClaimForJob();
-    void LaunchJob(eOperation eCode, bool bAutoSpindle, Priority ePriority = InheritPriority);
+    void LaunchJob(eOperation eCode, bool bAutoSpindle);
 
     // Worker.
     struct stWork;

@@ -13,7 +13,7 @@ void AppControl::StartImgCarving()
 {
     if (!ClaimForJob()) return;
     if (const QString strWhy = WhyNotCarved(m_stImgCarvingData); !strWhy.isEmpty()) return PushErrMsg(strWhy);
-    LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode, QThread::TimeCriticalPriority);
+    LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode);
 }
 
 void AppControl::GetMinMaxValue(QImage& img, unsigned char& iMin, unsigned char& iMax)
