@@ -205,6 +205,21 @@ TEST_F(ShapeCut, TurnedFullCircleIsWrittenAsItIsAndTheLogSaysThatItStands)
     for (const stFloatPoint& stop : Stops(*pApp)) fHighest = std::max(fHighest, stop.y);
     EXPECT_LT(fHighest, m_Info.lstShapes[0].Path().front().y + 2 * PULSE) << "it moves after all: the notice is wrong";
 
+    // At X0 Y0 an end counts as not given, and the same words run a whole circle.
+    m_Screen.m_lstLog.clear();
+    const stFloatPoint first = m_Info.lstShapes[0].Path().front();
+    m_Info.lstShapes[0].pEllipse->stCenter = {50.0 - first.x, 50.0 - first.y};
+    CreateEllipsePoints(*m_Info.lstShapes[0].pEllipse);
+    EXPECT_GT(RunProgram()->m_lstTargets.size(), 100u);
+    EXPECT_EQ(m_Screen.m_lstLog, QStringList());
+
+    // Closed by less than a pulse, and not by one.
+    stEllipse& circle = *m_Info.lstShapes[0].pEllipse;
+    circle.lstPoints = {{0, 0}, {PULSE, 0}};
+    EXPECT_TRUE(Write().contains("G02"));
+    circle.lstPoints.back().x = 0.9 * PULSE;
+    EXPECT_FALSE(Write().contains("G02"));
+
     m_Screen.m_lstLog.clear();
     m_Info.lstShapes = {Ellipse(20.0, 20.0001, 40.0, 0, 360)};   // other position units: no circle
     EXPECT_FALSE(Write().contains("G03"));
@@ -366,6 +381,27 @@ TEST_F(ShapeCut, PauseHoldsBetweenPointsAndTheCutGoesOnAtTheNextOne)
         ASSERT_EQ(m_App.m_lstTargets.size(), targets.size());
         EXPECT_EQ(m_App.m_lstStops, stops);
     }
+}
+
+// A feed that is changed meanwhile is that of the next point.
+TEST_F(ShapeCut, NothingIsPlannedWhileAPauseHolds)
+{
+    m_Info.lstShapes = {Polygon(SQUARE, -1.0)};
+    size_t uCalls = 0;
+    m_App.m_fnBehindMove = [&](size_t uMoves) {
+        if (uMoves != 6) return;
+        m_App.m_bPause = true;
+        uCalls = m_App.CallCount();
+        m_Time.AddEvent({m_Time.Now() + 2'500'000'000,
+                         [&] {
+                             EXPECT_EQ(m_App.CallCount(), uCalls);
+                             m_App.m_bPause = false;
+                         },
+                         {}});
+    };
+    Cut();
+    EXPECT_GT(uCalls, 0u);
+    EXPECT_EQ(m_App.m_lstTargets.size(), 8u);
 }
 
 TEST_F(ShapeCut, StopEndsTheJobAtOnceAlsoInAPause)
