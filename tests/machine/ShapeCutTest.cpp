@@ -431,14 +431,6 @@ TEST_F(ShapeCut, StopEndsTheJobAtOnceAlsoInAPause)
     EXPECT_TRUE(Write().endsWith("G01 Z0.0000\nZ-1.0000\n"));
 }
 
-TEST_F(ShapeCut, AMoveOutOfReachEndsTheJobWithItsOwnReport)
-{
-    m_Info.lstShapes = {Polygon({{0, 0}, {1e300, 0}}), Polygon(SQUARE)};
-    Cut();
-    EXPECT_EQ(m_App.TakeErrors(), QStringList("Position to move must be within the motion limits"));
-    EXPECT_EQ(m_App.m_lstTargets.size(), 5u) << "lift, travel, descend, plunge and the point refused";
-}
-
 class ShapeMachine : public CWorkerTest
 {
 };

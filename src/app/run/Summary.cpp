@@ -106,11 +106,10 @@ QByteArray SummaryJson(const stSummary& summary)
         if (told.lLine > 0) message["line"] = told.lLine;
         messages.append(message);
     }
-    const QJsonObject object{
+    QJsonObject object{
         {"file", summary.strFile},
         {"result", ResultName(summary.eResult)},
         {"exit_status", static_cast<int>(summary.eResult)},
-        {"job", summary.strSize},
         {"lines", summary.lLines},
         {"lines_run", summary.lLinesRun},
         {"moves", QJsonObject{{"coordinated", figures.lCoordinated}, {"single_axis", figures.lSingle}}},
@@ -129,5 +128,6 @@ QByteArray SummaryJson(const stSummary& summary)
         {"carriage_pulses", ByAxis(summary, [&](size_t n) { return summary.carriages[n]; })},
         {"messages", messages},
         {"message_count", summary.lTold}};
+    if (!summary.strSize.isEmpty()) object["job"] = summary.strSize;
     return QJsonDocument(object).toJson();
 }
