@@ -79,14 +79,14 @@ bool AppControl::ClaimWorker()
     return true;
 }
 
-void AppControl::LaunchOperation(eOperation eCode)
+void AppControl::LaunchOperation(eOperation eCode, Priority ePriority)
 {
     m_bWorkerBusy = true;
     m_eOperation = eCode;
     COperatorScreen::Get().EnableDisableWindows();
     if (eCode != OP_WORK_HOME && eCode != OP_MCH_HOME && eCode != OP_Z_PROBE)
         COperatorScreen::Get().ClearToolGraphics();
-    start();
+    start(ePriority);
 }
 
 bool AppControl::ClaimForJob()
@@ -96,13 +96,13 @@ bool AppControl::ClaimForJob()
     return false;
 }
 
-void AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
+void AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle, Priority ePriority)
 {
     if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCW)
         TurnOnOffSpindle(true, DIR_CW);
     else if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCCW)
         TurnOnOffSpindle(true, DIR_CCW);
-    LaunchOperation(eCode);
+    LaunchOperation(eCode, ePriority);
 }
 
 void AppControl::StartGCode(const GCodeProgram* pProgram)
@@ -209,6 +209,7 @@ void AppControl::RunOperation(eOperation eCode)
         {OP_GCODE, true, true, true, &AppControl::RunProgram},
         // From where the tool is: the first shape lifts it anyway.
         {OP_SHAPES, true, false, true, &AppControl::CutShapes},
+        {OP_IMG_CARVING, true, true, true, &AppControl::RunImgCarving},
     };
     const auto work = std::find_if(std::begin(lstWork), std::end(lstWork),
                                    [eCode](const stWork& entry) { return entry.eCode == eCode; });

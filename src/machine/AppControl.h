@@ -1,4 +1,5 @@
 #pragma once
+#include "carving/ImgCarving.h"
 #include "common/MachineTypes.h"
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
@@ -58,6 +59,10 @@ public:
     void StartExecGCodeLine(const GCodeProgram* pProgram, int iLine);
     void StartShapeCutting(stShapeCuttingInfo* pInfo);   // owned by the caller, read until the operation has ended
     void CreateGCodeFromShapes(QString fileName);        // of m_pShapeCuttingInfo; no axis moves
+    void StartImgCarving();
+    // No axis moves. False: not written; why has been told, unless the file could not even be made.
+    bool CreateGCodeFromImage(QString strFile);
+    bool WriteImageToGCodeFile(QString strFile);   // adds one pass
     // Everything stands at once, without a ramp; a paused job is abandoned.
     void StopAll();
 
@@ -123,6 +128,13 @@ public:
     // ---- Shapes; worker ----
     void CutShapes();
 
+    // ---- Carving; worker, or the interface where no operation runs ----
+    void RunImgCarving();        // all passes; worker
+    virtual bool ImgCarving();   // one pass; worker
+    void CreateImgZProfile();    // the grid, of the record's depth as it is now
+    void CreateCarvingZProfile(stImgZProfileInfo* pMap);
+    static void GetMinMaxValue(QImage& img, unsigned char& iMin, unsigned char& iMax);
+
     // ---- Program; worker ----
     void RunGCode();
     bool ExecGCodeLine(int iLine);
@@ -133,8 +145,10 @@ public:
     qint32 m_iSingleLineNo = 0;
     const GCodeProgram* m_pGCodeProgram = nullptr;       // owned by the caller
     stShapeCuttingInfo* m_pShapeCuttingInfo = nullptr;   // owned by the caller
-    CShared<qint32> m_eOperation = OP_NONE;              // until the interface has taken note of the end
-    CShared<bool> m_bPause = false;                      // moves wait while it is set
+    stImgCarvingData m_stImgCarvingData;
+    CShared<quint16> m_iCurCarvingRow = 0;    // of the picture
+    CShared<qint32> m_eOperation = OP_NONE;   // until the interface has taken note of the end
+    CShared<bool> m_bPause = false;           // moves wait while it is set
     CShared<bool> m_bOperationFinished = false;
     CShared<bool> m_bStartBtnPressRequest = false;   // M00, M01: draw Start as pressed
     CShared<bool> m_bToolChangePause = false;        // a tool change asks for the pause
@@ -174,9 +188,9 @@ private:
 
     // Start: interface thread. False, with a message: the last operation has not ended.
     bool ClaimWorker();
-    void LaunchOperation(eOperation eCode);
+    void LaunchOperation(eOperation eCode, Priority ePriority = InheritPriority);
     bool ClaimForJob();
-    void LaunchJob(eOperation eCode, bool bAutoSpindle);
+    void LaunchJob(eOperation eCode, bool bAutoSpindle, Priority ePriority = InheritPriority);
 
     // Worker.
     struct stWork;
@@ -203,6 +217,9 @@ private:
     // Program, worker.
     friend class CGCodeLineExec;
     class CShapeCutter;
+    class CCarver;
+    bool AppendImage(const QString& strFile, QString& strWhy);
+    bool ExportImage(const QString& strFile, QString& strWhy);
     // Holds the worker while the pause is set. False: the job was stopped meanwhile.
     bool WaitWhilePaused();
     // The words of a line that a move takes: coordinates, F, S. REFUSED: told, and the run ends before the line moves.

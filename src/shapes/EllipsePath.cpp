@@ -4,6 +4,7 @@
 #include "config/AppConfig.h"
 #include "shapes/PolygonEdit.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -70,6 +71,7 @@ void Trim(ShapePath& path, double fStart, double fEnd)
     if (uEnd < uFirst) uEnd = uFirst;
     path.erase(path.begin() + static_cast<std::ptrdiff_t>(uEnd), path.end());
     path.erase(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(uFirst));
+    path.shrink_to_fit();
 }
 
 QString WhyNoPath(double a, double fStep)
@@ -99,6 +101,12 @@ QString CreateEllipsePoints(stEllipse& ellipse)
     ellipse.lstPoints = std::move(path);
     if (!ellipse.lstPoints.empty()) return {};
     return QStringLiteral("%1 has no points: its arc ends where it starts").arg(ellipse.strShapeName);
+}
+
+double CountEllipsePoints(const stEllipse& ellipse)
+{
+    const double a = SemiAxis(ellipse.fMajorAxisDia, ellipse.bHole);
+    return WhyNoPath(a, ellipse.fXAxisStep).isEmpty() ? 4.0 * std::max(a, 0.0) / ellipse.fXAxisStep + 5.0 : 0.0;
 }
 
 std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline)

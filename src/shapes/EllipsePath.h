@@ -7,6 +7,8 @@
 // Rebuilds lstPoints from the other fields: outside the outline, or inside with bHole. Empty, or why there are no
 // points, for the log.
 QString CreateEllipsePoints(stEllipse& ellipse);
+// About how many points that makes, before an arc is cut out of them; 0 where it makes none.
+double CountEllipsePoints(const stEllipse& ellipse);
 
 // The rings of the pocket inside the outline, from the outermost inwards, half a tool apart; without lstPoints. None
 // where the tool does not fit twice.

@@ -116,13 +116,12 @@ private:
               &ellipse.fOrientation, &ellipse.fXAxisStep, &ellipse.fArcStartAngle, &ellipse.fArcEndAngle})
             *pField = Number();
         m_Info.lstShapes.push_back(shape);
-        if (const QString strWhy = CreateEllipsePoints(ellipse); !strWhy.isEmpty()) m_lstNotices += strWhy;
-        m_uEllipsePoints += ellipse.lstPoints.size();
-        if (m_uEllipsePoints <= MAX_ELLIPSE_POINTS) return;
-        m_uEllipsePoints -= ellipse.lstPoints.size();
-        ellipse.lstPoints = {};
-        m_lstNotices +=
-            QStringLiteral("%1 has no points: the ellipses of this file have too many").arg(ellipse.strShapeName);
+        m_fEllipsePoints += CountEllipsePoints(ellipse);
+        const QString strWhy =
+            m_fEllipsePoints <= MAX_ELLIPSE_POINTS
+                ? CreateEllipsePoints(ellipse)
+                : QStringLiteral("%1 has no points: the ellipses of this file have too many").arg(ellipse.strShapeName);
+        if (!strWhy.isEmpty()) m_lstNotices += strWhy;
     }
 
     void ReadPolygon()
@@ -150,12 +149,12 @@ private:
     }
 
     // All ellipses of a file: points are made from a few numbers, so a small file could ask for any amount of memory.
-    static constexpr size_t MAX_ELLIPSE_POINTS = 20'000'000;
+    static constexpr double MAX_ELLIPSE_POINTS = 20'000'000.0;
     QXmlStreamReader m_Xml;
     const qint64 m_lSize;   // bytes
     stShapeCuttingInfo& m_Info;
     QStringList& m_lstNotices;
-    size_t m_uEllipsePoints = 0;
+    double m_fEllipsePoints = 0.0;
 };
 }   // namespace
 

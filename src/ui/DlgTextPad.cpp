@@ -156,7 +156,8 @@ bool CTextPadOpener::eventFilter(QObject* pObject, QEvent* pEvent)
     if (pEvent->type() == QEvent::MouseButtonPress) m_bTouched = true;
     if (pEvent->type() != QEvent::MouseButtonRelease || !m_bTouched) return false;
     m_bTouched = false;
-    if ((m_pEdit ? m_pEdit->isReadOnly() : m_pLines->isReadOnly()) ||
+    const bool bReadOnly = m_pEdit ? m_pEdit->isReadOnly() : m_pLines->isReadOnly();
+    if (!Field()->isEnabled() || bReadOnly ||
         !Field()->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
         return false;
     QTimer::singleShot(0, this, &CTextPadOpener::Open);

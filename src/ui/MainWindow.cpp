@@ -39,6 +39,8 @@ MainWindow::MainWindow(QWidget* pParent)
     SetUpRoundButtons();
     StartSupervision();
     SetUpSlideBars();
+    m_CncCamera.setParent(this);
+    connect(&m_CncCamera, &CCncCamera::NewImage, this, &MainWindow::OnNewCncCamImage);
     m_pBtnClickTimer = new QTimer(this);
     connect(m_pBtnClickTimer, &QTimer::timeout, this, &MainWindow::OnBtnClickTimerElapsed);
     ClearToolGraphics();
@@ -55,6 +57,7 @@ void MainWindow::SetUpWindow()
         pButton->setStyleSheet(BTN_BKGND_GRAY);
     m_pUi->Btn_StartPause->setStyleSheet(BTN_BKGND_START);
     m_pUi->Btn_SelectToolPaths->setStyleSheet(BTN_BKGND_GREEN);
+    m_pUi->Btn_CameraRecStop->setIcon(QIcon(QStringLiteral(":/res/StartVideoRec.png")));
     for (QPushButton* pButton : {m_pUi->Btn_JobSettings, m_pUi->Btn_GCode, m_pUi->Btn_ShapeCarving,
                                  m_pUi->Btn_ImageCarving, m_pUi->Btn_UserSettings, m_pUi->Btn_MachineSettings})
         pButton->setStyleSheet(SCREEN_BTN_UNSELECTED);
@@ -91,6 +94,7 @@ void MainWindow::SetUpPicture()
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceWidth, WIDTH_LABEL, m_Picture.Width());
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, HEIGHT_LABEL, m_Picture.Height());
     m_ToolPathView.setParent(this);
+    m_ToolPathView.setObjectName(QStringLiteral("m_ToolPathView"));
     m_ToolPathView.m_colBkGnd = QColor(0, 0, 0, 255);
     m_ToolPathView.setGeometry(PICTURE);
     m_ToolPathView.EnableZoom(true);
@@ -200,6 +204,7 @@ void MainWindow::SetUpSlideBars()
 
 MainWindow::~MainWindow()
 {
+    if (m_CncCamera.IsCamOpen()) m_CncCamera.StopVideoCapture();
     CVANTORGPIO::PwmStop();
     m_pSupervisionTimer->stop();
     m_AppControl.StopAll();

@@ -1,4 +1,5 @@
 #pragma once
+#include "camera/CncCamera.h"
 #include "common/MachineTypes.h"
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
@@ -119,6 +120,9 @@ public slots:
     void on_Btn_SetWorkPieceWidth_clicked();
     void on_Btn_SetWorkPieceHeight_clicked();
     void on_Btn_SelectToolPaths_clicked();
+    void on_Btn_SelectCamera_clicked();
+    void on_Btn_CameraRecStop_clicked();
+    void OnNewCncCamImage();
 
     void on_Btn_ClearLog_clicked();
     void on_Btn_SaveLog_clicked();
@@ -193,6 +197,7 @@ private:
     double AskWorkPieceSize(QPushButton* pButton, const QString& strTitle, const QString& strLabel, double fSize);
     void ShowWorkPieceSize(QPushButton* pButton, const QString& strLabel, double fSize);
     void UpdateToolPathView();
+    bool StartRecording();
 
     // Keyboard.
     void DoKey(const stKeyDecision& decision, int iKey);
@@ -229,7 +234,10 @@ public:
     AppControl m_AppControl;
 
 private:
+    QImage m_CameraImage;   // what is shown of the camera
     CMyView m_ToolPathView;
+    CCncCamera m_CncCamera;
+    bool m_bVideoRecording = false;
     qint32 m_iKeyHoldCode = 0;   // -1: used
     QElapsedTimer m_KeyHoldTimer;
     quint16 m_iLastPwmFreq = 0;

@@ -59,6 +59,9 @@ public:
     int m_iAxes = 3;                                 // that are noted
     std::function<void(size_t uMoves)> m_fnOnMove;   // before a move, with how many there were
 
+protected:
+    std::vector<QJsonObject> m_lstCalls;
+
 private:
     template <class F> bool NoteMove(const char* szCmd, const stFloatPoint& to, bool bSetAccVel, bool bWait, F&& fnMove)
     {
@@ -69,7 +72,6 @@ private:
         m_bInMove = false;
         return bOk;
     }
-    std::vector<QJsonObject> m_lstCalls;
     bool m_bInMove = false;
 };
 

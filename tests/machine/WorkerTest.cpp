@@ -205,9 +205,16 @@ INSTANTIATE_TEST_SUITE_P(Kinds, WorkerStop,
 
 // ---- Starts ---------------------------------------------------------------------------------------------------------
 
+enum class eJob
+{
+    PROGRAM,
+    LINE,
+    SHAPES
+};
 struct stSpindle
 {
-    bool bSingleLine, bSimulation, bCw, bCcw;
+    eJob eWhat;
+    bool bSimulation, bCw, bCcw;
     int iCwLevel, iCcwLevel;
 };
 class WorkerSpindle : public Worker, public testing::WithParamInterface<stSpindle>
@@ -223,22 +230,27 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     const GCodeProgram program(3);
     m_App.m_bExecSingleLine = true;   // left behind by a line that was given up
     m_App.m_fnWorkZero = [] { return false; };
-    if (job.bSingleLine)
+    stShapeCuttingInfo shapes;
+    if (job.eWhat == eJob::LINE)
         m_App.StartExecGCodeLine(&program, 2);
-    else
+    else if (job.eWhat == eJob::PROGRAM)
         m_App.StartGCode(&program);
+    else
+        m_App.StartShapeCutting(&shapes);
     m_App.wait();
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[3]), job.iCwLevel);
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[4]), job.iCcwLevel);
     EXPECT_EQ(AppConfig::m_bSpindleOn, job.iCwLevel + job.iCcwLevel > 0);
-    EXPECT_EQ(m_App.m_iWorkZeroMoves, job.bSingleLine ? 0 : 1);
+    EXPECT_EQ(m_App.m_iWorkZeroMoves, job.eWhat == eJob::PROGRAM ? 1 : 0);
     EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
     EXPECT_TRUE(m_App.m_bOperationFinished);
 }
 INSTANTIATE_TEST_SUITE_P(Jobs, WorkerSpindle,
-                         testing::Values(stSpindle{false, false, true, true, 1, 0},
-                                         stSpindle{false, false, false, true, 0, 1},
-                                         stSpindle{false, false, false, false, 0, 0},
-                                         stSpindle{false, true, true, false, 0, 0},
-                                         stSpindle{true, true, false, true, 0, 1}));   // in simulation too
+                         testing::Values(stSpindle{eJob::PROGRAM, false, true, true, 1, 0},
+                                         stSpindle{eJob::PROGRAM, false, false, true, 0, 1},
+                                         stSpindle{eJob::PROGRAM, false, false, false, 0, 0},
+                                         stSpindle{eJob::PROGRAM, true, true, false, 0, 0},
+                                         stSpindle{eJob::LINE, true, false, true, 0, 1},   // in simulation too
+                                         stSpindle{eJob::SHAPES, false, true, true, 1, 0},
+                                         stSpindle{eJob::SHAPES, true, false, true, 0, 0}));
 }   // namespace

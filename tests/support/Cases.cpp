@@ -82,6 +82,8 @@ const std::map<QString, Setter>& Setters()
                                                   MEMBER(m_fAxisMovPerPulse),
                                                   MEMBER(m_fUserAxisFeed),
                                                   MEMBER(m_fEndMillDia),
+                                                  MEMBER(m_bMultipassImgCarving),
+                                                  MEMBER(m_eAxisPosDir),
                                                   MEMBER(m_fAxisAcc),
                                                   MEMBER(m_fPlungeFeed),
                                                   MEMBER(m_fAxisPosDirLimit),

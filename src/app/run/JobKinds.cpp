@@ -1,4 +1,5 @@
 #include "app/run/GCodeJob.h"
+#include "app/run/WorkAreaJob.h"
 
 #include <QFileInfo>
 
@@ -21,6 +22,9 @@ const std::vector<stKind>& Kinds()
 {
     static const std::vector<stKind> kinds = {
         {{}, "a G-code program; \"-\" is one on standard input", Make<CGCodeJob>},
+        {{QStringLiteral("xml")},
+         "a work area of shapes, cut as it stands; --job fZStep=MM is the depth of a pass",
+         Make<CWorkAreaJob>},
     };
     return kinds;
 }

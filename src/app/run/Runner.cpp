@@ -69,13 +69,13 @@ eExit CRunner::Run()
             PrintUnlessQuiet(QStringLiteral("%1: %2\n").arg(m_Options.strJob, m_pJob->Size()));
         return uWrong == 0 ? EXIT_DONE : EXIT_WRONG;
     }
-    if (!m_Options.strToGCode.isEmpty()) return WriteGCode();
     if (uWrong > 0) {
-        m_pScreen->Say(QStringLiteral("%1: %2 with errors, not run")
+        m_pScreen->Say(QStringLiteral("%1: %2, not run")
                            .arg(m_Options.strJob,
-                                uWrong == 1 ? QStringLiteral("1 line") : QStringLiteral("%1 lines").arg(uWrong)));
+                                uWrong == 1 ? QStringLiteral("1 error") : QStringLiteral("%1 errors").arg(uWrong)));
         return EXIT_WRONG;
     }
+    if (!m_Options.strToGCode.isEmpty()) return WriteGCode();
     if (!SetUpMachine()) return m_eFailed;
     RunOperations();
     return Finish();

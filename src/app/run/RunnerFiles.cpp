@@ -91,8 +91,10 @@ bool CRunner::PrepareJob()
         return Fail(m_Options.strJob + QStringLiteral(": --to-gcode: is a program already"));
     for (const QString& strAssignment : m_Options.lstJobFields)
         if (!SetJobField(*m_pJob, strAssignment, strWhy)) return Fail(QStringLiteral("--job ") + strWhy);
-    if (m_pJob->Load({strPath, m_Options.strJob, m_Scratch.path(), *m_pScreen}, strWhy)) return true;
-    return Fail(m_Options.strJob + QStringLiteral(": ") + strWhy);
+    if (!m_pJob->Load({strPath, m_Options.strJob, m_Scratch.path(), *m_pScreen}, strWhy))
+        return Fail(m_Options.strJob + QStringLiteral(": ") + strWhy);
+    if (m_Options.iStartLine == 1 || m_pJob->Lines() > 0) return true;
+    return Fail(m_Options.strJob + QStringLiteral(": --start-line: has no lines"));
 }
 
 // Into a file of its own, whose path is put into strPath.
