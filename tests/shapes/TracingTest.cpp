@@ -214,6 +214,11 @@ TEST_F(TracedPicture, AVertexWhosePixelIsItsMillimetreIsLeftOut)
     cv::rectangle(img, cv::Rect(20, 50, 31, 21), cv::Scalar(0), cv::FILLED);
     EXPECT_EQ(PathArray(TracePicture(Picture(img))[0]),
               (QJsonArray{QJsonArray{20, 30}, QJsonArray{50, 30}, QJsonArray{20, 30}}));
+    // Row 70 is 30 mm, 40 off: a pulse of that is just enough.
+    AppConfig::m_fAxisMovPerPulse[Y_AXIS] = std::nextafter(40.0, 0.0);
+    EXPECT_EQ(TracePicture(Picture(img))[0].size(), 3u);
+    AppConfig::m_fAxisMovPerPulse[Y_AXIS] = 40;
+    EXPECT_TRUE(TracePicture(Picture(img))[0].empty());
     AppConfig::m_fAxisMovPerPulse[X_AXIS] = AppConfig::m_fAxisMovPerPulse[Y_AXIS] = 100;
     const std::vector<ShapePath> lstPaths = TracePicture(Picture(img));
     ASSERT_EQ(lstPaths.size(), 2u);
