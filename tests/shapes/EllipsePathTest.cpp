@@ -19,6 +19,7 @@ protected:
         m_Ellipse.fMinorAxisDia = 10.0;
         m_Ellipse.fXAxisStep = 1.0;
     }
+    QString m_strWhy;
     const ShapePath& Path()
     {
         EXPECT_EQ(CreateEllipsePoints(m_Ellipse), QString());
@@ -75,7 +76,7 @@ TEST_F(EllipsePath, ArcsAreCutOutBetweenTheirAngles)
     EXPECT_EQ(Arc(0, 0).size(), whole.size() - 2) << "an end at the first point counts as none";
 
     m_Ellipse.fArcStartAngle = m_Ellipse.fArcEndAngle = 45.0;
-    EXPECT_EQ(CreateEllipsePoints(m_Ellipse), QString(" has no points: its arc ends where it starts"));
+    EXPECT_EQ(CreateEllipsePoints(m_Ellipse), QString(" has no points: no point of it lies in its arc"));
     m_Ellipse.fArcStartAngle = 400.0;   // from a file: no point is that far round
     m_Ellipse.fArcEndAngle = 500.0;
     EXPECT_EQ(Path().size(), whole.size() - 2);
@@ -119,7 +120,7 @@ TEST_F(EllipsePath, RingsOfAPocketStandHalfAToolApart)
     m_Ellipse.fXAxisStep = 0.3;
     m_Ellipse.fArcStartAngle = 10.0;
     m_Ellipse.fArcEndAngle = 200.0;
-    const auto lstRings = MakeEllipseRings(m_Ellipse);
+    const auto lstRings = MakeEllipseRings(m_Ellipse, m_strWhy);
     ASSERT_EQ(lstRings.size(), 4u);
     for (size_t n = 0; n < lstRings.size(); ++n) {
         const stEllipse& ring = *lstRings[n].pEllipse;
@@ -131,11 +132,20 @@ TEST_F(EllipsePath, RingsOfAPocketStandHalfAToolApart)
         EXPECT_EQ(fields, (std::vector{7.0, 8.0, 20.0, 0.3, 10.0, 200.0}));
     }
     m_Ellipse.fMinorAxisDia = 2.0;
-    EXPECT_TRUE(MakeEllipseRings(m_Ellipse).empty());
+    EXPECT_TRUE(MakeEllipseRings(m_Ellipse, m_strWhy).empty());
     m_Ellipse.fMinorAxisDia = 4.0;
-    EXPECT_EQ(MakeEllipseRings(m_Ellipse).size(), 1u) << "exactly a radius is left";
+    EXPECT_EQ(MakeEllipseRings(m_Ellipse, m_strWhy).size(), 1u) << "exactly a radius is left";
     AppConfig::m_fEndMillDia = 0.0;
-    EXPECT_TRUE(MakeEllipseRings(m_Ellipse).empty());
+    EXPECT_TRUE(MakeEllipseRings(m_Ellipse, m_strWhy).empty());
+    EXPECT_EQ(m_strWhy, QString());
+
+    AppConfig::m_fEndMillDia = 0.1;   // 2,000 rings of up to 20,000 points; rings that never grow smaller
+    for (const double fDia : {200.0, 1e300}) {
+        m_Ellipse.fMajorAxisDia = m_Ellipse.fMinorAxisDia = fDia;
+        m_Ellipse.fXAxisStep = fDia / 10000.0;
+        EXPECT_TRUE(MakeEllipseRings(m_Ellipse, m_strWhy).empty());
+        EXPECT_TRUE(std::exchange(m_strWhy, QString()).contains("too many points"));
+    }
 }
 
 TEST_F(EllipsePath, StepsSnapDownToWholePulses)
