@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what building and testing need, by package name; does nothing, quickly, when nothing is missing.
-# Debian 12, or Raspberry Pi OS of the same age.
+# Debian 12, or Raspberry Pi OS of the same age. With --missing it only tells what it would install, a name a line.
 set -euo pipefail
 
 packages=(
@@ -11,7 +11,7 @@ packages=(
     libopencv-imgcodecs-dev libopencv-videoio-dev   # picture files, the camera
     libgtest-dev                # tests
     libbenchmark-dev            # bench/
-    clang-format                # the check of the layout
+    clang-format shellcheck     # the checks of the layout and of the scripts
     fonts-dejavu-core           # the one font of pictures and screens
 )
 
@@ -25,6 +25,10 @@ for package in "${packages[@]}"; do
     [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)" = installed ] || missing+=("$package")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
+if [ "${1-}" = --missing ]; then
+    printf '%s\n' "${missing[@]}"
+    exit 0
+fi
 
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then

@@ -94,7 +94,7 @@ public:
     static double m_fAxisDutyCycle[MAX_AXES];   // high share of a step pulse's period
     static double m_fAxisMovPerPulse[MAX_AXES];
     static double m_fEndMillDia;
-    static double m_fAxisJogFeed[MAX_AXES];   // jogging, first approach of homing
+    static CShared<double> m_fAxisJogFeed[MAX_AXES];   // jogging, first approach of homing; may follow the override
     static double m_fZSafePos;
     static quint32 m_iVelAccSamplingTime;   // us
     static double m_fAxisManualToolChngPos[MAX_AXES];

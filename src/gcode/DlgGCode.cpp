@@ -64,7 +64,6 @@ CdlgGCode::CdlgGCode(QWidget* pParent) : QDialog(pParent), m_pUi(std::make_uniqu
     // The running line is shown in the closed field: it must be read from afar.
     m_pUi->LE_GCodeCmnds->setStyleSheet(QStringLiteral("QLineEdit:disabled {color: rgb(230, 230, 230);}"));
     m_pUi->LE_GCodeCmnds->installEventFilter(this);
-    m_pUi->Btn_OpenDXF->setEnabled(DXF_SCREEN_READY);
     connect(this, &CdlgGCode::GCodeLoadComplete, this, &CdlgGCode::on_GCode_Load_Complete);
     connect(this, &CdlgGCode::GCodeCompilationComplete, this, &CdlgGCode::on_GCode_Compile_Complete);
 }
@@ -100,7 +99,6 @@ void CdlgGCode::ResetUI(bool bEnable)
         m_pUi->Btn_ExecOneGCodeLine->setStyleSheet(BTN_BKGND_GRAY);
     }
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setEnabled(bEnable);
-    m_pUi->Btn_OpenDXF->setEnabled(bEnable && DXF_SCREEN_READY);
     m_pUi->LW_GcodeCommands->setEnabled(bEnable);
 }
 

@@ -14,9 +14,6 @@ namespace Ui {
 class CdlgGCode;
 }
 
-// The button of the drawings and its slot belong to the screen that reads drawings; off until that is there.
-inline constexpr bool DXF_SCREEN_READY = false;
-
 // The screen of the program: view, line editing, errors, and the checks before a run. Only ten lines are ever in its
 // list. The window is its parent before ConfigSettings. Interface thread, except the store's statics.
 class CdlgGCode : public QDialog, public CGCodeStore
@@ -66,6 +63,7 @@ private slots:
     void on_Btn_OpenGCode_clicked();
     void on_Btn_SaveGCode_clicked();
     void on_Btn_SaveAsGCode_clicked();
+    void on_Btn_OpenDXF_clicked();
     void on_Btn_EditGCode_clicked();
     void on_Btn_UpdateGCodeLine_clicked();
     void on_Btn_InsertNewGCodeLine_clicked();
@@ -114,9 +112,11 @@ private:
 
     // ---- Files ----
     bool AskToSave();
+    bool SaveProgram();   // under its name, if it has one of its own
     QString AskProgram();
     void RememberProgram(const QString& strPath);
     void TakeProgram(const QString& strPath);
+    void LoadInBackground(const QString& strPath);
     static QString WhyNotSaved(const QString& strPath, bool bOpened);
 
     // ---- Editing ----

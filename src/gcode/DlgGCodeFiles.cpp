@@ -45,6 +45,11 @@ void CdlgGCode::on_Btn_OpenGCode_clicked()
     TakeProgram(strPath);
     Host().AddLogMsg(QStringLiteral("Loading G-Code.This may take few seconds based on the G-Code File size"),
                      MSG_INFO);
+    LoadInBackground(strPath);
+}
+
+void CdlgGCode::LoadInBackground(const QString& strPath)
+{
     m_bGCodeLoading = true;
     m_LoadTask = QtConcurrent::run([this, strPath, freed = m_FreeTask]() mutable {
         freed.waitForFinished();
@@ -129,17 +134,21 @@ bool CdlgGCode::AskToSave()
         m_bEdited = false;
         return true;
     }
-    return m_strFile.isEmpty() ? SaveGCode() : OverWriteGCodeFile();
+    return SaveProgram();
+}
+
+// The name of a drawing is not the program's own: under it the program would take the place of the drawing.
+bool CdlgGCode::SaveProgram()
+{
+    const bool bOwnName = !m_strFile.isEmpty() && !m_strFile.endsWith(QStringLiteral(".dxf"), Qt::CaseInsensitive);
+    return bOwnName ? OverWriteGCodeFile() : SaveGCode();
 }
 
 void CdlgGCode::on_Btn_SaveGCode_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_SaveGCode);
     if (CGCodeEditor::LineCount() == 0) return;
-    if (m_strFile.isEmpty())
-        SaveGCode();
-    else
-        OverWriteGCodeFile();
+    SaveProgram();
 }
 
 void CdlgGCode::on_Btn_SaveAsGCode_clicked()

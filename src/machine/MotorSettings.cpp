@@ -16,8 +16,10 @@ double CMotorSettings::HighestUserFeed(eAxis axis)
 static void KeepFeedRoom(eAxis axis)
 {
     const double fMax = A::m_fMaxAxisFeed[axis];
-    for (double* pFeed : {&A::m_fUserAxisFeed[axis], &A::m_fAxisJogFeed[axis]})
-        if (*pFeed * MAX_FEED_CHANGE_PERCENT > fMax) *pFeed = fMax / MAX_FEED_CHANGE_PERCENT;
+    if (A::m_fUserAxisFeed[axis] * MAX_FEED_CHANGE_PERCENT > fMax)
+        A::m_fUserAxisFeed[axis] = fMax / MAX_FEED_CHANGE_PERCENT;
+    if (A::m_fAxisJogFeed[axis] * MAX_FEED_CHANGE_PERCENT > fMax)
+        A::m_fAxisJogFeed[axis] = fMax / MAX_FEED_CHANGE_PERCENT;
     A::m_fAxisFeed[axis] = A::m_fUserAxisFeed[axis] * A::m_fAxisFeedPercent[axis];
 }
 

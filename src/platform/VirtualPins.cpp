@@ -1,5 +1,6 @@
 #include "platform/VirtualPins.h"
 
+#include "platform/PinKind.h"
 #include "platform/Spi.h"
 #include "platform/WiringPi.h"
 
@@ -59,6 +60,11 @@ void CVirtualPins::SetSpiInput(std::vector<quint8> bytes)
 {
     const std::lock_guard lock(g_CallMutex);
     g_lstSpiInput = std::move(bytes);
+}
+
+bool PinsAreReal()
+{
+    return false;
 }
 
 extern "C" {

@@ -30,7 +30,7 @@ void CDlgUserSettings::ConfigSettings()
 {
     for (const stUserNumber& number : UserNumbers()) {
         auto* pButton = findChild<QPushButton*>(number.strButton);
-        ShowNumber(pButton, number.fnField(), *number.pValue);
+        ShowNumber(pButton, number.fnField(), number.Value());
         pButton->setEnabled(!number.bOfAxis || number.axis < A::m_iMchType);
     }
     for (QLabel* pLabel : {m_pUi->Lbl_Feeds_A, m_pUi->Lbl_Feeds_B}) pLabel->setEnabled(A::m_iMchType == MAX_AXES);
@@ -81,11 +81,11 @@ void CDlgUserSettings::Edit(const stUserNumber& number)
 {
     CScreenHost& host = HostOf(*this);
     if (RefuseMachineInUse(host)) return;
-    const auto fNew = AskNumber(host, findChild<QPushButton*>(number.strButton), number.fnField(), *number.pValue);
+    const auto fNew = AskNumber(host, findChild<QPushButton*>(number.strButton), number.fnField(), number.Value());
     if (!fNew) return;
     CMotorSettings motors(host.Machine());
     if (!number.fnStore)
-        *number.pValue = *fNew;
+        number.SetValue(*fNew);
     else if (const QString strWhy = number.fnStore(motors, *fNew); !strWhy.isEmpty())
         host.AddLogMsg(strWhy, MSG_ERROR);
     ConfigSettings();

@@ -3,6 +3,7 @@
 #include "settings/SettingsInput.h"
 
 #include <functional>
+#include <variant>
 #include <vector>
 
 // The numbers of the user settings, each with its button: one entry an axis where the setting has one.
@@ -12,8 +13,17 @@ struct stUserNumber
     eAxis axis;                               // Z for what is not of one axis
     bool bOfAxis;                             // greyed where the machine does not have the axis
     std::function<stNumberField()> fnField;   // ranges follow other settings
-    double* pValue;
+    std::variant<double*, CShared<double>*> value;
     // Stores what was entered; a text that comes back is for the log. Null: the value is stored as it is.
     std::function<QString(CMotorSettings&, double)> fnStore;
+
+    double Value() const
+    {
+        return std::visit([](const auto* pValue) { return static_cast<double>(*pValue); }, value);
+    }
+    void SetValue(double fValue) const
+    {
+        std::visit([fValue](auto* pValue) { *pValue = fValue; }, value);
+    }
 };
 const std::vector<stUserNumber>& UserNumbers();

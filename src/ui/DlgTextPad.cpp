@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
 #include <QTimer>
 
 static const QString GCODE_KEYS = QStringLiteral("GMXYZIJKRFSTP");
@@ -15,6 +16,7 @@ static const QStringList SYMBOLS = {QStringLiteral("!\"#$%&'()*"), QStringLitera
                                     QStringLiteral("/\\|{}~^,")};
 static const QStringList DIGITS = {QStringLiteral("789"), QStringLiteral("456"), QStringLiteral("123"),
                                    QStringLiteral("0.-")};
+static constexpr QChar NEW_LINE(0x23CE);   // stands for a line feed in the field of one line
 static constexpr int DIGIT_COLUMN = 10, KEY_WIDTH = 64, KEY_HEIGHT = 52;   // pixels
 
 CDlgTextPad::CDlgTextPad(QWidget* pParent) : QDialog(pParent), m_pUi(new Ui::CDlgTextPad)
@@ -57,14 +59,24 @@ CDlgTextPad::CDlgTextPad(QWidget* pParent) : QDialog(pParent), m_pUi(new Ui::CDl
 
 CDlgTextPad::~CDlgTextPad() = default;
 
-bool CDlgTextPad::Edit(QWidget* pParent, const QString& strTitle, QString& strText)
+bool CDlgTextPad::Edit(QWidget* pParent, const QString& strTitle, QString& strText, bool bLines)
 {
     CDlgTextPad pad(pParent);
     pad.setWindowTitle(strTitle);
-    pad.SetText(strText);
+    if (bLines) pad.EnableLines();
+    pad.SetText(bLines ? QString(strText).replace(QLatin1Char('\n'), NEW_LINE) : strText);
     if (pad.exec() != QDialog::Accepted) return false;
-    strText = pad.Text();
+    strText = bLines ? pad.Text().replace(NEW_LINE, QLatin1Char('\n')) : pad.Text();
     return true;
+}
+
+// Between Clear and Cancel.
+void CDlgTextPad::EnableLines()
+{
+    QPushButton* pKey = AddKey(QStringLiteral("Btn_NewLine"), NEW_LINE, 5, 2);
+    m_pUi->Grid_Keys->addWidget(pKey, 5, 2, 1, 4);
+    pKey->setText(QStringLiteral("New line ") + NEW_LINE);
+    pKey->setFont(CLook::Font(16, true));
 }
 
 void CDlgTextPad::SetText(const QString& strText)
@@ -126,13 +138,27 @@ CTextPadOpener::CTextPadOpener(QLineEdit* pEdit, const QString& strTitle)
     pEdit->installEventFilter(this);
 }
 
+CTextPadOpener::CTextPadOpener(QPlainTextEdit* pEdit, const QString& strTitle)
+    : QObject(pEdit), m_pLines(pEdit), m_strTitle(strTitle)
+{
+    pEdit->viewport()->installEventFilter(this);
+}
+
+QWidget* CTextPadOpener::Field() const
+{
+    return m_pEdit ? m_pEdit : m_pLines->viewport();
+}
+
 // The keyboard opens on the release, after the field has done with the press.
 bool CTextPadOpener::eventFilter(QObject* pObject, QEvent* pEvent)
 {
-    if (pObject == m_pEdit && pEvent->type() == QEvent::MouseButtonPress) m_bTouched = true;
-    if (pObject != m_pEdit || pEvent->type() != QEvent::MouseButtonRelease || !m_bTouched) return false;
+    if (pObject != Field()) return false;
+    if (pEvent->type() == QEvent::MouseButtonPress) m_bTouched = true;
+    if (pEvent->type() != QEvent::MouseButtonRelease || !m_bTouched) return false;
     m_bTouched = false;
-    if (m_pEdit->isReadOnly() || !m_pEdit->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
+    const bool bReadOnly = m_pEdit ? m_pEdit->isReadOnly() : m_pLines->isReadOnly();
+    if (!Field()->isEnabled() || bReadOnly ||
+        !Field()->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
         return false;
     QTimer::singleShot(0, this, &CTextPadOpener::Open);
     return false;
@@ -140,9 +166,10 @@ bool CTextPadOpener::eventFilter(QObject* pObject, QEvent* pEvent)
 
 void CTextPadOpener::Open()
 {
-    QString strText = m_pEdit->text();
+    QString strText = m_pEdit ? m_pEdit->text() : m_pLines->toPlainText();
     const QPointer<CTextPadOpener> alive(this);
-    if (!CDlgTextPad::Edit(m_pEdit->window(), m_strTitle, strText) || !alive) return;
+    if (!CDlgTextPad::Edit(Field()->window(), m_strTitle, strText, m_pLines != nullptr) || !alive) return;
+    if (m_pLines) return m_pLines->setPlainText(strText);
     m_pEdit->selectAll();
     m_pEdit->insert(strText);   // as typed: the field's own limits and signals hold
     emit m_pEdit->editingFinished();

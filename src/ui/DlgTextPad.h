@@ -7,6 +7,7 @@
 
 class QApplication;
 class QLineEdit;
+class QPlainTextEdit;
 class QPushButton;
 namespace Ui {
 class CDlgTextPad;
@@ -22,8 +23,9 @@ public:
     explicit CDlgTextPad(QWidget* pParent = nullptr);
     ~CDlgTextPad() override;
 
-    // Lets the operator change the text. False: cancelled, and strText as it was.
-    static bool Edit(QWidget* pParent, const QString& strTitle, QString& strText);
+    // Lets the operator change the text. False: cancelled, and strText as it was. With bLines there is a key for a
+    // new line, which the field shows as a sign.
+    static bool Edit(QWidget* pParent, const QString& strTitle, QString& strText, bool bLines = false);
 
     void SetText(const QString& strText);
     QString Text() const;
@@ -33,6 +35,7 @@ private slots:
     void on_Btn_Symbols_toggled(bool bOn);
 
 private:
+    void EnableLines();
     QPushButton* AddKey(const QString& strName, const QString& strText, int iRow, int iColumn);
     void AddRow(const QString& strKeys, int iRow, int iColumn);
     void Write(const QString& strText);
@@ -49,6 +52,7 @@ class CTextPadOpener : public QObject
 
 public:
     CTextPadOpener(QLineEdit* pEdit, const QString& strTitle);
+    CTextPadOpener(QPlainTextEdit* pEdit, const QString& strTitle);   // with line feeds
     // The name field of every file dialog to come. Once.
     static void WatchFileDialogs(QApplication& app);
 
@@ -57,8 +61,10 @@ protected:
 
 private:
     void Open();
+    QWidget* Field() const;   // what the finger touches
 
-    QLineEdit* m_pEdit;
+    QLineEdit* m_pEdit = nullptr;   // one of the two
+    QPlainTextEdit* m_pLines = nullptr;
     QString m_strTitle;
     bool m_bTouched = false;
 };

@@ -39,6 +39,8 @@ MainWindow::MainWindow(QWidget* pParent)
     SetUpRoundButtons();
     StartSupervision();
     SetUpSlideBars();
+    m_CncCamera.setParent(this);
+    connect(&m_CncCamera, &CCncCamera::NewImage, this, &MainWindow::OnNewCncCamImage);
     m_pBtnClickTimer = new QTimer(this);
     connect(m_pBtnClickTimer, &QTimer::timeout, this, &MainWindow::OnBtnClickTimerElapsed);
     ClearToolGraphics();
@@ -55,11 +57,10 @@ void MainWindow::SetUpWindow()
         pButton->setStyleSheet(BTN_BKGND_GRAY);
     m_pUi->Btn_StartPause->setStyleSheet(BTN_BKGND_START);
     m_pUi->Btn_SelectToolPaths->setStyleSheet(BTN_BKGND_GREEN);
+    m_pUi->Btn_CameraRecStop->setIcon(QIcon(QStringLiteral(":/res/StartVideoRec.png")));
     for (QPushButton* pButton : {m_pUi->Btn_JobSettings, m_pUi->Btn_GCode, m_pUi->Btn_ShapeCarving,
                                  m_pUi->Btn_ImageCarving, m_pUi->Btn_UserSettings, m_pUi->Btn_MachineSettings})
         pButton->setStyleSheet(SCREEN_BTN_UNSELECTED);
-    for (QPushButton* pButton : {m_pUi->Btn_ShapeCarving, m_pUi->Btn_ImageCarving})
-        pButton->setEnabled(SHAPES_AND_CARVING_READY);
     for (QLabel* pLetter : m_pUi->frame->findChildren<QLabel*>(QRegularExpression(QStringLiteral("^Lbl_Axis_"))))
         pLetter->setFont(CLook::Font(24, true));
 
@@ -92,6 +93,7 @@ void MainWindow::SetUpPicture()
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceWidth, WIDTH_LABEL, m_Picture.Width());
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, HEIGHT_LABEL, m_Picture.Height());
     m_ToolPathView.setParent(this);
+    m_ToolPathView.setObjectName(QStringLiteral("m_ToolPathView"));
     m_ToolPathView.m_colBkGnd = QColor(0, 0, 0, 255);
     m_ToolPathView.setGeometry(PICTURE);
     m_ToolPathView.EnableZoom(true);
@@ -107,13 +109,16 @@ void MainWindow::SetUpMachine()
 
 void MainWindow::PlaceScreens()
 {
-    for (QWidget* pScreen : std::initializer_list<QWidget*>{&m_dlgJobSettings, &m_dlgGCode, &m_dlgUserSettings,
-                                                            &m_dlgMachineSettings, &m_dlgManual}) {
+    for (QWidget* pScreen :
+         std::initializer_list<QWidget*>{&m_dlgJobSettings, &m_dlgImageCarving, &m_dlgShapes, &m_dlgGCode,
+                                         &m_dlgUserSettings, &m_dlgMachineSettings, &m_dlgManual}) {
         pScreen->setParent(this);
         pScreen->move(pScreen == &m_dlgManual ? JOG_PANEL : WORK_AREA);
         pScreen->hide();
     }
     m_dlgJobSettings.ConfigSettings();
+    m_dlgImageCarving.ConfigSettings();
+    m_dlgShapes.ConfigSettings();
     m_dlgGCode.ConfigSettings();
     m_dlgUserSettings.ConfigSettings();
     m_dlgMachineSettings.ConfigSettings();
@@ -200,6 +205,7 @@ void MainWindow::SetUpSlideBars()
 
 MainWindow::~MainWindow()
 {
+    if (m_CncCamera.IsCamOpen()) m_CncCamera.StopVideoCapture();
     CVANTORGPIO::PwmStop();
     m_pSupervisionTimer->stop();
     m_AppControl.StopAll();
@@ -234,6 +240,7 @@ bool MainWindow::IsEmergencyStopOn()
 void MainWindow::EnlMchHomingOptions(bool bEnable)
 {
     m_dlgUserSettings.UpdateAutoHomingOptions(bEnable);
+    m_dlgShapes.ResetUI(true);
 }
 
 // Wanted: no code starts the timer, it stays idle.

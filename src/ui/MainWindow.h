@@ -1,4 +1,6 @@
 #pragma once
+#include "camera/CncCamera.h"
+#include "carving/DlgImageCarving.h"
 #include "common/MachineTypes.h"
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
@@ -6,6 +8,7 @@
 #include "machine/AppControl.h"
 #include "settings/DlgMachineSettings.h"
 #include "settings/DlgUserSettings.h"
+#include "shapes/DlgShapes.h"
 #include "ui/DlgManual.h"
 #include "ui/DlgMyHorizSlideBar.h"
 #include "ui/KeyControl.h"
@@ -21,9 +24,6 @@
 
 class QTimer;
 class Ui_MainWindow;
-
-// Shape cutting and image carving have no screens: their buttons stay disabled in every state.
-inline constexpr bool SHAPES_AND_CARVING_READY = false;
 
 // The one window of the system. It owns everything: the screens, which it swaps in the work area, the jog panel, the
 // worker and its axes. A timer of 34 ms runs the supervision loop, which shows what the worker has to say and watches
@@ -50,6 +50,7 @@ public:
     void UpdateUserSettings() override { m_dlgUserSettings.ConfigSettings(); }
     void EnableJogPanel(bool bEnable) override { m_dlgManual.setEnabled(bEnable); }
     void GrabKeyboard(bool bGrab) override;
+    void EnableScreenSelectors(bool bEnable) override;
 
     // From the button's text, back to it with four decimals.
     void OpenKeypad(QPushButton* pQBtn, const QString& strWndTitle);
@@ -77,6 +78,8 @@ public slots:
     void AddLogMsg(const QString& strMsg, eAppMsgType eMsgType) override;
 
     void on_Btn_GCode_clicked();
+    void on_Btn_ShapeCarving_clicked();
+    void on_Btn_ImageCarving_clicked();
     void on_Btn_UserSettings_clicked();
     void on_Btn_MachineSettings_clicked();
     void on_Btn_JobSettings_clicked();
@@ -116,6 +119,9 @@ public slots:
     void on_Btn_SetWorkPieceWidth_clicked();
     void on_Btn_SetWorkPieceHeight_clicked();
     void on_Btn_SelectToolPaths_clicked();
+    void on_Btn_SelectCamera_clicked();
+    void on_Btn_CameraRecStop_clicked();
+    void OnNewCncCamImage();
 
     void on_Btn_ClearLog_clicked();
     void on_Btn_SaveLog_clicked();
@@ -147,6 +153,7 @@ private:
     void ShowStartRequest();
     void ShowToolChangePause();
     void NoteOperationEnd();
+    void ShowCarvingRow();
     void ShowToolPathsOfJob();
     void WatchEmergencyStopInput();
     void WatchStartInput();
@@ -159,6 +166,7 @@ private:
     static const stStateRow m_lstStateTable[];
     static const stEndRow m_lstEndTable[];
     bool MayBeEnabled(const QWidget* pWidget) const;
+    bool IsScreenSelector(const QWidget* pWidget) const;
     QString EndWorkHoming();
     QString EndMchHoming();
     QString EndZProbe();
@@ -189,6 +197,7 @@ private:
     double AskWorkPieceSize(QPushButton* pButton, const QString& strTitle, const QString& strLabel, double fSize);
     void ShowWorkPieceSize(QPushButton* pButton, const QString& strLabel, double fSize);
     void UpdateToolPathView();
+    bool StartRecording();
 
     // Keyboard.
     void DoKey(const stKeyDecision& decision, int iKey);
@@ -208,7 +217,9 @@ private:
     CToolPathPicture m_Picture;
     bool m_bInOnTimer = false;
     CdlgJobSettings m_dlgJobSettings;
+    CDlgImageCarving m_dlgImageCarving;
     CDlgManual m_dlgManual;
+    CDlgShapes m_dlgShapes;
     CdlgGCode m_dlgGCode;
     CDlgUserSettings m_dlgUserSettings;
     CDlgMachineSettings m_dlgMachineSettings;
@@ -224,7 +235,10 @@ public:
     AppControl m_AppControl;
 
 private:
+    QImage m_CameraImage;   // what is shown of the camera
     CMyView m_ToolPathView;
+    CCncCamera m_CncCamera;
+    bool m_bVideoRecording = false;
     qint32 m_iKeyHoldCode = 0;   // -1: used
     QElapsedTimer m_KeyHoldTimer;
     quint16 m_iLastPwmFreq = 0;
@@ -232,7 +246,8 @@ private:
     bool m_bKeyModeContinuous = true;
     double m_fKeyJogStep = 0.05;   // mm
     bool m_bKeyJogging = false;
-    bool m_bGrabWanted = true;   // false while text is typed on a screen
+    bool m_bGrabWanted = true;      // false while text is typed on a screen
+    bool m_bSelectorsOff = false;   // shapes are edited
     bool m_bStarting = true;
     bool m_bFiveAxes = false;             // as the machine was started: a change needs a restart
     bool m_bJogPanelTaken = false;        // by a start or a resume; given back at the end of the operation

@@ -187,9 +187,25 @@ QString MainWindow::EndZProfile()
 
 bool MainWindow::MayBeEnabled(const QWidget* pWidget) const
 {
-    if (pWidget == m_pUi->Btn_ShapeCarving || pWidget == m_pUi->Btn_ImageCarving) return SHAPES_AND_CARVING_READY;
+    if (m_bSelectorsOff && IsScreenSelector(pWidget)) return false;
     if (pWidget == m_pUi->Btn_MoveWorkHome_A || pWidget == m_pUi->Btn_MoveWorkHome_B) return m_bFiveAxes;
     return pWidget != m_pUi->Btn_SetZ0WithZProbe || Pin(AppConfig::m_iZProbeInput) < 255;
+}
+
+bool MainWindow::IsScreenSelector(const QWidget* pWidget) const
+{
+    return pWidget == m_pUi->Btn_JobSettings || pWidget == m_pUi->Btn_GCode || pWidget == m_pUi->Btn_ShapeCarving ||
+           pWidget == m_pUi->Btn_ImageCarving || pWidget == m_pUi->Btn_UserSettings ||
+           pWidget == m_pUi->Btn_MachineSettings;
+}
+
+void MainWindow::EnableScreenSelectors(bool bEnable)
+{
+    m_bSelectorsOff = !bEnable;
+    const unsigned uRunning = Bit(m_AppControl.m_eOperation);
+    for (const stStateRow& row : m_lstStateTable)
+        if (QWidget* pWidget = row.fnWidget(*this); IsScreenSelector(pWidget))
+            pWidget->setEnabled(MayBeEnabled(pWidget) && !(row.uOff & uRunning));
 }
 
 void MainWindow::EndJob(qint32 iOperation)
@@ -201,6 +217,8 @@ void MainWindow::EndJob(qint32 iOperation)
     for (const stStateRow& row : m_lstStateTable)
         if (QWidget* pWidget = row.fnWidget(*this); row.uOff & Bit(iOperation))
             pWidget->setEnabled(MayBeEnabled(pWidget));
+    m_dlgImageCarving.ResetUI(true);
+    m_dlgShapes.ResetUI(true);
     m_dlgGCode.ResetUI(true);
     m_AppControl.ResetAccVel();
 }

@@ -21,6 +21,7 @@ void MainWindow::DrawToolPaths()
 
 void MainWindow::UpdateToolPathView()
 {
+    if (m_CncCamera.IsCamOpen()) return;   // the picture is drawn on all the same
     m_ToolPathView.DisplayImage(&m_Picture.Image());
 }
 
@@ -65,12 +66,4 @@ void MainWindow::SetWorkPieceHeight(double fHeight)
     m_Picture.SetHeight(fHeight);
     ShowWorkPieceSize(m_pUi->Btn_SetWorkPieceHeight, HEIGHT_LABEL, fHeight);
     UpdateToolPathView();
-}
-
-void MainWindow::on_Btn_SelectToolPaths_clicked()
-{
-    m_pUi->Btn_SelectToolPaths->setStyleSheet(BTN_BKGND_GREEN);
-    m_pUi->Btn_SelectCamera->setStyleSheet(BTN_BKGND_GRAY);
-    m_pUi->Btn_CameraRecStop->setEnabled(false);
-    ShowToolPathsOfJob();
 }

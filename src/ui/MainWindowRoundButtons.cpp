@@ -50,7 +50,12 @@ QString MainWindow::WhyNotStart()
 // True: the worker has started.
 bool MainWindow::StartShownScreen()
 {
-    return m_pCurDlg == &m_dlgGCode && m_dlgGCode.StartGCode();
+    if (m_pCurDlg == &m_dlgGCode) return m_dlgGCode.StartGCode();
+    if (m_pCurDlg == &m_dlgImageCarving) return m_dlgImageCarving.StartImgCarving();
+    if (m_pCurDlg != &m_dlgShapes) return false;
+    if (!m_dlgShapes.IsEditing()) return m_dlgShapes.StartShapeCutting();
+    AddLogMsg(QStringLiteral("Finish editing shapes and click start"), MSG_ERROR);
+    return false;
 }
 
 void MainWindow::Btn_Start_pressed()

@@ -188,6 +188,20 @@ void CMyView::ReadPixel(QPointF pos)
                          .arg(color.blue());
 }
 
+QPointF CMyView::ImageAt(QPointF view) const
+{
+    if (m_TargetRect.isEmpty()) return {};
+    const QPointF inTarget = view - m_TargetRect.topLeft();
+    return m_SourceRect.topLeft() + QPointF(inTarget.x() * m_SourceRect.width() / m_TargetRect.width(),
+                                            inTarget.y() * m_SourceRect.height() / m_TargetRect.height());
+}
+
+bool CMyView::IsOverImage(QPointF view) const
+{
+    const QRectF room(0.0, 0.0, width() - m_sScrollBarSize, height() - m_sScrollBarSize);
+    return m_pImage && room.contains(view) && m_TargetRect.contains(view);
+}
+
 void CMyView::resizeEvent(QResizeEvent*)
 {
     m_ViewRect = rect();

@@ -24,6 +24,9 @@ public:
     void EnableZoom(bool bEnable);
     void SetDisplayID(const QString& strID);
     double GetCurZoomFactor() const { return m_fZoom; }
+    // Where the image lies under a place of the widget, as it is drawn now.
+    QPointF ImageAt(QPointF view) const;
+    bool IsOverImage(QPointF view) const;   // and not on the scroll bars
     virtual void DrawEngGraphics() {}   // a hook for users of the class
 
     QColor m_colBkGnd{0, 0, 0};

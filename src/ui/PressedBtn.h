@@ -8,10 +8,12 @@
 class CPressedBtn
 {
 public:
-    CPressedBtn(CScreenHost& host, QPushButton* pButton, const QString& strRest = BTN_BKGND_GRAY)
+    CPressedBtn(CScreenHost& host, QPushButton* pButton, const QString& strRest = BTN_BKGND_GRAY,
+                const QString& strPressed = BTN_BKGND_GREEN)
         : m_Host(host), m_pButton(pButton), m_strRest(strRest)
     {
-        pButton->setStyleSheet(BTN_BKGND_GREEN);
+        pButton->setStyleSheet(strPressed);
+        pButton->repaint();   // a slot that computes for long must not look unheard
     }
     ~CPressedBtn()
     {

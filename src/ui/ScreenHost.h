@@ -34,6 +34,7 @@ public:
     virtual void UpdateUserSettings() = 0;       // CDlgUserSettings::ConfigSettings
     virtual void GrabKeyboard(bool bGrab) = 0;   // the numeric keypad works the machine while the window holds it
     virtual void EnableJogPanel(bool bEnable) = 0;
+    virtual void EnableScreenSelectors(bool bEnable) = 0;   // off while shapes are edited; a job's own rule stays
 
     // The operation has ended or none runs, and no axis moves.
     bool IsMachineFree();

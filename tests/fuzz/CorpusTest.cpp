@@ -26,4 +26,5 @@ TEST_P(FuzzCorpus, IsDigested)
     }
 }
 INSTANTIATE_TEST_SUITE_P(Entries, FuzzCorpus,
-                         testing::Values(stEntry{"fuzz/gcode", FuzzGCode}, stEntry{"fuzz/config", FuzzConfig}));
+                         testing::Values(stEntry{"fuzz/gcode", FuzzGCode}, stEntry{"fuzz/config", FuzzConfig},
+                                         stEntry{"fuzz/dxf", FuzzDxf}));

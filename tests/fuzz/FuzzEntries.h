@@ -6,3 +6,4 @@
 // Anything but a return is a fault.
 int FuzzGCode(const uint8_t* pData, size_t uSize);
 int FuzzConfig(const uint8_t* pData, size_t uSize);
+int FuzzDxf(const uint8_t* pData, size_t uSize);

@@ -3,11 +3,11 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "gcode/ExecStatus.h"
+#include "support/Application.h"
 #include "support/Cases.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QJsonDocument>
 
@@ -145,9 +145,7 @@ class ThreadsGCodeStore : public GCodeStore
 };
 TEST_F(ThreadsGCodeStore, TasksSendTheirSignalsToTheThreadOfTheObject)
 {
-    // Never destroyed: it would take the thread pool with it, which later tests of this process need.
-    static int iArguments = 0;
-    if (!QCoreApplication::instance()) (void)new QCoreApplication(iArguments, nullptr);
+    NeedApplication();
     CNotify notify;
     const QString strPath = Write("G1 X1\n");
     std::thread([&] {

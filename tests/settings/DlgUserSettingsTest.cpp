@@ -27,18 +27,18 @@ using ThreadsUserSettings = UserSettings;
 TEST_F(UserSettings, CancelledKeypadsGiveBackTheRecordAsItWas)
 {
     double fValue = 1.0 / 3;
-    for (const stUserNumber& number : UserNumbers()) *number.pValue = fValue += 1.0 / 3;
+    for (const stUserNumber& number : UserNumbers()) number.SetValue(fValue += 1.0 / 3);
     for (int axis = 0; axis < MAX_AXES; ++axis) A::m_fMaxAxisFeed[axis] = A::m_fUserAxisFeed[axis] * 1.5;
     A::m_fPlungeFeed = A::m_fUserAxisFeed[Z_AXIS];
     m_Dlg.ConfigSettings();
     const QStringList before = CSettingsTable::List();
     for (const stUserNumber& number : UserNumbers()) {
         if (number.strButton.endsWith("JogFeed") || number.strButton.endsWith("HomeFeed"))
-            *number.pValue = A::m_fUserAxisFeed[number.axis];   // exactly at the end of its range
-        const double fOld = *number.pValue;
+            number.SetValue(A::m_fUserAxisFeed[number.axis]);   // exactly at the end of its range
+        const double fOld = number.Value();
         m_Host.Type(std::nullopt);
         Press(m_Dlg, number.strButton);
-        EXPECT_EQ(*number.pValue, fOld) << number.strButton.toStdString();
+        EXPECT_EQ(number.Value(), fOld) << number.strButton.toStdString();
         EXPECT_EQ(m_Host.m_lstKeypads.back().strValue, QString::number(fOld, 'f', 4));
         m_Dlg.ConfigSettings();
         EXPECT_TRUE(TextOf(number.strButton).startsWith(QString::number(fOld, 'f', 4)));

@@ -13,6 +13,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <thread>
 
 namespace {
 using L = QStringList;
@@ -231,6 +232,8 @@ TEST_F(GCodeScreen, ChangesLinesInEditMode)
     Load(Numbered(12));
     ClickRow(9);
     EXPECT_FALSE(Field().isEnabled());
+    Touch(Field());
+    QCoreApplication::processEvents();   // no keyboard may come
     Do("EditGCode");
     m_Screen.hide();
     m_Screen.show();
@@ -261,6 +264,39 @@ TEST_F(GCodeScreen, ChangesLinesInEditMode)
     Do("EditGCode");
     EXPECT_FALSE(Field().isEnabled());
     EXPECT_EQ(m_Host.m_lstGrabs.back(), true);
+}
+
+TEST_F(GCodeScreen, ADeletedLineMovesTheRowsInViewUp)
+{
+    Load(Numbered(30));
+    Bar().setValue(5);
+    ClickRow(3);
+    Do("EditGCode");
+    Do("DeleteGCodeLine");
+    EXPECT_EQ(Rows().first(), "G1 X4 Y0");
+}
+
+// A worker that runs through lines must not flood the screen with them.
+TEST_F(GCodeScreen, LinesThatRunFasterThanTheScreenAreShownAsOne)
+{
+    struct stCounter : QObject
+    {
+        bool eventFilter(QObject*, QEvent* pEvent) override
+        {
+            if (pEvent->type() == QEvent::MetaCall) ++iCalls;
+            return false;
+        }
+        int iCalls = 0;
+    } counter;
+    Load(Numbered(600));
+    m_Screen.installEventFilter(&counter);
+    std::thread worker([this] {
+        for (unsigned uLine = 1; uLine <= 500; ++uLine) emit m_Host.Machine().SelNxtGCodeLine(uLine);
+    });
+    worker.join();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(counter.iCalls, 1);
+    EXPECT_TRUE(Current().contains("X499")) << Current().toStdString();
 }
 
 TEST_F(GCodeScreen, NothingChangesWhileTheProgramIsInUse)

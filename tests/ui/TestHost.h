@@ -50,12 +50,13 @@ public:
     void UpdateUserSettings() override { ++m_iUserSettingsUpdated; }
     void GrabKeyboard(bool bGrab) override { m_lstGrabs.push_back(bGrab); }
     void EnableJogPanel(bool) override {}
+    void EnableScreenSelectors(bool bEnable) override { m_lstSelectors.push_back(bEnable); }
 
     AppControl m_Machine;
     std::vector<stLog> m_lstLog;
     std::vector<stKeypad> m_lstKeypads;   // all that were opened
     int m_iUserSettingsUpdated = 0;
-    std::vector<bool> m_lstHomingOptions, m_lstSpindleCtrl, m_lstGrabs;
+    std::vector<bool> m_lstHomingOptions, m_lstSpindleCtrl, m_lstGrabs, m_lstSelectors;
 
 private:
     std::deque<std::optional<double>> m_lstAnswers;

@@ -111,7 +111,7 @@ TEST_F(WindowButtons, SetTheWorkPieceWithinItsRange)
     Button("Btn_SelectToolPaths").setStyleSheet(BTN_BKGND_GRAY);
     TouchButton("Btn_SelectToolPaths");
     EXPECT_EQ(Button("Btn_SelectToolPaths").styleSheet(), BTN_BKGND_GREEN);
-    EXPECT_FALSE(Button("Btn_SelectCamera").isEnabled() || Button("Btn_CameraRecStop").isEnabled());
+    EXPECT_FALSE(Button("Btn_CameraRecStop").isEnabled());
 }
 
 // ---- Machine buttons ----

@@ -1,0 +1,134 @@
+#include "camera/CncCamera.h"
+
+#include <QMutexLocker>
+
+#include <opencv2/imgproc.hpp>
+#include <opencv2/videoio.hpp>
+
+static constexpr unsigned long WAKE_US = 100'000;   // a thread that waits or writes comes round within this
+static constexpr unsigned long POLL_US = 1'000;
+
+CCncCamera::CCncCamera(std::unique_ptr<CFrameSource> pCapture)
+    : m_pCapture(std::move(pCapture)), m_pWriter(std::make_unique<cv::VideoWriter>())
+{
+}
+
+CCncCamera::~CCncCamera()
+{
+    StopVideoCapture();
+    wait();
+}
+
+QString CCncCamera::GetErrorMsg() const
+{
+    const QMutexLocker lock(&m_mtxMsg);
+    return m_strErrMsg;
+}
+
+void CCncCamera::SetErrorMsg(const QString& strMsg)
+{
+    const QMutexLocker lock(&m_mtxMsg);
+    m_strErrMsg = strMsg;
+}
+
+bool CCncCamera::StartVideoCapture()
+{
+    wait();   // one that has lost its camera may still be on its way out, and it closes the source
+    bool bOpen = false;
+    try {
+        bOpen = m_pCapture->Open();
+        // Here, because the source belongs to the thread from its start.
+        m_FrameSize = {static_cast<int>(m_pCapture->Get(cv::CAP_PROP_FRAME_WIDTH)),
+                       static_cast<int>(m_pCapture->Get(cv::CAP_PROP_FRAME_HEIGHT))};
+        m_iFormatCode = static_cast<int>(m_pCapture->Get(cv::CAP_PROP_FOURCC));
+    } catch (...) {   // told like any other camera that does not open
+    }
+    m_bCamOpen = bOpen;
+    SetErrorMsg(bOpen ? QString() : QStringLiteral("unable to open Camera"));
+    if (!bOpen) return false;
+    m_bRun = true;
+    m_bThreadAlive = true;
+    m_bFrameConsumed = 1;   // nobody will take a frame of the time before
+    start(QThread::InheritPriority);
+    return true;
+}
+
+void CCncCamera::StopVideoCapture()
+{
+    if (m_bRecording) StopVideoRecord();
+    m_bRun = false;
+    while (m_bThreadAlive) {
+        m_bFrameConsumed = 1;   // it may be waiting for the interface, which is here
+        usleep(WAKE_US);
+    }
+    SetErrorMsg(QString());
+    m_bCamOpen = false;
+}
+
+QImage CCncCamera::TakeImage()
+{
+    const QMutexLocker lock(&m_mtxImage);
+    if (m_bFrameConsumed == 1) return {};   // a signal from before a stop: its frame is gone
+    QImage image = m_Image;
+    m_bFrameConsumed = 1;
+    return image;
+}
+
+void CCncCamera::run()
+{
+    try {
+        while (m_bRun)
+            if (Grab()) emit NewImage();
+    } catch (...) {   // whatever the camera's library throws when the plug is pulled
+        m_bCamOpen = false;
+        SetErrorMsg(QStringLiteral("Camera Connection Lost"));
+        m_pCapture->Release();
+        emit NewImage();
+    }
+    m_bFrameConsumed = 1;
+    m_bThreadAlive = false;   // last: whoever waits for it goes on at once
+}
+
+// False: told to end while it waited for the interface.
+bool CCncCamera::Grab()
+{
+    while (m_bFrameConsumed != 1) usleep(POLL_US);
+    if (!m_bRun) return false;
+    cv::Mat frame, rgb;
+    (void)m_pCapture->Read(frame);   // nothing read is an empty frame, which the conversion refuses
+    {
+        const QMutexLocker lock(&m_mtxWriter);
+        if (m_bRecording) m_pWriter->write(frame);
+    }
+    cv::cvtColor(frame, rgb, cv::COLOR_BGR2RGB);
+    const QMutexLocker lock(&m_mtxImage);
+    m_Image = QImage(rgb.data, rgb.cols, rgb.rows, static_cast<qsizetype>(rgb.step), QImage::Format_RGB888).copy();
+    m_bFrameConsumed = 0;
+    return true;
+}
+
+bool CCncCamera::StartVideoRecord(QString strFile)
+{
+    if (!m_bCamOpen) {
+        SetErrorMsg(QStringLiteral("Camera not opened"));
+        return false;
+    }
+    const QMutexLocker lock(&m_mtxWriter);
+    bool bOpen = false;
+    try {
+        bOpen = m_pWriter->open(strFile.toStdString(), m_iFormatCode, m_fRecFps,
+                                cv::Size(m_FrameSize.width(), m_FrameSize.height()), true);
+    } catch (...) {   // told like any other file that does not open
+    }
+    if (!bOpen) SetErrorMsg(QStringLiteral("Could not open the output video file for write\n"));
+    m_bRecording = bOpen;
+    return bOpen;
+}
+
+void CCncCamera::StopVideoRecord()
+{
+    m_bRecording = false;
+    usleep(WAKE_US);   // the frame in flight
+    const QMutexLocker lock(&m_mtxWriter);
+    m_pWriter->release();
+}

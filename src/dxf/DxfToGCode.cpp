@@ -1,0 +1,149 @@
+#include "dxf/DxfToGCode.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <limits>
+
+static constexpr double JOIN_TOLERANCE = 1e-05;   // mm
+static constexpr double NO_VALUE = 1e300;         // no coordinate yet
+
+std::string DxfOutputName(const std::string& strDxfFile)
+{
+    return strDxfFile.substr(0, strDxfFile.rfind('.') + 1) + ".ncc";
+}
+
+int PassesOf(double fStepDown, double fTotalDepth)
+{
+    const double fPasses = std::ceil(fTotalDepth / fStepDown);
+    return fPasses > 0.0 && fPasses < std::numeric_limits<int>::max() ? static_cast<int>(fPasses) : 0;
+}
+
+// ---- The program's text ---------------------------------------------------------------------------------------------
+
+static void EmitPath(std::ostream& out, const Path& path, double z, double zSafe, const Point& off)
+{
+    const auto Shifted = [&](const Point& pt) { return Point{pt.x - off.x, pt.y - off.y}; };
+    Point current = Shifted(path.lstSegs.front().ptStart);
+    out << "G0 Z" << zSafe << "\nG0 X" << current.x << " Y" << current.y << "\nG1 Z" << z << "\n";
+    for (const Segment& seg : path.lstSegs) {
+        const Point end = Shifted(seg.ptEnd);
+        out << (seg.eKind == SEG_LINE ? "G1 X" : seg.bCcw ? "G3 X" : "G2 X") << end.x << " Y" << end.y;
+        if (seg.eKind == SEG_ARC) {
+            // From where the arc begins in the chain, which is a tolerance beside its own start.
+            const Point centre = Shifted(seg.ptCentre);
+            out << " I" << centre.x - current.x << " J" << centre.y - current.y;
+        }
+        out << "\n";
+        current = end;
+    }
+    out << "G0 Z" << zSafe << "\n";
+}
+
+void emit_paths(std::ostream& out, const std::vector<Path>& lstPaths, double stepDown, double totalDepth, double feed,
+                double zSafe, double offX, double offY)
+{
+    out << std::fixed << std::setprecision(4) << " F" << feed << "\n";
+    const int iPasses = PassesOf(stepDown, totalDepth);
+    for (int pass = 1; out && pass <= iPasses; ++pass) {
+        const double z = -std::min(pass * stepDown, totalDepth);
+        for (const Path& path : lstPaths)
+            if (!path.lstSegs.empty()) EmitPath(out, path, z, zSafe, {offX, offY});
+    }
+}
+
+static void EmitProgram(std::ostream& out, const std::vector<Path>& lstPaths, const stDXF2GCode& settings,
+                        const Point& lowest)
+{
+    out << std::fixed << std::setprecision(4);
+    out << "; dxf2gcode\n"
+        << "; tool_dia=" << settings.fToolDia << ", stepdown=" << settings.fStepDown
+        << ", totalDepth=" << settings.fTotalDepth << ", feed=" << settings.fFeed << ", zSafe=" << settings.fZSafe
+        << "\nG90 G94 G17 G21\nG0 Z" << settings.fZSafe << "\n\n";
+    emit_paths(out, lstPaths, settings.fStepDown, settings.fTotalDepth, settings.fFeed, settings.fZSafe, lowest.x,
+               lowest.y);
+    out << "M30\n";
+}
+
+// ---- Conversion -----------------------------------------------------------------------------------------------------
+
+namespace {
+// A file that gets its name when it is complete, and leaves nothing behind if it never is.
+class CWholeFile
+{
+public:
+    explicit CWholeFile(const std::string& strName) : m_strName(strName), m_Stream(m_strPart) {}
+    ~CWholeFile()
+    {
+        if (!m_bNamed && m_Stream.is_open()) std::remove(m_strPart.c_str());
+    }
+    CWholeFile(const CWholeFile&) = delete;
+    CWholeFile& operator=(const CWholeFile&) = delete;
+
+    std::ofstream& Stream() { return m_Stream; }
+    bool Finish()
+    {
+        m_Stream.flush();
+        m_bNamed = m_Stream.good() && std::rename(m_strPart.c_str(), m_strName.c_str()) == 0;
+        return m_bNamed;
+    }
+
+private:
+    const std::string m_strName, m_strPart = m_strName + ".part";
+    std::ofstream m_Stream;
+    bool m_bNamed = false;
+};
+}   // namespace
+
+// The lower left corner. An arc counts with its whole circle, which may shift the drawing further than it needs:
+// wanted.
+static Point LowestOf(const std::vector<RawSeg>& lstSegs)
+{
+    Point lowest{NO_VALUE, NO_VALUE};
+    const auto Count = [&](const Point& pt) {
+        lowest.x = std::min(lowest.x, pt.x);
+        lowest.y = std::min(lowest.y, pt.y);
+    };
+    for (const RawSeg& seg : lstSegs) {
+        Count(seg.ptStart);
+        Count(seg.ptEnd);
+        if (seg.eKind == SEG_ARC) Count({seg.ptCentre.x - seg.fRadius, seg.ptCentre.y - seg.fRadius});
+    }
+    if (lowest.x == NO_VALUE || lowest.y == NO_VALUE) lowest = {};
+    return lowest;
+}
+
+std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput, size_t& uPaths)
+{
+    if (!(settings.fToolDia > 0.0 && settings.fStepDown > 0.0 && settings.fTotalDepth > 0.0 && settings.fFeed > 0.0) ||
+        PassesOf(settings.fStepDown, settings.fTotalDepth) == 0)
+        return "Invalid numeric parameters.";
+    std::ifstream input(settings.strDxfFile);
+    if (!input) return "Cannot open input DXF: " + settings.strDxfFile;
+    DXFReader reader(input);
+    const std::vector<RawSeg> lstSegs = parse_entities(reader);
+    if (lstSegs.empty()) return "No supported entities (LINE/LWPOLYLINE/ARC) found.";
+    const std::vector<Path> lstPaths = group_paths(lstSegs, JOIN_TOLERANCE);
+    uPaths = lstPaths.size();
+
+    CWholeFile output(strOutput);
+    if (!output.Stream()) return "Cannot open output file: " + strOutput;
+    EmitProgram(output.Stream(), lstPaths, settings, LowestOf(lstSegs));
+    if (!output.Finish()) return "Cannot write output file: " + strOutput;
+    return {};
+}
+
+int CreateGcodeFromDxf(stDXF2GCode settings)
+{
+    const std::string strOutput = DxfOutputName(settings.strDxfFile);
+    size_t uPaths = 0;
+    const std::string strWhyNot = ConvertDxf(settings, strOutput, uPaths);
+    if (strWhyNot.empty())
+        std::cerr << "Converted " << uPaths << " path(s). Output: " << strOutput << "\n";
+    else
+        std::cerr << strWhyNot << "\n";
+    return strWhyNot.empty() ? 0 : 1;
+}

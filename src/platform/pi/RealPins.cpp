@@ -1,0 +1,6 @@
+#include "platform/PinKind.h"
+
+bool PinsAreReal()
+{
+    return true;
+}

@@ -1,0 +1,353 @@
+#include "dxf/DxfReader.h"
+#include "dxf/DxfToGCode.h"
+#include "support/Cases.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+// A folder of its own as the current one; the error stream is read instead of shown.
+class Dxf : public testing::Test
+{
+protected:
+    Dxf() { QDir::setCurrent(m_Folder.path()); }
+    ~Dxf() override
+    {
+        QDir::setCurrent(m_strBefore);
+        std::cerr.rdbuf(m_pCerr);
+    }
+    QString Told() const { return QString::fromStdString(m_Told.str()); }
+
+    const QString m_strBefore = QDir::currentPath();
+    QTemporaryDir m_Folder;
+    std::ostringstream m_Told;
+    std::streambuf* const m_pCerr = std::cerr.rdbuf(m_Told.rdbuf());
+};
+
+std::vector<RawSeg> Parse(const std::string& strText)
+{
+    std::istringstream stream(strText);
+    DXFReader reader(stream);
+    return parse_entities(reader);
+}
+// Pairs parted by blanks, within an ENTITIES section.
+std::vector<RawSeg> ParsePairs(const QString& strPairs, const QString& strEnd = "\n")
+{
+    QStringList lst{"0", "SECTION", "2", "ENTITIES"};
+    lst += strPairs.split(' ', Qt::SkipEmptyParts);
+    return Parse((lst.join(strEnd) + strEnd).toStdString());
+}
+QString Shown(const std::vector<RawSeg>& lstSegs)
+{
+    QString strShown;
+    for (const RawSeg& seg : lstSegs)
+        strShown += QString("%1(%2,%3 %4,%5%6) ")
+                        .arg(seg.eKind == SEG_LINE ? "L"
+                             : seg.bCcw            ? "CCW"
+                                                   : "CW")
+                        .arg(seg.ptStart.x)
+                        .arg(seg.ptStart.y)
+                        .arg(seg.ptEnd.x)
+                        .arg(seg.ptEnd.y)
+                        .arg(seg.eKind == SEG_LINE
+                                 ? QString()
+                                 : QString(" c %1,%2 r %3").arg(seg.ptCentre.x).arg(seg.ptCentre.y).arg(seg.fRadius));
+    return strShown.trimmed();
+}
+
+class DxfCase : public Dxf, public testing::WithParamInterface<std::string>
+{
+};
+TEST_P(DxfCase, IsReadGroupedAndWritten)
+{
+    const QString strName = QString::fromStdString(GetParam());
+    const QJsonObject json = CCases::Json("dxf", strName + ".json"), values = json["settings"].toObject();
+    const QString strFile = values["strDxfFile"].toString(), strOutput = json["output_name"].toString();
+    WriteAll(strFile, CCases::Bytes("dxf", strName + ".dxf"));
+    const stDXF2GCode settings{strFile.toStdString(),
+                               values["fToolDia"].toDouble(),
+                               values["fStepDown"].toDouble(),
+                               values["fTotalDepth"].toDouble(),
+                               0.0,
+                               values["fFeed"].toDouble(),
+                               values["fZSafe"].toDouble()};
+    if (json.contains("throws")) {
+        ASSERT_EQ(json["throws"].toString(), "std::invalid_argument");
+        EXPECT_THROW(CreateGcodeFromDxf(settings), std::invalid_argument);
+    } else {
+        EXPECT_EQ(CreateGcodeFromDxf(settings), json["returns"].toInt());
+        const std::vector<RawSeg> lstSegs = Parse(CCases::Bytes("dxf", strName + ".dxf").toStdString());
+        EXPECT_EQ(lstSegs.size(), size_t(json["segments"].toInt()));
+        const std::vector<Path> lstPaths = group_paths(lstSegs, 1e-05);
+        const QJsonArray paths = json["paths"].toArray();
+        ASSERT_EQ(lstPaths.size(), size_t(paths.size()));
+        for (size_t n = 0; n < lstPaths.size(); ++n) {
+            EXPECT_EQ(lstPaths[n].lstSegs.size(), size_t(paths[qsizetype(n)].toObject()["segments"].toInt())) << n;
+            EXPECT_EQ(lstPaths[n].bClosed, paths[qsizetype(n)].toObject()["closed"].toBool()) << n;
+        }
+    }
+    EXPECT_EQ(Told(), json["stderr"].toString());
+    QStringList lstFiles{strFile};
+    if (!json["expected_file"].isNull()) {
+        lstFiles.append(strOutput);
+        EXPECT_EQ(ReadAll(strOutput), CCases::Bytes("dxf", json["expected_file"].toString()));
+    }
+    lstFiles.sort();
+    EXPECT_EQ(QDir().entryList(QDir::Files | QDir::Hidden, QDir::Name), lstFiles) << "and nothing else is left";
+}
+INSTANTIATE_TEST_SUITE_P(Reference, DxfCase, testing::ValuesIn(CCases::Names("dxf", ".dxf")), CaseName);
+
+// ---- Reader ---------------------------------------------------------------------------------------------------------
+
+TEST(DxfReader, LinesEndEitherWayAndOnlyCodesMayBeginWithBlanks)
+{
+    const char* const szLine = "0 LINE 10 1 20 2 11 3 21 4";
+    EXPECT_EQ(Shown(ParsePairs(szLine)), "L(1,2 3,4)");
+    EXPECT_EQ(Shown(ParsePairs(szLine, "\r\n")), "L(1,2 3,4)");
+    EXPECT_EQ(Shown(ParsePairs(szLine, "\n  ")), "") << "a keyword with a blank before it is none";
+    EXPECT_EQ(Shown(Parse("  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n 1\n 20\n2 \n 11\n3\n 21\n4\n")), "L(1,2 3,4)");
+    EXPECT_EQ(Shown(ParsePairs(szLine, "\r\r\n")), "") << "one carriage return is taken off, not two";
+    for (const char* sz : {"0\nSECTION \n2\nENTITIES\n", "0\nSECTION\n2\nENTITIES \n", "0\nSECTION\n2\nentities\n"})
+        EXPECT_EQ(Shown(Parse(sz + std::string("0\nLINE\n10\n1\n20\n2\n11\n3\n21\n4\n"))), "") << sz;
+}
+
+TEST(DxfReader, GarbageCodesAreZeroAndAnOddLastLineIsLost)
+{
+    EXPECT_EQ(Shown(ParsePairs("x LINE 10 1 20 2 11 3 21 4 0")), "L(1,2 3,4)");
+    EXPECT_EQ(Shown(ParsePairs("0 LINE 10 1 20 2 11 3 21")), "");
+    EXPECT_EQ(Shown(Parse("0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n1\n20\n2\n11\n3\n21\n4")), "L(1,2 3,4)");
+}
+
+TEST(DxfReader, OnlyEntitiesOfTheirSectionCount)
+{
+    const std::string strLine = "0\nLINE\n10\n1\n20\n2\n11\n3\n21\n4\n", strEnd = "0\nENDSEC\n";
+    const auto Section = [](const char* szName) { return std::string("0\nSECTION\n2\n").append(szName).append("\n"); };
+    const std::string strEntities = Section("ENTITIES") + strLine + strEnd, strBlocks = Section("BLOCKS") + strLine;
+    EXPECT_EQ(Shown(Parse(strLine)), "");
+    EXPECT_EQ(Shown(Parse(strBlocks + strEnd + strEntities + strBlocks)), "L(1,2 3,4)");
+    EXPECT_EQ(Shown(Parse(strEntities + strEntities)), "L(1,2 3,4) L(1,2 3,4)") << "several sections are all read";
+    EXPECT_EQ(Shown(Parse(strEntities + strLine)), "L(1,2 3,4)") << "behind the end";
+    EXPECT_EQ(Shown(Parse(Section("ENTITIES") + strLine + strBlocks)), "L(1,2 3,4)") << "without an end";
+    EXPECT_EQ(Shown(Parse("0\nSECTION\n3\nENTITIES\n" + strLine)), "");
+    EXPECT_EQ(Shown(Parse(strEntities + "0\nSECTION\n")), "L(1,2 3,4)") << "cut off";
+    for (const char* sz : {"", "\n", "0", "0\nSECTION", "0\nSECTION\n2"}) EXPECT_EQ(Shown(Parse(sz)), "") << sz;
+}
+
+TEST(DxfReader, EntitiesStandOneBehindTheOtherAndUnknownOnesArePassedOver)
+{
+    EXPECT_EQ(Shown(ParsePairs("0 line 10 1 20 2 11 3 21 4 0 SPLINE 10 x 0 LINE 8 0 10 1 20 2 30 z 11 3 21 4 31 z "
+                               "0 LINE 10 5 20 6 11 7 21 8")),
+              "L(1,2 3,4) L(5,6 7,8)");
+    EXPECT_EQ(Shown(ParsePairs("0 LINE 10 1 20 2 11 3 0 LINE 10 5 20 6 11 7 21 8")), "L(5,6 7,8)") << "21 is missing";
+    EXPECT_EQ(Shown(ParsePairs("0 LINE 10 1 10 9 20 2 11 3 21 4")), "L(9,2 3,4)") << "the last of a code counts";
+    EXPECT_EQ(Shown(ParsePairs("0 LINE 10 1e2 20 -.5 11 0x10 21 4mm")), "L(100,-0.5 16,4)");
+    for (const char* sz : {"inf", "nan", "-INF"})
+        EXPECT_EQ(Shown(ParsePairs(QString("0 LINE 10 1 20 2 11 3 21 ") + sz)), "");
+}
+
+TEST(DxfReader, AnArcTurnsLeftOnlyIfItsEndAngleIsTheLarger)
+{
+    const auto Arc = [](const char* szAngles) { return ParsePairs(QString("0 ARC 10 5 20 7 40 2 ") + szAngles).at(0); };
+    const RawSeg quarter = Arc("50 0 51 90");
+    EXPECT_TRUE(quarter.bCcw);
+    EXPECT_EQ(quarter.ptStart.x, 7);
+    EXPECT_EQ(quarter.ptStart.y, 7);
+    EXPECT_NEAR(quarter.ptEnd.x, 5, 1e-15);
+    EXPECT_EQ(quarter.ptEnd.y, 9);
+    EXPECT_EQ(Shown({quarter}).section(" c ", 1), "5,7 r 2)");
+    for (const char* sz : {"50 270 51 0", "50 270 51 45", "50 90 51 90"}) EXPECT_FALSE(Arc(sz).bCcw) << sz;
+    for (const char* sz : {"50 350 51 370", "50 -90 51 0"}) EXPECT_TRUE(Arc(sz).bCcw) << sz;
+    for (const char* sz : {"10 5 20 7 40 2 50 0", "10 5 20 7 40 2 51 0", "10 5 20 7 50 0 51 9", "10 5 40 2 50 0 51 9",
+                           "20 7 40 2 50 0 51 9"})
+        EXPECT_TRUE(ParsePairs(QString("0 ARC ") + sz).empty()) << sz;
+}
+
+TEST(DxfReader, PolylinesAreStraightAndClosedByTheirFlag)
+{
+    const auto Polyline = [](const char* sz) { return Shown(ParsePairs(QString("0 LWPOLYLINE ") + sz)); };
+    EXPECT_EQ(Polyline("90 9 70 1 10 0 20 0 42 1 10 4 20 0 10 4 20 3"), "L(0,0 4,0) L(4,0 4,3) L(4,3 0,0)");
+    EXPECT_EQ(Polyline("70 128 10 0 20 0 10 4 20 0 10 4 20 3"), "L(0,0 4,0) L(4,0 4,3)");
+    EXPECT_EQ(Polyline("70 1 10 0 20 0 10 4 20 0 70 2"), "L(0,0 4,0)") << "the last flags count, wherever they stand";
+    EXPECT_EQ(Polyline("20 1 10 2 20 3 10 4"), "L(2,1 4,3)") << "y before x";
+    EXPECT_EQ(Polyline("10 9 10 2 20 1 20 8 20 3 10 4"), "L(2,1 4,3)") << "a repeated one replaces the first";
+    EXPECT_EQ(Polyline("70 1 10 1 20 1"), "");
+    EXPECT_EQ(Polyline("70 1 10 1 20 1 10 1 20 1 10 5"), "L(1,1 1,1) L(1,1 1,1)") << "no length is no reason to drop";
+    EXPECT_EQ(Polyline("10 inf 20 1 10 nan 20 1"), "L(inf,1 nan,1)");
+}
+
+TEST(DxfReader, ANumberThatCannotBeReadIsThrownWithItsLine)
+{
+    const auto What = [](const char* szPairs) -> std::string {
+        try {
+            ParsePairs(szPairs);
+        } catch (const std::invalid_argument& error) {
+            return std::string("invalid ") + error.what();
+        } catch (const std::out_of_range& error) {
+            return std::string("range ") + error.what();
+        }
+        return "none";
+    };
+    EXPECT_EQ(What("0 LINE 10 1 20 x2"), "invalid line 10: \"x2\" is not a number");
+    EXPECT_EQ(What("0 ARC 40 1e999"), "range line 8: \"1e999\" is out of range");
+    EXPECT_EQ(What("0 LWPOLYLINE 10 1 70 closed"), "invalid line 10: \"closed\" is not a number");
+    EXPECT_EQ(What("0 LWPOLYLINE 70 9999999999"), "range line 8: \"9999999999\" is out of range");
+    EXPECT_EQ(What("0 LINE 30 x 0 CIRCLE 10 x 0 LWPOLYLINE 42 x 90 x"), "none") << "codes that are not used";
+}
+
+// Makes its text as it is read: a line over and over, to a length.
+class CEndlessText : public std::streambuf
+{
+public:
+    CEndlessText(std::string strLine, size_t uBytes) : m_uLeft(uBytes)
+    {
+        while (m_strBlock.size() < 60'000) m_strBlock += strLine;
+    }
+
+private:
+    int_type underflow() override
+    {
+        const size_t uNow = std::min(m_uLeft, m_strBlock.size());
+        if (uNow == 0) return traits_type::eof();
+        m_uLeft -= uNow;
+        setg(m_strBlock.data(), m_strBlock.data(), m_strBlock.data() + uNow);
+        return traits_type::to_int_type(m_strBlock[0]);
+    }
+    std::string m_strBlock;
+    size_t m_uLeft;
+};
+TEST(DxfReader, AnotherFormatOf200MiBEndsEmpty)
+{
+    for (const char* sz : {"\x01no line end", "%PDF a picture of something\r\n0\n"}) {
+        CEndlessText text(sz, 200u << 20);
+        std::istream stream(&text);
+        DXFReader reader(stream);
+        EXPECT_TRUE(parse_entities(reader).empty());
+    }
+}
+
+// ---- The program ----------------------------------------------------------------------------------------------------
+
+std::string Drawing(const std::string& strEntities)
+{
+    return "0\nSECTION\n2\nENTITIES\n" + strEntities + "0\nENDSEC\n0\nEOF\n";
+}
+std::string LineText(double x1, double y1, double x2, double y2)
+{
+    return QString("0\nLINE\n10\n%1\n20\n%2\n11\n%3\n21\n%4\n").arg(x1).arg(y1).arg(x2).arg(y2).toStdString();
+}
+QString MovesOf(const stDXF2GCode& settings, const std::string& strEntities)
+{
+    std::ofstream(settings.strDxfFile) << Drawing(strEntities);
+    EXPECT_EQ(CreateGcodeFromDxf(settings), 0);
+    const QString strText = ReadAll(QString::fromStdString(DxfOutputName(settings.strDxfFile)));
+    return strText.section("\n F600.0000\n", 1).replace('\n', '|');
+}
+
+TEST_F(Dxf, GoesDownLevelByLevelOverAllPaths)
+{
+    stDXF2GCode settings{.strDxfFile = "a.dxf", .fTotalDepth = 2.5};
+    settings.fZSafe = 3;
+    const QString strMoves = MovesOf(settings, LineText(-3, 7, 1, 7) + LineText(0, 10, -1, 9));
+    QString strExpected;
+    for (const char* sz : {"-1.0000", "-2.0000", "-2.5000"})
+        strExpected += QString("G0 Z3.0000|G0 X0.0000 Y0.0000|G1 Z%1|G1 X4.0000 Y0.0000|G0 Z3.0000|"
+                               "G0 Z3.0000|G0 X3.0000 Y3.0000|G1 Z%1|G1 X2.0000 Y2.0000|G0 Z3.0000|")
+                           .arg(sz);
+    EXPECT_EQ(strMoves, strExpected + "M30|");
+}
+
+TEST_F(Dxf, AnArcShiftsTheDrawingByItsWholeCircleAndTurnsRoundWhenItJoinsBackwards)
+{
+    // The quarter from (10, 0) to (0, 10) is taken from its end; its centre is told from where it then begins.
+    const QString strMoves =
+        MovesOf({.strDxfFile = "a.dxf"}, LineText(-4, 10, 0, 10) + "0\nARC\n10\n0\n20\n0\n40\n10\n50\n0\n51\n90\n");
+    EXPECT_EQ(strMoves, "G0 Z5.0000|G0 X6.0000 Y20.0000|G1 Z-1.0000|G1 X10.0000 Y20.0000|"
+                        "G2 X20.0000 Y10.0000 I0.0000 J-10.0000|G0 Z5.0000|M30|");
+}
+
+TEST_F(Dxf, AnArcBeginsWhereTheChainStandsNotWhereItWasDrawn)
+{
+    // The line ends 0.000009 mm beside the arc, so that the centre is as much further away.
+    std::ostringstream out;
+    const auto Join = [&](double fGap) {
+        const std::vector<RawSeg> lst =
+            Parse(Drawing(LineText(0, 0, 10 - fGap, 0) + "0\nARC\n10\n20\n20\n0\n40\n10\n50\n180\n51\n0\n"));
+        return group_paths(lst, 1e-05).size();
+    };
+    EXPECT_EQ(Join(0.000009), 1u);
+    EXPECT_EQ(Join(0.00002), 2u);
+    Segment line, arc;
+    line.ptEnd = {9.99, 0};
+    arc.eKind = SEG_ARC;
+    arc.ptStart = {10, 0};
+    arc.ptCentre = {20, 0};
+    arc.ptEnd = {30, 0};
+    emit_paths(out, {{{line, arc}, false}}, 1, 1, 600, 5, 1, 2);
+    EXPECT_NE(out.str().find("G2 X29.0000 Y-2.0000 I10.0100 J0.0000\n"), std::string::npos) << out.str();
+}
+
+TEST_F(Dxf, TheOutputKeepsTheDotOfTheEnding)
+{
+    const std::pair<const char*, const char*> lst[] = {
+        {"a.b.dxf", "a.b..ncc"}, {"plain", ".ncc"}, {"/x.y/z", "/x..ncc"}};
+    for (const auto& [szDrawing, szOutput] : lst) EXPECT_EQ(DxfOutputName(szDrawing), szOutput);
+}
+
+TEST_F(Dxf, WhatIsRefusedSaysWhyAndLeavesNothing)
+{
+    const auto Converts = [&](stDXF2GCode settings) {
+        m_Told.str("");
+        return CreateGcodeFromDxf(std::move(settings));
+    };
+    WriteAll("a.dxf", QByteArray::fromStdString(Drawing(LineText(0, 0, 1, 1))));
+    const double fNaN = std::nan(""), fInf = std::numeric_limits<double>::infinity();
+    using Field = double stDXF2GCode::*;
+    const std::pair<Field, double> lst[] = {
+        {&stDXF2GCode::fToolDia, 0},       {&stDXF2GCode::fStepDown, 0},      {&stDXF2GCode::fStepDown, fNaN},
+        {&stDXF2GCode::fTotalDepth, -1},   {&stDXF2GCode::fFeed, 0},          {&stDXF2GCode::fFeed, -600},
+        {&stDXF2GCode::fStepDown, 1e-300}, {&stDXF2GCode::fTotalDepth, fInf}, {&stDXF2GCode::fTotalDepth, 1e10}};
+    for (const auto& [pField, fValue] : lst) {
+        stDXF2GCode settings{.strDxfFile = "a.dxf"};
+        settings.*pField = fValue;
+        EXPECT_EQ(Converts(settings), 1) << fValue;
+        EXPECT_EQ(Told(), "Invalid numeric parameters.\n");
+    }
+    EXPECT_EQ(Converts({.strDxfFile = "missing.dxf"}), 1);
+    EXPECT_EQ(Told(), "Cannot open input DXF: missing.dxf\n");
+    EXPECT_EQ(Converts({.strDxfFile = m_Folder.path().toStdString()}), 1) << "a folder";
+    QDir().mkdir("b..ncc");
+    QFile::copy("a.dxf", "b.dxf");
+    EXPECT_EQ(Converts({.strDxfFile = "b.dxf"}), 1);
+    QDir().mkdir("c..ncc.part");
+    QFile::copy("a.dxf", "c.dxf");
+    EXPECT_EQ(Converts({.strDxfFile = "c.dxf"}), 1);
+    EXPECT_EQ(Told(), "Cannot open output file: c..ncc\n");
+    EXPECT_EQ(QDir().entryList(QDir::Files | QDir::Hidden), (QStringList{"a.dxf", "b.dxf", "c.dxf"}));
+
+    EXPECT_EQ(Converts({.strDxfFile = "a.dxf", .fZSafe = -2}), 0) << "the safe height is not looked at";
+}
+
+TEST_F(Dxf, AFullDiskLeavesTheOldProgramOrNone)
+{
+    std::string strEntities;
+    for (int n = 0; n < 3000; ++n) strEntities += LineText(n, 0, n, 1);
+    WriteAll("a.dxf", QByteArray::fromStdString(Drawing(strEntities)));
+    WriteAll("a..ncc", "old");
+    {
+        const CFullDisk full(40'000);
+        EXPECT_EQ(CreateGcodeFromDxf({.strDxfFile = "a.dxf"}), 1);
+    }
+    EXPECT_EQ(Told(), "Cannot write output file: a..ncc\n");
+    EXPECT_EQ(ReadAll("a..ncc"), "old");
+    EXPECT_EQ(QDir().entryList(QDir::Files | QDir::Hidden), (QStringList{"a..ncc", "a.dxf"}));
+    EXPECT_EQ(CreateGcodeFromDxf({.strDxfFile = "a.dxf"}), 0);
+    EXPECT_TRUE(ReadAll("a..ncc").endsWith("G0 Z5.0000\nM30\n"));
+}
+}   // namespace

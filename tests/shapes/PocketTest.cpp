@@ -1,0 +1,105 @@
+#include "shapes/Pocket.h"
+
+#include "support/Cases.h"
+
+namespace {
+QJsonArray RingArray(const std::vector<ShapePath>& lstRings)
+{
+    QJsonArray rings;
+    for (const ShapePath& ring : lstRings) {
+        QJsonArray points;
+        for (const stFloatPoint& point : ring) points.append(PointArray(point, 2));
+        rings.append(points);
+    }
+    return rings;
+}
+ShapePath Square(double fFrom, double fTo)
+{
+    return {{fFrom, fFrom}, {fTo, fFrom}, {fTo, fTo}, {fFrom, fTo}, {fFrom, fFrom}};
+}
+const stDisplayScale SCALE{QSize(480, 338), 25, 1.6};
+
+class PocketCase : public testing::TestWithParam<std::string>
+{
+};
+TEST_P(PocketCase, GivesItsRings)
+{
+    const QJsonObject json = CCases::Json("traced", QString::fromStdString(GetParam()) + ".json");
+    ShapePath outline;
+    for (const QJsonValue& point : json["outline"].toArray()) outline.push_back(PointFrom(point.toArray()));
+    const QJsonArray size = json["image"].toArray();
+    const stDisplayScale scale{QSize(size[0].toInt(), size[1].toInt()), json["margin"].toInt(),
+                               json["scale"].toDouble()};
+    const QJsonArray rings = RingArray(MakePocketRings(outline, scale, json["end_mill"].toDouble()));
+    const QJsonArray expected = json["rings"].toArray();
+    ASSERT_EQ(rings.size(), json["ring_count"].toInt());
+    for (qsizetype n = 0; n < expected.size(); ++n) EXPECT_EQ(rings[n], expected[n]) << "ring " << n;
+}
+INSTANTIATE_TEST_SUITE_P(Reference, PocketCase, testing::ValuesIn([] {
+                             auto names = CCases::Names("traced", ".json");
+                             std::erase_if(names, [](const std::string& s) { return s.find("pocket") != 0; });
+                             return names;
+                         }()),
+                         CaseName);
+
+// Worked out by hand. 10 to 30 mm are pixels 41 to 73. A kernel of 3 takes a pixel off every side and leaves the first
+// corner 1.41 pixels away, 0.88 mm; one of 4 would leave it 2.83 away. The square of 3 pixels is the first below 2 mm.
+TEST(Pocket, ASquareShrinksByWholePixelsUntilItIsNarrowerThanTheTool)
+{
+    const std::vector<ShapePath> lstRings = MakePocketRings(Square(10, 30), SCALE, 2.0);
+    ASSERT_EQ(lstRings.size(), 15u);
+    for (int n = 0; n < 15; ++n)
+        EXPECT_EQ(RingArray({lstRings[size_t(n)]}), RingArray({Square((17 + n) / 1.6, (47 - n) / 1.6)})) << n;
+}
+
+TEST(Pocket, EachRingStartsWhereTheRingBeforeItDoes)
+{
+    const ShapePath outline{{40, 40}, {10, 40}, {10, 10}, {40, 10}, {40, 40}};
+    const std::vector<ShapePath> lstRings = MakePocketRings(outline, SCALE, 6.0);
+    ASSERT_GT(lstRings.size(), 2u);
+    double fCorner = 40;
+    for (const ShapePath& ring : lstRings) {
+        ASSERT_EQ(ring.size(), 5u);
+        EXPECT_LT(ring[0].x, fCorner);
+        EXPECT_EQ(ring[0].x, ring[0].y);
+        EXPECT_LT(ring[1].x, ring[0].x) << "and goes the same way round";
+        EXPECT_EQ(ring[1].y, ring[0].y);
+        fCorner = ring[0].x;
+    }
+    const stFloatPoint& first = lstRings[0][0];
+    EXPECT_LE(std::hypot(40 - first.x, 40 - first.y), 3.0) << "within half a tool of the outline's corner";
+    EXPECT_GT(std::hypot(40 - first.x, 40 - first.y), 3.0 - 2 * 1.42 / 1.6) << "and a pixel more would be too far";
+}
+
+TEST(Pocket, AnOpenOutlineIsClosed)
+{
+    ShapePath outline = Square(10, 30);
+    outline.pop_back();
+    EXPECT_EQ(RingArray(MakePocketRings(outline, SCALE, 2.0)), RingArray(MakePocketRings(Square(10, 30), SCALE, 2.0)));
+    EXPECT_TRUE(MakePocketRings({{10, 10}, {30, 30}}, SCALE, 2.0).empty());
+    EXPECT_TRUE(MakePocketRings({}, SCALE, 2.0).empty());
+}
+
+TEST(Pocket, WhereTheToolDoesNotFitThereIsNoRing)
+{
+    EXPECT_TRUE(MakePocketRings(Square(10, 10.5), SCALE, 2.0).empty()) << "gone at the first erosion";
+    EXPECT_TRUE(MakePocketRings(Square(10, 20), SCALE, 100.0).empty()) << "gone before half a tool is reached";
+    EXPECT_TRUE(MakePocketRings({{10, 10}, {90, 10}, {90, 10.3}, {10, 10}}, SCALE, 2.0).empty()) << "a sliver";
+}
+
+TEST(Pocket, AnOutlineBeyondThePictureEnds)
+{
+    EXPECT_TRUE(MakePocketRings(Square(1000, 1100), SCALE, 2.0).empty()) << "outside";
+    EXPECT_TRUE(MakePocketRings(Square(-1000, 1000), SCALE, 2.0).empty()) << "around it all";
+    EXPECT_TRUE(MakePocketRings(Square(-1e300, 1e300), SCALE, 2.0).empty());
+    EXPECT_TRUE(MakePocketRings(Square(10, 30), {QSize(0, 0), 25, 1.6}, 2.0).empty());
+    // Half inside: the picture's edge counts as inside, the rest shrinks away from the outline's other sides.
+    const std::vector<ShapePath> lstRings = MakePocketRings(Square(-100, 60), SCALE, 2.0);
+    ASSERT_FALSE(lstRings.empty());
+    for (const ShapePath& ring : lstRings)
+        for (const stFloatPoint& point : ring) {
+            EXPECT_GE(point.x, -25 / 1.6);
+            EXPECT_LT(point.x, 60);
+        }
+}
+}   // namespace
