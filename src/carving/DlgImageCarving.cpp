@@ -10,6 +10,7 @@
 #include "ui_DlgImageCarving.h"
 
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QPainter>
 
 #include <algorithm>
@@ -317,6 +318,19 @@ bool CDlgImageCarving::StartImgCarving()
     return false;
 }
 
+static bool HasProgramEnding(const QString& strPath)
+{
+    return strPath.endsWith(QLatin1String(".txt"), Qt::CaseInsensitive) ||
+           strPath.endsWith(QLatin1String(".ncc"), Qt::CaseInsensitive);
+}
+
+static bool MayReplace(QWidget* pParent, const QString& strPath)
+{
+    return QMessageBox::information(pParent, QStringLiteral("Information"),
+                                    strPath + QStringLiteral(" already exists.\nDo you want to replace it?"),
+                                    QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+}
+
 void CDlgImageCarving::on_Btn_GenerateGCode_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_GenerateGCode);
@@ -327,9 +341,11 @@ void CDlgImageCarving::on_Btn_GenerateGCode_clicked()
         this, QStringLiteral("Select a file to Save..."), CPaths::Map(AppConfig::m_strLastFolderPath),
         QStringLiteral("text files(*.txt);;G-Code files(*.ncc)"), nullptr, QFileDialog::DontUseNativeDialog);
     if (strPath.isEmpty()) return;
-    if (!strPath.endsWith(QLatin1String(".txt"), Qt::CaseInsensitive) &&
-        !strPath.endsWith(QLatin1String(".ncc"), Qt::CaseInsensitive))
+    if (!HasProgramEnding(strPath)) {
         strPath += QStringLiteral(".txt");
+        // The file dialog has asked about the name as typed only.
+        if (QFile::exists(strPath) && !MayReplace(this, strPath)) return;
+    }
     (void)Host().Machine().CreateGCodeFromImage(strPath);
     // Whatever came of it: wanted, a failure has its own line.
     Host().AddLogMsg(QStringLiteral("G-Code File Generated"), MSG_INFO);
