@@ -115,8 +115,34 @@ TEST_F(CarvingProgram, BeginsAtTheStartRow)
     EXPECT_EQ(Rows(7), "Y0.5000");
     EXPECT_EQ(Rows(5), "Y17.0000 Y16.5000 Y0.5000");
     Info().fWidth = 9 * PIXEL;
-    Info().fYStep = 2 * PIXEL;   // the start row is of the picture: row 5 lies in grid row 2; row 8 is behind the last
-    EXPECT_EQ(Rows(5), "Y2.0000 Y0.5000");
+    Info().fYStep = 2 * PIXEL;   // the start row is of the picture: its row 5 is in the grid's row 2
+    EXPECT_EQ(Rows(5), "Y2.0000 Y1.0000 Y0.5000");
+}
+
+// Worked out by hand: posts at both ends of each row. On the way back the slope ends at the tool's radius, square steps
+// go on to 0, and the row after that begins there.
+TEST_F(CarvingProgram, EndsTheWayBackAtTheRadiusOrInSquareStepsAtZero)
+{
+    AppConfig::m_bMultipassImgCarving = false;
+    AppConfig::m_fEndMillDia = PIXEL;
+    auto pImage = std::make_unique<QImage>(4, 3, QImage::Format_Grayscale8);
+    pImage->fill(255);
+    for (int row = 0; row < 3; ++row) pImage->scanLine(row)[0] = pImage->scanLine(row)[3] = 0;
+    m_App.m_stImgCarvingData.pImage = std::move(pImage);
+    Info().fLength = 2.0;
+    Info().fWidth = 1.5;
+    Info().fDepth = Info().fZStep = 1.0;
+    Info().fXStep = Info().fYStep = PIXEL;
+    const std::string strOpening = "G00 Z4.0000 X0.2500 Y1.2500 G01 Z0.0000 ";
+    const std::string strSlope = strOpening + "G01 Z-1.0000 X0.7500 Z0.0000 X1.2500 X1.7500 Z-1.0000 Z0.0000 Y0.7500 "
+                                              "G01 Z-1.0000 X1.2500 Z0.0000 X0.7500 X0.2500 Z-1.0000 Z0.0000 Y0.2500 "
+                                              "G01 Z-1.0000 X0.7500 Z0.0000 X1.2500 X1.7500 Z-1.0000 Z0.0000 ";
+    EXPECT_EQ(Moves(Export()).join(' ').toStdString(), strSlope);
+    Info().iCarvingType = CARVING_25D;
+    const std::string strSquare = strOpening + "G01 Z-1.0000 Z0.0000 X0.7500 X1.2500 X1.7500 Z-1.0000 Z0.0000 Y0.7500 "
+                                               "G01 Z-1.0000 Z0.0000 X1.2500 X0.7500 X0.0000 Z-1.0000 Z0.0000 Y0.2500 "
+                                               "G01 Z-1.0000 Z0.0000 X0.5000 X1.0000 X1.7500 Z-1.0000 Z0.0000 ";
+    EXPECT_EQ(Moves(Export()).join(' ').toStdString(), strSquare);
 }
 
 // Wherever the motor turns to for a positive move, the first row is cut from the left.
@@ -226,7 +252,13 @@ TEST_P(CarvingRunOfType, LeavesTheToolsCentreAtTheGridOverEachCell)
     for (int n = 0; n < 6; ++n) {
         SCOPED_TRACE(n);
         SetJob(m_App, m_Random, GetParam());
-        // One level, or levels that the last of overwrites what the others left.
+        // Where the way back in square steps goes on to X 0, the next one is as much beside its columns: not with an
+        // even left edge.
+        if (GetParam() == CARVING_25D)
+            for (int row = 0; row < 9; ++row)
+                std::fill_n(m_App.m_stImgCarvingData.pImage->scanLine(row), 6, uchar(250));
+        // 16 pixels of way are whole steps: otherwise the way back counts its columns from the padded end.
+        AppConfig::m_fEndMillDia = 3 * PIXEL;
         m_lstWay.clear();
         m_App.StartImgCarving();
         EXPECT_EQ(m_App.m_eOperation, OP_IMG_CARVING);
@@ -298,13 +330,15 @@ TEST_F(CarvingRun, StopsWhereItIsAndHasItsDepthBack)
 TEST_F(CarvingRun, EndsBeyondTheLimitsWithTheToolLifted)
 {
     AppConfig::m_bHomeSensorsUsed = true;
+    std::fill_n(AppConfig::m_fAxisPosDirLimit, MAX_AXES, 100.0);
+    std::fill_n(AppConfig::m_fAxisNegDirLimit, MAX_AXES, -100.0);
     AppConfig::m_fAxisPosDirLimit[X_AXIS] = 5.0;
     Build();
     for (AxisCtrl& axis : m_App.m_AxisCtrl) axis.SetMchHome();
     SetJob(m_App, m_Random, CARVING_3D);
     m_App.m_stImgCarvingData.pImage->fill(0);   // to the full depth, all along the row
     m_App.RunAs(OP_IMG_CARVING);
-    EXPECT_EQ(m_App.TakeErrors(), QStringList("Position to move must be within the motion limits"));
+    EXPECT_EQ(m_App.TakeErrors().join('|').toStdString(), "Position to move must be within the motion limits");
     EXPECT_TRUE(m_App.m_bOperationFinished);
     EXPECT_NEAR(m_pMachine->CarriageMm(Z_AXIS), 4.0, PULSE / 2);
 }
@@ -320,7 +354,7 @@ TEST_F(CarvingRun, IsRefusedWithoutAJobOrWhileAnAxisMoves)
     m_App.m_AxisCtrl[X_AXIS].m_bMoving = true;
     m_App.StartImgCarving();
     m_App.m_AxisCtrl[X_AXIS].m_bMoving = false;
-    EXPECT_EQ(m_App.TakeErrors(), QStringList({"No Image loaded", "Carving Z-Step is not defined", "Axis in use"}));
+    EXPECT_EQ(m_App.TakeErrors().join('|').toStdString(), "No Image loaded|Carving Z-Step is not defined|Axis in use");
     EXPECT_EQ(m_App.m_eOperation, OP_NONE);
     EXPECT_EQ(m_Screen.m_lstCalls, QStringList());
 }
