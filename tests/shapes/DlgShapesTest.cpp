@@ -124,6 +124,7 @@ TEST_F(ShapesScreen, SavesLoadsAndWritesGCode)
     EXPECT_EQ(Log(), "Unable to Create the file");
 
     m_Screen.m_stCuttingInfo.stWorkArea = {50, 40};
+    m_Screen.UpdateWorkArea();
     EXPECT_EQ(Do("Btn_LoadWorkArea", CAnswer::File(Path("job.xml"))), "Select file to open...: ");
     EXPECT_EQ(Log(), "Shapes loaded: 1");
     EXPECT_EQ(Names(), QStringList({"A", "A"})) << "behind those that are there";

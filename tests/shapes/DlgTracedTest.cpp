@@ -69,6 +69,7 @@ TEST_F(TracedDialogs, ATextFollowsItsSettings)
         for (int n = 0; n < 28; ++n) Click(dialog, "Btn_PosY_Inc");   // and nothing beyond the picture
         EXPECT_EQ(Child(dialog, "Btn_TextPos_Y").text(), "210.0000\nPostion Y");
 
+        Click(dialog, "Btn_PosX_Inc");
         const ShapePath upright = Shapes()[0].Path();
         Click(dialog, "Btn_Orientation_CW");
         EXPECT_EQ(Child(dialog, "Btn_Orientation").text(), "10.0000\nDegree");
