@@ -24,7 +24,9 @@ std::unique_ptr<QImage> LoadCarvingImage(const QString& strPath, QString& strWhy
     }
     auto pImage = std::make_unique<QImage>();
     if (!reader.read(pImage.get()) || pImage->isNull()) {
-        strWhy = QStringLiteral("Image could not be loaded: %1").arg(reader.errorString());
+        strWhy = QStringLiteral("Image of up to %1 rows and columns could not be loaded: %2")
+                     .arg(MAX_IMAGE_SIDE)
+                     .arg(reader.errorString());
         return nullptr;
     }
     if (TooLarge(pImage->size())) {

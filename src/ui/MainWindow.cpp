@@ -61,7 +61,6 @@ void MainWindow::SetUpWindow()
     for (QPushButton* pButton : {m_pUi->Btn_JobSettings, m_pUi->Btn_GCode, m_pUi->Btn_ShapeCarving,
                                  m_pUi->Btn_ImageCarving, m_pUi->Btn_UserSettings, m_pUi->Btn_MachineSettings})
         pButton->setStyleSheet(SCREEN_BTN_UNSELECTED);
-    m_pUi->Btn_ImageCarving->setEnabled(CARVING_READY);
     for (QLabel* pLetter : m_pUi->frame->findChildren<QLabel*>(QRegularExpression(QStringLiteral("^Lbl_Axis_"))))
         pLetter->setFont(CLook::Font(24, true));
 
@@ -110,13 +109,15 @@ void MainWindow::SetUpMachine()
 
 void MainWindow::PlaceScreens()
 {
-    for (QWidget* pScreen : std::initializer_list<QWidget*>{&m_dlgJobSettings, &m_dlgShapes, &m_dlgGCode,
-                                                            &m_dlgUserSettings, &m_dlgMachineSettings, &m_dlgManual}) {
+    for (QWidget* pScreen :
+         std::initializer_list<QWidget*>{&m_dlgJobSettings, &m_dlgImageCarving, &m_dlgShapes, &m_dlgGCode,
+                                         &m_dlgUserSettings, &m_dlgMachineSettings, &m_dlgManual}) {
         pScreen->setParent(this);
         pScreen->move(pScreen == &m_dlgManual ? JOG_PANEL : WORK_AREA);
         pScreen->hide();
     }
     m_dlgJobSettings.ConfigSettings();
+    m_dlgImageCarving.ConfigSettings();
     m_dlgShapes.ConfigSettings();
     m_dlgGCode.ConfigSettings();
     m_dlgUserSettings.ConfigSettings();

@@ -1,5 +1,6 @@
 #pragma once
 #include "camera/CncCamera.h"
+#include "carving/DlgImageCarving.h"
 #include "common/MachineTypes.h"
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
@@ -23,9 +24,6 @@
 
 class QTimer;
 class Ui_MainWindow;
-
-// Image carving has no screen: its button stays disabled in every state.
-inline constexpr bool CARVING_READY = false;
 
 // The one window of the system. It owns everything: the screens, which it swaps in the work area, the jog panel, the
 // worker and its axes. A timer of 34 ms runs the supervision loop, which shows what the worker has to say and watches
@@ -81,6 +79,7 @@ public slots:
 
     void on_Btn_GCode_clicked();
     void on_Btn_ShapeCarving_clicked();
+    void on_Btn_ImageCarving_clicked();
     void on_Btn_UserSettings_clicked();
     void on_Btn_MachineSettings_clicked();
     void on_Btn_JobSettings_clicked();
@@ -154,6 +153,7 @@ private:
     void ShowStartRequest();
     void ShowToolChangePause();
     void NoteOperationEnd();
+    void ShowCarvingRow();
     void ShowToolPathsOfJob();
     void WatchEmergencyStopInput();
     void WatchStartInput();
@@ -217,6 +217,7 @@ private:
     CToolPathPicture m_Picture;
     bool m_bInOnTimer = false;
     CdlgJobSettings m_dlgJobSettings;
+    CDlgImageCarving m_dlgImageCarving;
     CDlgManual m_dlgManual;
     CDlgShapes m_dlgShapes;
     CdlgGCode m_dlgGCode;

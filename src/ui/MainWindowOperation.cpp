@@ -187,7 +187,6 @@ QString MainWindow::EndZProfile()
 
 bool MainWindow::MayBeEnabled(const QWidget* pWidget) const
 {
-    if (pWidget == m_pUi->Btn_ImageCarving && !CARVING_READY) return false;
     if (m_bSelectorsOff && IsScreenSelector(pWidget)) return false;
     if (pWidget == m_pUi->Btn_MoveWorkHome_A || pWidget == m_pUi->Btn_MoveWorkHome_B) return m_bFiveAxes;
     return pWidget != m_pUi->Btn_SetZ0WithZProbe || Pin(AppConfig::m_iZProbeInput) < 255;
@@ -218,6 +217,7 @@ void MainWindow::EndJob(qint32 iOperation)
     for (const stStateRow& row : m_lstStateTable)
         if (QWidget* pWidget = row.fnWidget(*this); row.uOff & Bit(iOperation))
             pWidget->setEnabled(MayBeEnabled(pWidget));
+    m_dlgImageCarving.ResetUI(true);
     m_dlgShapes.ResetUI(true);
     m_dlgGCode.ResetUI(true);
     m_AppControl.ResetAccVel();

@@ -51,6 +51,7 @@ QString MainWindow::WhyNotStart()
 bool MainWindow::StartShownScreen()
 {
     if (m_pCurDlg == &m_dlgGCode) return m_dlgGCode.StartGCode();
+    if (m_pCurDlg == &m_dlgImageCarving) return m_dlgImageCarving.StartImgCarving();
     if (m_pCurDlg != &m_dlgShapes) return false;
     if (!m_dlgShapes.IsEditing()) return m_dlgShapes.StartShapeCutting();
     AddLogMsg(QStringLiteral("Finish editing shapes and click start"), MSG_ERROR);

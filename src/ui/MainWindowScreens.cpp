@@ -27,6 +27,11 @@ void MainWindow::on_Btn_ShapeCarving_clicked()
     m_dlgShapes.UpdatePlungeFeed();
     ShowScreen(&m_dlgShapes, m_pUi->Btn_ShapeCarving);
 }
+void MainWindow::on_Btn_ImageCarving_clicked()
+{
+    m_dlgImageCarving.UpdatePlungeFeed();
+    ShowScreen(&m_dlgImageCarving, m_pUi->Btn_ImageCarving);
+}
 void MainWindow::on_Btn_UserSettings_clicked()
 {
     ShowScreen(&m_dlgUserSettings, m_pUi->Btn_UserSettings);

@@ -20,6 +20,7 @@ void MainWindow::OnTimer()
         ShowStartRequest();
         ShowToolChangePause();
         NoteOperationEnd();
+        ShowCarvingRow();
         ShowToolPathsOfJob();
         WatchEmergencyStopInput();
         WatchStartInput();
@@ -85,6 +86,11 @@ void MainWindow::NoteOperationEnd()
     if (!m_AppControl.m_bOperationFinished) return;
     m_AppControl.m_bOperationFinished = false;
     OnOperationFinish();
+}
+
+void MainWindow::ShowCarvingRow()
+{
+    if (m_AppControl.m_eOperation == OP_IMG_CARVING) m_dlgImageCarving.FollowCarving();
 }
 
 void MainWindow::ShowToolPathsOfJob()

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/run/HeadlessScreen.h"
 #include "app/run/Options.h"
+#include "app/run/Relief.h"
 #include "machine/AppControl.h"
 
 #include <functional>
@@ -58,6 +59,8 @@ public:
     // A straight move of the job as the axes have made it, mm. On the real clock from the threads that make the pulses,
     // one at a time.
     virtual void OnMove(const stFloatPoint& /*from*/, const stFloatPoint& /*to*/) {}
+    // What --relief shows.
+    virtual stReliefBlock Block() const { return {}; }
     // Behind the run. False: a result can't be written, and strWhy says which.
     virtual bool Finish(QString& /*strWhy*/) { return true; }
 };

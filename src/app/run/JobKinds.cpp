@@ -1,5 +1,6 @@
 #include "app/run/DxfJob.h"
 #include "app/run/GCodeJob.h"
+#include "app/run/PictureJob.h"
 #include "app/run/WorkAreaJob.h"
 
 #include <QFileInfo>
@@ -29,6 +30,10 @@ const std::vector<stKind>& Kinds()
         {{QStringLiteral("dxf")},
          "a drawing: its lines, arcs and polylines, followed in passes; --job fTotalDepth=MM, fStepDown=MM",
          Make<CDxfJob>},
+        {{QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("bmp"),
+          QStringLiteral("pgm")},
+         "a picture, carved as a relief; --job fLength, fDepth, fZStep ...",
+         Make<CPictureJob>},
     };
     return kinds;
 }

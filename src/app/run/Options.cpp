@@ -148,6 +148,10 @@ const std::vector<stOption>& Table()
         {"--moves", "FILE", "one CSV row for each move", Text(&O::strMoves)},
         {"--edges", "FILE", "one CSV row for each edge on a pulse or direction pin", Text(&O::strEdges)},
         {"--picture", "FILE", "the tool path as PNG", Text(&O::strPicture)},
+        {"--relief", "FILE",
+         "what a flat tool of m_fEndMillDia has left of the work piece, as PNG of 16-bit\n"
+         "grey: white is Z 0, black the deepest cut",
+         Text(&O::strRelief)},
         {"--summary", "FILE", "the summary as JSON", Text(&O::strSummary)},
         {"--quiet", nullptr, "prints errors only", Flag(&O::bQuiet)},
         {"--version", nullptr, "prints the version, and ends", Flag(&O::bVersion)},

@@ -37,7 +37,7 @@ struct stRunOptions
     bool bCheck = false, bRealTime = false, bHoming = false, bSimulation = false, bProbeZ0 = false, bQuiet = false;
     bool bListSettings = false, bHelp = false, bVersion = false;
     int iStartLine = 1;   // 1-based
-    QString strDataDir, strConfig, strZProfile, strMakeZProfile, strMoves, strEdges, strPicture, strSummary;
+    QString strDataDir, strConfig, strZProfile, strMakeZProfile, strMoves, strEdges, strPicture, strRelief, strSummary;
     QString strToGCode;                      // the job's program instead of a run
     QString strSurface;                      // a file, or a height in mm
     QStringList lstSettings, lstJobFields;   // NAME=VALUE

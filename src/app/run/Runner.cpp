@@ -146,6 +146,7 @@ bool CRunner::OpenRecordings()
     CMoveRecording& moves = m_pApp->m_Moves;
     CMotionObserver::Set(&moves);
     moves.KeepPath(!m_Options.strPicture.isEmpty());
+    if (!m_Options.strRelief.isEmpty()) m_pRelief = std::make_unique<CRelief>(AppConfig::m_fEndMillDia);
     if (!m_Options.strMoves.isEmpty() && !moves.Open(m_Options.strMoves, m_lBegin))
         return Fail(m_Options.strMoves + QStringLiteral(": cannot be written"));
     if (m_Options.strEdges.isEmpty()) return true;
@@ -161,7 +162,9 @@ void CRunner::HookWorker()
     if (m_pJob) {
         m_pScreen->SetLines(m_pJob->Lines());
         m_pApp->m_Moves.m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
-            if (m_bJobRuns) m_pJob->OnMove(from, to);
+            if (!m_bJobRuns) return;
+            m_pJob->OnMove(from, to);
+            if (m_pRelief) FollowCarriages();
         };
     }
     QObject::connect(
@@ -177,6 +180,15 @@ void CRunner::HookWorker()
         m_pApp.get(), &AppControl::AddMsg, m_pApp.get(),
         [this](const QString& strMsg, eAppMsgType eType) { m_pScreen->AddLogMsg(strMsg, eType); },
         Qt::DirectConnection);
+}
+
+// Where the tool really is, not where the system takes it to be.
+void CRunner::FollowCarriages()
+{
+    stFloatPoint tool;
+    for (const int axis : {X_AXIS, Y_AXIS, Z_AXIS})
+        AxisOf(tool, axis) = m_pMachine->CarriageMm(axis) - AxisOf(m_WorkZero, axis);
+    m_pRelief->MoveTo(tool);
 }
 
 void CRunner::HookDryRun()
@@ -271,6 +283,9 @@ void CRunner::RunJob()
 {
     if (!m_pJob || m_eFailed != EXIT_DONE) return;
     m_pApp->m_Moves.BeginCounting();
+    for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS})
+        AxisOf(m_WorkZero, axis) = m_pMachine->CarriageMm(axis) - m_pApp->GetCurPos(axis);
+    if (m_pRelief) FollowCarriages();
     m_bJobRuns = true;
     (void)Operate([this] { m_pJob->Start(*m_pApp, m_Options); });
 }
@@ -303,6 +318,13 @@ stSummary CRunner::Summarize() const
     return summary;
 }
 
+void CRunner::SavePicture(const QString& strPath, const QImage& image)
+{
+    QSaveFile file(strPath);
+    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
+        Fail(strPath + QStringLiteral(": cannot be written"));
+}
+
 eExit CRunner::Finish()
 {
     m_pScreen->EndProgress();
@@ -314,10 +336,9 @@ eExit CRunner::Finish()
                                     .arg(ClockTime(summary.fMachineTime))
                                     .arg(summary.figures.fFeedPath + summary.figures.fRapidPath, 0, 'f', 1);
         const QImage image = DrawToolPath(m_pApp->m_Moves.Path(), QFileInfo(summary.strFile).fileName(), strNote);
-        QSaveFile file(m_Options.strPicture);
-        if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
-            Fail(m_Options.strPicture + QStringLiteral(": cannot be written"));
+        SavePicture(m_Options.strPicture, image);
     }
+    if (m_pRelief) SavePicture(m_Options.strRelief, m_pRelief->Draw(m_pJob ? m_pJob->Block() : stReliefBlock()));
     if (QString strWhy; m_pJob && !m_pJob->Finish(strWhy)) Fail(strWhy);
     if (m_eFailed != EXIT_DONE) summary.eResult = m_eFailed;
     if (!m_Options.strSummary.isEmpty() && !ReplaceFile(m_Options.strSummary, SummaryJson(summary)))

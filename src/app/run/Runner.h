@@ -54,6 +54,7 @@ private:
     bool SetUpMachine();
     void PutSurfaceUnderTheProbe();
     bool OpenRecordings();
+    void FollowCarriages();
     void HookWorker();
     void HookDryRun();
     void RunOperations();
@@ -65,6 +66,7 @@ private:
     void RunJob();
     eExit Finish();
     stSummary Summarize() const;
+    void SavePicture(const QString& strPath, const QImage& image);
     void PrintSummary(const stSummary& summary);
     bool IsStopped() const { return m_pSupervision->Result() != EXIT_DONE; }
 
@@ -80,6 +82,8 @@ private:
     std::unique_ptr<CRunControl> m_pApp;
     std::unique_ptr<CVirtualMachine> m_pMachine;
     std::unique_ptr<CEdgeRecording> m_pEdges;
+    std::unique_ptr<CRelief> m_pRelief;
+    stFloatPoint m_WorkZero;   // of the job, as the carriages count, mm
     std::unique_ptr<CSupervision> m_pSupervision;
     QElapsedTimer m_Wall;
     qint64 m_lBegin = 0, m_lLinesRun = 0;

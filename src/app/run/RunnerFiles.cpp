@@ -166,7 +166,8 @@ bool CRunner::PrepareOutputs()
 {
     if (m_Options.bCheck) return true;
     const QStringList outputs{m_Options.strMoves,   m_Options.strEdges,        m_Options.strPicture,
-                              m_Options.strSummary, m_Options.strMakeZProfile, m_Options.strToGCode};
+                              m_Options.strSummary, m_Options.strMakeZProfile, m_Options.strToGCode,
+                              m_Options.strRelief};
     for (const QString& strPath : outputs) {
         if (!CheckOutput(strPath)) return false;
         if (!strPath.isEmpty() && outputs.count(strPath) > 1)
