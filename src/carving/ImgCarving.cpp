@@ -224,6 +224,8 @@ QString WhyNotCarved(const stImgCarvingData& data)
     if (!(info.fLength > 0.0)) return QStringLiteral("Carving Length is not defined");
     if (!(info.fWidth > 0.0)) return QStringLiteral("Carving Width is not defined");
     if (!(info.fDepth > 0.0)) return QStringLiteral("Carving Depth is not defined");
+    for (const double fSize : {info.fLength, info.fWidth, info.fDepth})
+        if (!CUnitConverter::FitsLong(fSize)) return QStringLiteral("Carving is too large: no axis can count so far");
     // In units, as the levels count: a smaller step would never come to the depth.
     if (!(CUnitConverter::GetLong(info.fZStep) > 0)) return QStringLiteral("Carving Z-Step is not defined");
     if (CUnitConverter::GetInt(info.fLength / data.pImage->width()) <= 0)
