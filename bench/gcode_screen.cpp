@@ -45,6 +45,7 @@ public:
     void UpdateUserSettings() override {}
     void GrabKeyboard(bool) override {}
     void EnableJogPanel(bool) override {}
+    void EnableScreenSelectors(bool) override {}
 
     AppControl m_Machine;
     QString m_strLast;

@@ -35,7 +35,7 @@ struct stShapesWindow
         for (int n = 0; n < POLYGONS; ++n) {
             stEngShape shape = stEngShape::NewPolygon();
             const double fX = n % 100 * 3.0, fY = n / 100 * 2.0;
-            shape.pPolygon->lstVertices = {{fX, fY}, {fX + 2.0, fY}, {fX + 2.5, fY + 0.8}, {fX + 2.0, fY + 1.6},
+            shape.pPolygon->lstVertices = {{fX, fY},       {fX + 2.0, fY}, {fX + 2.5, fY + 0.8}, {fX + 2.0, fY + 1.6},
                                            {fX, fY + 1.6}, {fX, fY}};
             pScreen->m_stCuttingInfo.lstShapes.push_back(shape);
             pList->addItem(QStringLiteral("Shape_%1").arg(n + 1));

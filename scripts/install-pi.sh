@@ -137,12 +137,13 @@ find_operator() {
         line="$operator:x:65534:65534::/nonexistent:"
     fi
     IFS=: read -r _ _ uid gid _ home _ <<<"$line"
-    # In a test that is not root's the owners below its root mean nothing.
-    if [ -n "$root" ] && [ "$(id -u)" -ne 0 ]; then return 0; fi
-    if [ -d "$root/home/vantor" ] && [ "$(stat -c %u "$root/home/vantor")" != "$uid" ]; then
+    if owners_count && [ -d "$root/home/vantor" ] && [ "$(stat -c %u "$root/home/vantor")" != "$uid" ]; then
         refuse "/home/vantor, where the machine's files are, belongs to $(stat -c %U "$root/home/vantor"), not to $operator: --user NAME"
     fi
 }
+
+# In a test that is not root's the owners below its root mean nothing.
+owners_count() { [ -z "$root" ] || [ "$(id -u)" -eq 0 ]; }
 
 check_computer() {
     local model='' present='' version=''
@@ -247,6 +248,8 @@ write_boot_line() { # PATH LINE; what stands behind the first line stays
         tail -n +2 "$root$1"
     } >"$root$1.new"
     sync "$root$1.new"
+    # A Pi with half a boot line does not start.
+    [ "$(head -n 1 "$root$1.new")" = "$2" ]
     mv -f "$root$1.new" "$root$1"
 }
 
@@ -297,7 +300,7 @@ step_folders() {
     local folder old
     for folder in /home/vantor /home/vantor/VANTOR /home/vantor/vantor_log; do
         make_folder "$folder" "$uid:$gid"
-        if [ ! -d "$root$folder" ] || [ "$(id -u)" -ne 0 ]; then continue; fi
+        if [ ! -d "$root$folder" ] || ! owners_count; then continue; fi
         old=$(stat -c %u:%g "$root$folder")
         if [ "${old%:*}" = "$uid" ]; then continue; fi
         say "give $folder to $operator (it is of $old)"
@@ -452,6 +455,7 @@ undo_words() {
     line=${line% }
     say "take out of $path: $words"
     if $dry; then return 0; fi
+    rm -f "$root$path.new"
     if [ -e "$root$path.before-vantor" ] && [ "$(read_boot_line "$path.before-vantor")" = "$line" ]; then
         mv -f "$root$path.before-vantor" "$root$path"
         return 0
@@ -531,7 +535,7 @@ if ! $dry && [ -z "$root" ] && [ "$(id -u)" -ne 0 ]; then
         exit 1
     fi
     echo "install-pi: system files are root's: going on through sudo"
-    exec sudo --preserve-env=VANTOR_BUILD -- "$source_dir/scripts/install-pi.sh" "${arguments[@]}"
+    exec sudo ${VANTOR_BUILD:+--preserve-env=VANTOR_BUILD} -- "$source_dir/scripts/install-pi.sh" "${arguments[@]}"
 fi
 
 work=$(mktemp -d)

@@ -10,6 +10,7 @@
 
 static constexpr double JOIN_TOLERANCE = 1e-05;   // mm
 static constexpr double NO_VALUE = 1e300;         // no coordinate yet
+static constexpr double MAX_LINES = 2e7;          // of a program: a step mistyped must not fill the disk
 
 std::string DxfOutputName(const std::string& strDxfFile)
 {
@@ -84,12 +85,12 @@ public:
     CWholeFile& operator=(const CWholeFile&) = delete;
 
     std::ofstream& Stream() { return m_Stream; }
-    bool Finish()
+    bool Complete()
     {
         m_Stream.flush();
-        m_bNamed = m_Stream.good() && std::rename(m_strPart.c_str(), m_strName.c_str()) == 0;
-        return m_bNamed;
+        return m_Stream.good();
     }
+    bool TakeName() { return m_bNamed = std::rename(m_strPart.c_str(), m_strName.c_str()) == 0; }
 
 private:
     const std::string m_strName, m_strPart = m_strName + ".part";
@@ -128,11 +129,15 @@ std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput
     if (lstSegs.empty()) return "No supported entities (LINE/LWPOLYLINE/ARC) found.";
     const std::vector<Path> lstPaths = group_paths(lstSegs, JOIN_TOLERANCE);
     uPaths = lstPaths.size();
+    const double fLines = static_cast<double>(lstSegs.size()) + 4.0 * static_cast<double>(uPaths);
+    if (fLines * PassesOf(settings.fStepDown, settings.fTotalDepth) > MAX_LINES)
+        return "Too many passes for this drawing.";
 
     CWholeFile output(strOutput);
     if (!output.Stream()) return "Cannot open output file: " + strOutput;
     EmitProgram(output.Stream(), lstPaths, settings, LowestOf(lstSegs));
-    if (!output.Finish()) return "Cannot write output file: " + strOutput;
+    if (!output.Complete()) return "Cannot write output file: " + strOutput;
+    if (!output.TakeName()) return "Cannot open output file: " + strOutput;
     return {};
 }
 

@@ -61,7 +61,12 @@ private:
     };
 
     // + 0.0: the cells of 0 and -0 are one.
-    double CellOf(double f) const { return std::floor(f / m_fCell) + 0.0; }
+    // Beyond what the quotient can hold only equal points are near, and each is a cell of its own.
+    double CellOf(double f) const
+    {
+        const double fCell = std::floor(f / m_fCell) + 0.0;
+        return std::isfinite(fCell) ? fCell : f;
+    }
     stSpan CellsAround(double f) const;
     const Point& End(size_t uEnd) const
     {

@@ -79,14 +79,14 @@ bool AppControl::ClaimWorker()
     return true;
 }
 
-void AppControl::LaunchOperation(eOperation eCode, Priority ePriority)
+void AppControl::LaunchOperation(eOperation eCode)
 {
     m_bWorkerBusy = true;
     m_eOperation = eCode;
     COperatorScreen::Get().EnableDisableWindows();
     if (eCode != OP_WORK_HOME && eCode != OP_MCH_HOME && eCode != OP_Z_PROBE)
         COperatorScreen::Get().ClearToolGraphics();
-    start(ePriority);
+    start();
 }
 
 bool AppControl::ClaimForJob()
@@ -96,13 +96,13 @@ bool AppControl::ClaimForJob()
     return false;
 }
 
-void AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle, Priority ePriority)
+void AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
 {
     if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCW)
         TurnOnOffSpindle(true, DIR_CW);
     else if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCCW)
         TurnOnOffSpindle(true, DIR_CCW);
-    LaunchOperation(eCode, ePriority);
+    LaunchOperation(eCode);
 }
 
 void AppControl::StartGCode(const GCodeProgram* pProgram)

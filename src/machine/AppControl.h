@@ -188,9 +188,9 @@ private:
 
     // Start: interface thread. False, with a message: the last operation has not ended.
     bool ClaimWorker();
-    void LaunchOperation(eOperation eCode, Priority ePriority = InheritPriority);
+    void LaunchOperation(eOperation eCode);
     bool ClaimForJob();
-    void LaunchJob(eOperation eCode, bool bAutoSpindle, Priority ePriority = InheritPriority);
+    void LaunchJob(eOperation eCode, bool bAutoSpindle);
 
     // Worker.
     struct stWork;
@@ -232,6 +232,7 @@ private:
     eWords ReadMoveWords(unsigned int uLine, stFloatPoint& pos);
     bool TakePrgmFeed(double fFeed, unsigned int uLine);
     bool ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info);
+    stFloatPoint HereBut(eAxis axis, double fPos) const;   // where the axes stand, but for one of them
     bool MoveFromHere(const stFloatPoint& target, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd);
     bool SelectAxes(const stFloatPoint& to, const double* pDelta);
     bool CutOrFollowSurface(stFloatPoint from, stFloatPoint& to);

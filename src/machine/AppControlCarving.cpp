@@ -13,7 +13,7 @@ void AppControl::StartImgCarving()
 {
     if (!ClaimForJob()) return;
     if (const QString strWhy = WhyNotCarved(m_stImgCarvingData); !strWhy.isEmpty()) return PushErrMsg(strWhy);
-    LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode, QThread::TimeCriticalPriority);
+    LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode);
 }
 
 void AppControl::GetMinMaxValue(QImage& img, unsigned char& iMin, unsigned char& iMax)
@@ -49,7 +49,7 @@ public:
     bool Plunge(double fZ)
     {
         m_App.SetVelocityAcc(Z_AXIS, AppConfig::m_fPlungeFeed, AppConfig::m_fAxisAcc[Z_AXIS]);
-        if (!m_App.G01_Move(Here(Z_AXIS, fZ), false, true)) return false;
+        if (!m_App.G01_Move(m_App.HereBut(Z_AXIS, fZ), false, true)) return false;
         m_App.GetAllAxisCurPos(m_Last);
         return true;
     }
@@ -68,16 +68,8 @@ public:
     void End() { CAllAxisCtrl::WaitForMotion(); }
 
 private:
-    // Where the axes stand, but for one of them.
-    stFloatPoint Here(eAxis axis, double fPos) const
-    {
-        stFloatPoint pos;
-        m_App.GetAllAxisCurPos(pos);
-        AxisOf(pos, axis) = fPos;
-        return pos;
-    }
-    bool Rapid(eAxis axis, double fPos) { return m_App.G00_Move(Here(axis, fPos), true, true); }
-    bool Feed(eAxis axis, double fPos) { return m_App.G01_Move(Here(axis, fPos), true, true); }
+    bool Rapid(eAxis axis, double fPos) { return m_App.G00_Move(m_App.HereBut(axis, fPos), true, true); }
+    bool Feed(eAxis axis, double fPos) { return m_App.G01_Move(m_App.HereBut(axis, fPos), true, true); }
     // Prepared while the move before it runs, and not waited for.
     bool Raster(double fX, double fZ)
     {

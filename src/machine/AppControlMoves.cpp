@@ -23,6 +23,14 @@ bool AppControl::WaitWhilePaused()
     return true;
 }
 
+stFloatPoint AppControl::HereBut(eAxis axis, double fPos) const
+{
+    stFloatPoint pos;
+    GetAllAxisCurPos(pos);
+    AxisOf(pos, axis) = fPos;
+    return pos;
+}
+
 bool AppControl::MoveFromHere(const stFloatPoint& target, bool bSetAccVel, bool bWait, eGMoveCmnd eCmnd)
 {
     CAllAxisCtrl::WaitForMotion();

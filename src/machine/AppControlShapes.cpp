@@ -28,18 +28,18 @@ public:
         m_App.ResetAccVel();
         return true;
     }
-    bool Lift() { return m_App.G00_Move(Here(Z_AXIS, SafeHeight()), true, true); }
+    bool Lift() { return m_App.G00_Move(m_App.HereBut(Z_AXIS, SafeHeight()), true, true); }
     bool Travel(const stFloatPoint& first)
     {
-        stFloatPoint target = Here(X_AXIS, first.x);
+        stFloatPoint target = m_App.HereBut(X_AXIS, first.x);
         target.y = first.y;
         return m_App.G00_Move(target, true, true);
     }
     // At the speed of a move and not of a plunge: the tool is still in the air.
-    bool Descend() { return m_App.G01_Move(Here(Z_AXIS, 0.0), true, true); }
+    bool Descend() { return m_App.G01_Move(m_App.HereBut(Z_AXIS, 0.0), true, true); }
     bool Plunge(double fDepth)
     {
-        m_Target = Here(Z_AXIS, fDepth);
+        m_Target = m_App.HereBut(Z_AXIS, fDepth);
         m_App.SetVelocityAcc(Z_AXIS, AppConfig::m_fPlungeFeed, AppConfig::m_fAxisAcc[Z_AXIS]);
         if (!m_App.G01_Move(m_Target, false, true)) return false;
         m_App.GetAllAxisCurPos(m_Previous);
@@ -61,15 +61,6 @@ public:
     void Skip(const QString& strWhy) { TellNotice(strWhy); }
 
 private:
-    // Where the axes stand, but for one of them.
-    stFloatPoint Here(eAxis axis, double fPos) const
-    {
-        stFloatPoint pos;
-        m_App.GetAllAxisCurPos(pos);
-        AxisOf(pos, axis) = fPos;
-        return pos;
-    }
-
     AppControl& m_App;
     stFloatPoint m_Target, m_Previous;
 };

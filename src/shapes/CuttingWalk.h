@@ -2,6 +2,7 @@
 #include "config/AppConfig.h"
 #include "shapes/ShapeModel.h"
 
+#include <algorithm>
 #include <cmath>
 
 // The tool's way over the shapes of a job: one walk for the cutter and for the program that is written of it, so that
@@ -71,15 +72,23 @@ template <class Visitor> bool WalkPasses(const ShapePath& path, stPasses passes,
     return true;
 }
 
-// Empty, or why the shape can't be cut. Coordinates that are numbers but out of reach are left to the moves.
-inline QString WhyNotCut(const stEngShape& shape, double fZStep)
+// Points of all passes of a job: a small file must not ask for days of writing, nor for a disk full of lines.
+inline constexpr double MAX_POINTS_TO_CUT = 100'000'000.0;
+
+// Points of all passes of a shape, at least one a pass.
+inline double PointsToCut(const stEngShape& shape, double fZStep)
 {
-    static constexpr double MAX_PASSES = 10'000'000.0;
+    const double fPasses = std::max(1.0, std::ceil(-shape.Common().fDepth / fZStep));
+    return fPasses * static_cast<double>(shape.Path().size());
+}
+
+// Empty, or why the shape can't be cut. Coordinates that are finite but out of reach are left to the moves.
+inline QString WhyNotCut(const stEngShape& shape)
+{
     if (shape.Path().empty()) return QStringLiteral("it has no points");
-    if (!std::isfinite(shape.Common().fDepth)) return QStringLiteral("its depth is not a number");
-    if (!(-shape.Common().fDepth / fZStep <= MAX_PASSES)) return QStringLiteral("it has too many passes");
+    if (!std::isfinite(shape.Common().fDepth)) return QStringLiteral("its depth is not finite");
     for (const stFloatPoint& point : shape.Path())
-        if (!std::isfinite(point.x) || !std::isfinite(point.y)) return QStringLiteral("a point is not a number");
+        if (!std::isfinite(point.x) || !std::isfinite(point.y)) return QStringLiteral("a point is not finite");
     return {};
 }
 
@@ -99,8 +108,14 @@ template <class Visitor> bool WalkJob(const stShapeCuttingInfo& info, Visitor& v
         visitor.Skip(QStringLiteral("Shapes are not cut: Z Step must be greater than zero"));
         return true;
     }
+    double fPoints = 0.0;
     for (const stEngShape& shape : info.lstShapes) {
-        if (const QString strWhy = WhyNotCut(shape, info.fZStep); !strWhy.isEmpty())
+        QString strWhy = WhyNotCut(shape);
+        const double fWithIt = fPoints + PointsToCut(shape, info.fZStep);
+        if (strWhy.isEmpty() && !(fWithIt <= MAX_POINTS_TO_CUT))
+            strWhy = QStringLiteral("the job has too many points for its passes");
+        if (strWhy.isEmpty()) fPoints = fWithIt;
+        if (!strWhy.isEmpty())
             visitor.Skip(QStringLiteral("%1 is skipped: %2").arg(shape.Common().strShapeName, strWhy));
         else if (!WalkShape(shape, info.fZStep, visitor))
             return false;

@@ -180,7 +180,8 @@ void CDlgEditPolygon::on_Btn_BkGndImg_clicked()
 std::optional<double> CDlgEditPolygon::AskTotal(QPushButton* pButton, const QString& strName, double fLow, double fHigh)
 {
     if (!Polygon()) return std::nullopt;
-    const stNumberField field{.strTitle = strName, .strCaption = strName, .fRange = Range(fLow, fHigh), .bSign = fLow < 0.0};
+    const stNumberField field{
+        .strTitle = strName, .strCaption = strName, .fRange = Range(fLow, fHigh), .bSign = fLow < 0.0};
     const auto fNew = AskShown(Host(), pButton, field);
     if (fNew) ShowNumber(pButton, field, *fNew);
     return fNew;

@@ -212,11 +212,13 @@ void CDlgEllipse::MakeHole(stEllipse& ellipse)
     m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GREEN);
     auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
     const size_t uFirst = lstShapes.size();
-    for (stEngShape& ring : MakeEllipseRings(ellipse)) {
+    QString strWhy;
+    for (stEngShape& ring : MakeEllipseRings(ellipse, strWhy)) {
         ring.Common().strShapeName = ellipse.strShapeName;
         ring.Common().fDepth = ellipse.fDepth;
         lstShapes.push_back(std::move(ring));
     }
+    if (!strWhy.isEmpty()) LogError(strWhy);
     for (size_t n = uFirst; n < lstShapes.size(); ++n) Screen().CreateEllipsePoints(static_cast<quint32>(n));
 }
 

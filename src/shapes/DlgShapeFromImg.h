@@ -35,8 +35,8 @@ private slots:
     void on_Btn_Cancel_clicked();
 
 private:
-    std::optional<double> Ask(QPushButton* pButton, const QString& strTitle, const QString& strName,
-                              stFloatPoint range, double fValue, quint16 iDecimals = PRECISION);
+    std::optional<double> Ask(QPushButton* pButton, const QString& strTitle, const QString& strName, stFloatPoint range,
+                              double fValue, quint16 iDecimals = PRECISION);
     void LoadImage(const QString& strPath);
     void Retrace(QPushButton* pPressed);   // which stays coloured for as long as it takes
 

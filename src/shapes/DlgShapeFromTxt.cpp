@@ -1,7 +1,7 @@
 #include "shapes/DlgShapeFromTxt.h"
 
-#include "config/AppConfig.h"
 #include "common/UnitConverter.h"
+#include "config/AppConfig.h"
 #include "shapes/DlgShapes.h"
 #include "shapes/PolygonEdit.h"
 #include "shapes/TextTrace.h"
@@ -23,8 +23,8 @@ CDlgShapeFromTxt::CDlgShapeFromTxt(CDlgShapes& screen)
 {
     m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
-    m_pUi->Cmb_FontSelection->setEditable(false);                    // a finger chooses from the list
-    m_pUi->Cmb_FontSelection->view()->setFont(CLook::Font(24));      // whose rows are as high as their letters
+    m_pUi->Cmb_FontSelection->setEditable(false);                 // a finger chooses from the list
+    m_pUi->Cmb_FontSelection->view()->setFont(CLook::Font(24));   // whose rows are as high as their letters
     new CTextPadOpener(m_pUi->TextToCut, QStringLiteral("Text to cut"));
 }
 
@@ -75,8 +75,7 @@ void CDlgShapeFromTxt::FindContours()
         ChangeShapeOrientation(m_stTextPos.z);
     }
     // Letters outside of the picture, or of a font that draws nothing: the empty drawing must not be taken for a fault.
-    m_pUi->Lbl_Found->setText(strText.isEmpty() ? QString()
-                                                : QStringLiteral("%1 shapes").arg(OwnShapes().size()));
+    m_pUi->Lbl_Found->setText(strText.isEmpty() ? QString() : QStringLiteral("%1 shapes").arg(OwnShapes().size()));
     Screen().DrawWorkArea();
 }
 

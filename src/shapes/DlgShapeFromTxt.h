@@ -47,7 +47,8 @@ private:
     std::span<const stEngShape> OwnShapes() const;
     stFloatPoint FarthestPos() const;   // mm; where a text may begin
     void AskPos(QPushButton* pButton, const QString& strName, double stFloatPoint::*pAxis);
-    void Step(QPushButton* pStep, QPushButton* pShown, const QString& strName, double stFloatPoint::*pAxis, double fStep);
+    void Step(QPushButton* pStep, QPushButton* pShown, const QString& strName, double stFloatPoint::*pAxis,
+              double fStep);
     void StepTurn(QPushButton* pStep, double fStep);
 
     float m_fTextSize = 60.0f;     // points, and the pitch of the lines in pixels

@@ -51,5 +51,5 @@ stFloatPoint Range(double fLow, double fHigh);
 
 // A picture file for the eye, no larger than the screen can show. Null, and logged: it can't be read.
 std::unique_ptr<QImage> LoadGuide(CScreenHost& host, const QString& strFile);
-inline const QString PICTURE_FILTER = QStringLiteral(
-    "jpg files(*.jpg);;jpeg files(*.jpeg);;png files(*.png);;bitmap files(*.bmp)");
+inline const QString PICTURE_FILTER =
+    QStringLiteral("jpg files(*.jpg);;jpeg files(*.jpeg);;png files(*.png);;bitmap files(*.bmp)");

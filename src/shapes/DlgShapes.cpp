@@ -24,8 +24,8 @@ CDlgShapes::CDlgShapes(QWidget* pParent)
     m_pUi->Btn_DispGraphics->setStyleSheet(BTN_BKGND_GREEN);
     m_stCuttingInfo.stWorkArea.x = FRESH_LENGTH;
     m_stCuttingInfo.stWorkArea.y = FRESH_WIDTH;
-    m_pWorkAreaImg = std::make_unique<QImage>(m_pUi->View_WorkArea->size() - QSize(SCROLL_BARS, SCROLL_BARS),
-                                              QImage::Format_RGB888);
+    m_pWorkAreaImg =
+        std::make_unique<QImage>(m_pUi->View_WorkArea->size() - QSize(SCROLL_BARS, SCROLL_BARS), QImage::Format_RGB888);
     m_pUi->View_WorkArea->EnableZoom(true);
     m_pUi->View_WorkArea->installEventFilter(this);
     connect(m_pUi->View_WorkArea, &CMyView::MouseMoved, this, &CDlgShapes::OnMouseMove);

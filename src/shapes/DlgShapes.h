@@ -111,7 +111,7 @@ private:
     void ShowSize();
 
     // ---- Drawing ----
-    void ShowPicture();   // what changes only
+    void ShowPicture();                                         // what changes only
     bool PressDrawing(QPointF view, Qt::MouseButton eButton);   // false: beside the work area
     void DragVertex(const stFloatPoint& at);
     void DragEllipse(const stFloatPoint& at);

@@ -52,9 +52,9 @@ void CDlgShapes::on_Btn_LoadWorkArea_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_LoadWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     m_uShapeCountBefore = m_stCuttingInfo.lstShapes.size();
-    const QString strPath = QFileDialog::getOpenFileName(
-        this, QStringLiteral("Select file to open..."), CPaths::Map(AppConfig::m_strLastFolderPath), FILE_FILTER,
-        nullptr, QFileDialog::DontUseNativeDialog);
+    const QString strPath = QFileDialog::getOpenFileName(this, QStringLiteral("Select file to open..."),
+                                                         CPaths::Map(AppConfig::m_strLastFolderPath), FILE_FILTER,
+                                                         nullptr, QFileDialog::DontUseNativeDialog);
     if (strPath.isEmpty()) return;
     AppConfig::m_strLastFolderPath = strPath.left(strPath.lastIndexOf(QLatin1Char('/')) + 1);
     QStringList lstNotices;
@@ -86,6 +86,8 @@ void CDlgShapes::on_Btn_GenerateGCode_clicked()
     const CPressedBtn press(Host(), m_pUi->Btn_GenerateGCode, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     const QString strPath = AskGCodeName();
     if (strPath.isEmpty()) return;
+    // What is logged below says the same of a file that can't be written.
+    if (!QFile(strPath).open(QIODevice::Append)) LogError(QStringLiteral("Unable to Create the file\n") + strPath);
     AppControl& machine = Host().Machine();
     machine.m_pShapeCuttingInfo = &m_stCuttingInfo;
     machine.CreateGCodeFromShapes(strPath);

@@ -27,7 +27,8 @@ void CDlgShapes::DrawWorkArea()
 void CDlgShapes::ShowPicture()
 {
     const bool bPolygon = m_pOpen && m_pOpen == m_dlgEditPolygon.get();
-    stWorkAreaScene scene{.lstShapes = m_stCuttingInfo.lstShapes, .stWorkArea = m_stCuttingInfo.stWorkArea, .map = m_Map};
+    stWorkAreaScene scene{
+        .lstShapes = m_stCuttingInfo.lstShapes, .stWorkArea = m_stCuttingInfo.stWorkArea, .map = m_Map};
     scene.pBackground = m_pBackground.get();
     scene.bMarks = m_bMarks;
     if (m_pOpen) {

@@ -100,7 +100,7 @@ QString CreateEllipsePoints(stEllipse& ellipse)
                  ellipse.stCenter.y - point.x * fSin + point.y * fCos};
     ellipse.lstPoints = std::move(path);
     if (!ellipse.lstPoints.empty()) return {};
-    return QStringLiteral("%1 has no points: its arc ends where it starts").arg(ellipse.strShapeName);
+    return QStringLiteral("%1 has no points: no point of it lies in its arc").arg(ellipse.strShapeName);
 }
 
 double CountEllipsePoints(const stEllipse& ellipse)
@@ -109,9 +109,11 @@ double CountEllipsePoints(const stEllipse& ellipse)
     return WhyNoPath(a, ellipse.fXAxisStep).isEmpty() ? 4.0 * std::max(a, 0.0) / ellipse.fXAxisStep + 5.0 : 0.0;
 }
 
-std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline)
+std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline, QString& strWhy)
 {
+    static constexpr double MAX_RING_POINTS = 5'000'000.0, LEAST_OF_RING = 500.0;   // so that their number ends too
     std::vector<stEngShape> lstRings;
+    double fPoints = 0.0;
     const double r = AppConfig::m_fEndMillDia / 2.0;
     if (!(r > 0.0)) return lstRings;
     double fMajor = outline.fMajorAxisDia / 2.0, fMinor = outline.fMinorAxisDia / 2.0;
@@ -130,6 +132,10 @@ std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline)
         ring.fArcStartAngle = outline.fArcStartAngle;
         ring.fArcEndAngle = outline.fArcEndAngle;
         ring.bHole = true;
+        if ((fPoints += std::max(LEAST_OF_RING, CountEllipsePoints(ring))) > MAX_RING_POINTS) {
+            strWhy = QStringLiteral("The rings of this pocket have too many points: use a larger X step");
+            return {};
+        }
         lstRings.push_back(std::move(shape));
     }
     return lstRings;

@@ -11,8 +11,8 @@ QString CreateEllipsePoints(stEllipse& ellipse);
 double CountEllipsePoints(const stEllipse& ellipse);
 
 // The rings of the pocket inside the outline, from the outermost inwards, half a tool apart; without lstPoints. None
-// where the tool does not fit twice.
-std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline);
+// where the tool does not fit twice, and none, with strWhy for the log, where the rings would have too many points.
+std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline, QString& strWhy);
 
 // An X step, mm, as the machine can make it: down to whole pulses of X, at least one.
 double SnapXStep(double fStep);

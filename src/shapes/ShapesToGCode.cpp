@@ -4,6 +4,7 @@
 #include "shapes/CuttingWalk.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cmath>
 
@@ -80,9 +81,14 @@ public:
         const stFloatPoint &first = shape.Path().front(), &last = shape.Path().back();
         const stFloatPoint& centre = shape.pEllipse->stCenter;
         const bool bClosed = IsBelowPulse(last.x - first.x, last.y - first.y);
-        if (bClosed) WarnOfStandstill(*shape.pEllipse, first, last);
+        const stEllipse& circle = *shape.pEllipse;
+        if (bClosed && (circle.fArcStartAngle > 0.0 || circle.fArcEndAngle < 360.0))
+            Notice(circle, "an arc of a single place is a whole turn when its G-code is run");
+        else if (bClosed)
+            WarnOfStandstill(circle, first, last);
         bool bForward = true;
         for (bool bMore = true; bMore;) {
+            if (!m_fnMayGoOn()) return false;
             bMore = passes.Next();
             Plunge(passes.fDepth);
             Arc(bForward ? "G03" : "G02", bForward ? first : last, bForward ? last : first, centre);
@@ -99,13 +105,23 @@ private:
               QStringLiteral(" J") + Number(centre.y - from.y) + QLatin1Char('\n'));
     }
     // An arc word that ends where it starts moves nothing unless its ends are level with the centre, or at X0 Y0, which
-    // count as not given.
+    // count as not given. By the words as they are run: a J below a pulse puts the centre level with where the axis
+    // stands, which is the end only if that is on a pulse.
     void WarnOfStandstill(const stEllipse& circle, const stFloatPoint& first, const stFloatPoint& last)
     {
-        const bool bLevel = CUnitConverter::GetInt(first.y) == CUnitConverter::GetInt(circle.stCenter.y);
-        if (bLevel || IsBelowPulse(last.x, last.y)) return;
-        m_lstNotices +=
-            QStringLiteral("%1: a turned full circle does not move when its G-code is run").arg(circle.strShapeName);
+        if (IsBelowPulse(last.x, last.y)) return;
+        const double fPulse = AppConfig::m_fAxisMovPerPulse[Y_AXIS];
+        const double fJ = Number(circle.stCenter.y - first.y).toDouble();
+        const qint32 lPulse = CUnitConverter::GetInt(fPulse);
+        const bool bOnPulse = lPulse <= 0 || CUnitConverter::GetInt(Number(last.y).toDouble()) % lPulse == 0;
+        if (std::abs(fJ) >= fPulse)
+            Notice(circle, "a turned full circle does not move when its G-code is run");
+        else if (!bOnPulse)
+            Notice(circle, "a full circle that starts between two pulses may not move when its G-code is run");
+    }
+    void Notice(const stEllipse& circle, const char* szText)
+    {
+        m_lstNotices += circle.strShapeName + QStringLiteral(": ") + QLatin1String(szText);
     }
     bool Write(const QString& strText)
     {
@@ -124,7 +140,9 @@ private:
 bool WriteShapesAsGCode(const QString& strFile, const stShapeCuttingInfo& info, double fSafeHeight,
                         const std::function<bool()>& fnMayGoOn, QStringList& lstNotices)
 {
-    QFile file(strFile);
+    const QFileInfo target(strFile);
+    if (target.exists() && !target.isFile()) return false;   // a device or a folder is not in the way to be removed
+    QFile file(target.exists() ? target.canonicalFilePath() : strFile);   // a link stays one
     file.remove();
     if (!file.open(QIODevice::ReadWrite)) return false;
     CGCodeWriter writer(file, fSafeHeight, fnMayGoOn, lstNotices);

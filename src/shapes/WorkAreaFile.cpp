@@ -7,7 +7,7 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
-#include <limits>
+#include <algorithm>
 
 namespace {
 // ---- Writing ----
@@ -49,6 +49,7 @@ void WritePolygon(QXmlStreamWriter& xml, const stPolygon& polygon)
     xml.writeEndElement();
 }
 
+// Empty: a name holds what no such file can.
 QByteArray Document(const stShapeCuttingInfo& info)
 {
     QByteArray bytes;
@@ -67,7 +68,7 @@ QByteArray Document(const stShapeCuttingInfo& info)
     }
     xml.writeEndElement();
     xml.writeEndDocument();
-    return bytes;
+    return xml.hasError() ? QByteArray() : bytes;
 }
 
 // ---- Reading ----
@@ -140,6 +141,11 @@ private:
                                     .arg(n);
                 break;
             }
+            if (m_Xml.atEnd() || m_Xml.hasError()) {   // what is missing reads as nothing
+                polygon.lstVertices.resize(static_cast<size_t>(std::min<qint64>(iCount, m_lSize)));
+                n = static_cast<int>(polygon.lstVertices.size()) - 1;
+                continue;
+            }
             const QString strVertex = Text();
             const qsizetype iComma = strVertex.indexOf(QLatin1Char(','));
             // Without a comma both are the whole text: wanted.
@@ -167,6 +173,7 @@ QString WorkAreaFileName(const QString& strFile)
 bool SaveWorkArea(const QString& strFile, const stShapeCuttingInfo& info)
 {
     const QByteArray document = Document(info);
+    if (document.isEmpty()) return false;
     QByteArray tail;
     if (QFile old(strFile); old.exists()) {
         if (!old.open(QIODevice::ReadWrite)) return false;

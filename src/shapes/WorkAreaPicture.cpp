@@ -21,7 +21,8 @@ CWorkAreaMap::CWorkAreaMap(QSize image, const stFloatPoint& area) : m_Area(area)
     m_Scale.fPixPerMM = fScale > 0.0 && std::isfinite(fScale) ? fScale : 1.0;
     // A longer side along X that is hardly longer makes the area higher than the picture: wanted, its zero stays.
     const double fHeight = m_Scale.fPixPerMM * area.y;
-    m_WorkRect = QRectF(m_Scale.iMargin, image.height() - m_Scale.iMargin - fHeight, m_Scale.fPixPerMM * area.x, fHeight);
+    m_WorkRect =
+        QRectF(m_Scale.iMargin, image.height() - m_Scale.iMargin - fHeight, m_Scale.fPixPerMM * area.x, fHeight);
 }
 
 QPointF CWorkAreaMap::ToPixels(const stFloatPoint& pos) const
@@ -55,13 +56,9 @@ public:
     {
         Take(shape.Path());
         if (m_lstPoints.empty()) return;
-        m_Painter.setPen(color);
+        if (m_Scene.bMarks) DrawMarks(shape);
+        m_Painter.setPen(color);   // above the marks, which lie side by side on traced outlines
         m_Painter.drawPolyline(m_lstPoints.data(), static_cast<int>(m_lstPoints.size()));
-        if (!m_Scene.bMarks) return;
-        // The points of an ellipse lie side by side: its centre stands for them.
-        if (shape.eType == SHAPE_ELLIPSE) m_lstPoints = {At(shape.pEllipse->stCenter)};
-        m_Painter.setPen(QPen(MARK, MARK_SIZE, Qt::SolidLine, Qt::RoundCap));
-        m_Painter.drawPoints(m_lstPoints.data(), static_cast<int>(m_lstPoints.size()));
     }
 
     void DrawVertex(const stFloatPoint& pos)
@@ -102,6 +99,15 @@ public:
     }
 
 private:
+    void DrawMarks(const stEngShape& shape)
+    {
+        m_Painter.setPen(QPen(MARK, MARK_SIZE, Qt::SolidLine, Qt::RoundCap));
+        // The points of an ellipse are too many to be told apart: its centre stands for them.
+        if (shape.eType == SHAPE_ELLIPSE)
+            m_Painter.drawPoint(At(shape.pEllipse->stCenter));
+        else
+            m_Painter.drawPoints(m_lstPoints.data(), static_cast<int>(m_lstPoints.size()));
+    }
     QPointF At(const stFloatPoint& pos) const
     {
         const QPointF at = m_Scene.map.ToPixels(pos);

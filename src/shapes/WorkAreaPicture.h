@@ -32,11 +32,11 @@ struct stWorkAreaScene
     const std::vector<stEngShape>& lstShapes;
     const stFloatPoint& stWorkArea;
     const CWorkAreaMap& map;
-    const QImage* pBackground = nullptr;   // under the shapes
-    bool bMarks = true;                    // small circles on the points
+    const QImage* pBackground = nullptr;          // under the shapes
+    bool bMarks = true;                           // small circles on the points
     size_t uEdited = SIZE_MAX, uNew = SIZE_MAX;   // entries that are being changed now: one, and all from the other on
-    int iShape = -1, iVertex = -1;         // selected ones; the entry is drawn in its colour, the vertex with its place
-    bool bLastPoint = false;               // mark the end of the last shape, where drawing goes on
+    int iShape = -1, iVertex = -1;   // selected ones; the entry is drawn in its colour, the vertex with its place
+    bool bLastPoint = false;         // mark the end of the last shape, where drawing goes on
 };
 
 // Draws the work area. With thousands of shapes only what changes is drawn for each movement of the finger: the rest

@@ -27,7 +27,7 @@ public:
     // Where the image lies under a place of the widget, as it is drawn now.
     QPointF ImageAt(QPointF view) const;
     bool IsOverImage(QPointF view) const;   // and not on the scroll bars
-    virtual void DrawEngGraphics() {}   // a hook for users of the class
+    virtual void DrawEngGraphics() {}       // a hook for users of the class
 
     QColor m_colBkGnd{0, 0, 0};
     bool m_bShowPixelInfo = false;

@@ -322,7 +322,7 @@ TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     const QString strPath = m_Home.filePath("pictures/ramp.png");
     ASSERT_TRUE(Ramp(10, 6).save(strPath));
     Load(QStringLiteral(TEST_DATA_DIR "/../../examples/rosette.png"));
-    SaveScreen(Window(), "carving");
+    SaveScreen(Window(), "carving-loaded");
     Load(strPath);
     for (const auto& [szName, szKeys] : {std::pair{"Length", "C10"}, std::pair{"Depth", "C0.5"}}) {
         CAnswer keys(CAnswer::Keys(szKeys));

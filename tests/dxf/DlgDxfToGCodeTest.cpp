@@ -197,7 +197,6 @@ TEST_F(OpenDxf, AnInvalidDrawingLeavesTheHeldProgram)
         Click(dialog, "Btn_Ok");
     });
     EXPECT_EQ(m_Host.TakeLog(), OPENED) << "a step of 0";
-    QFile::remove(Path("part.dxf"));
 }
 
 TEST_F(OpenDxf, AChangedProgramMayBeSavedFirst)

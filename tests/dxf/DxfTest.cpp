@@ -324,7 +324,11 @@ TEST_F(Dxf, WhatIsRefusedSaysWhyAndLeavesNothing)
     EXPECT_EQ(Converts({.strDxfFile = m_Folder.path().toStdString()}), 1) << "a folder";
     QDir().mkdir("b..ncc");
     QFile::copy("a.dxf", "b.dxf");
+    (void)Told();
     EXPECT_EQ(Converts({.strDxfFile = "b.dxf"}), 1);
+    EXPECT_EQ(Told(), "Cannot open output file: b..ncc\n");
+    EXPECT_EQ(Converts({.strDxfFile = "a.dxf", .fStepDown = 1e-8}), 1);
+    EXPECT_EQ(Told(), "Too many passes for this drawing.\n");
     QDir().mkdir("c..ncc.part");
     QFile::copy("a.dxf", "c.dxf");
     EXPECT_EQ(Converts({.strDxfFile = "c.dxf"}), 1);

@@ -253,7 +253,7 @@ protected:
     }
 
     std::vector<stFloatPoint> m_lstWay;
-    QThread::Priority m_ePriority = QThread::InheritPriority;
+    QThread::Priority m_ePriority = QThread::IdlePriority;
     QRandomGenerator m_Random{5};
 };
 
@@ -280,7 +280,7 @@ TEST_P(CarvingRunOfType, LeavesTheToolsCentreAtTheGridOverEachCell)
         m_App.StartImgCarving();
         EXPECT_EQ(m_App.m_eOperation, OP_IMG_CARVING);
         m_App.wait();
-        EXPECT_EQ(m_ePriority, QThread::TimeCriticalPriority);
+        EXPECT_EQ(m_ePriority, QThread::InheritPriority);
         EXPECT_EQ(m_App.TakeErrors(), QStringList());
         EXPECT_TRUE(m_App.m_bOperationFinished);
         EXPECT_NEAR(m_pMachine->CarriageMm(Z_AXIS), 4.0, PULSE / 2);

@@ -37,6 +37,7 @@ public:
         CMoveSpy::SetVelocityAcc(axis, fVel, fAcc);
     }
 
+    size_t CallCount() const { return m_lstCalls.size(); }
     // All calls; "pos" is where a move has ended.
     QJsonArray Calls()
     {
@@ -56,8 +57,8 @@ public:
         return calls;
     }
 
-    int m_iAxes = 3;                                 // that are noted
-    std::function<void(size_t uMoves)> m_fnOnMove;   // before a move, with how many there were
+    int m_iAxes = 3;                                                 // that are noted
+    std::function<void(size_t uMoves)> m_fnOnMove, m_fnBehindMove;   // with how many there were
 
 protected:
     std::vector<QJsonObject> m_lstCalls;
@@ -70,6 +71,7 @@ private:
         m_bInMove = true;
         const bool bOk = fnMove();
         m_bInMove = false;
+        if (m_fnBehindMove) m_fnBehindMove(m_lstTargets.size());
         return bOk;
     }
     bool m_bInMove = false;

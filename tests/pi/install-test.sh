@@ -140,4 +140,37 @@ case_fail_in_the_middle() {
     same_tree "$before" "removing a half installation has left something"
 }
 
+# A stick is mounted for the machine's user; the disk that the system runs from, and what has a place already, are not.
+case_sticks() {
+    mkdir -p "$work/bin"
+    cat >"$work/bin/tool" <<'END'
+#!/bin/sh
+case "$(basename "$0") $*" in
+    "findmnt -no SOURCE /") echo /dev/sda2 ;;
+    "lsblk -no PKNAME /dev/sda"*) echo sda ;;
+    "lsblk -no PKNAME /dev/sdb"*) echo sdb ;;
+    "findmnt -S /dev/sdb2" | "findmnt --fstab --evaluate -S /dev/sdb3" | mountpoint*) ;;
+    findmnt*) exit 1 ;;
+    "blkid -o value -s TYPE /dev/sdb1") echo vfat ;;
+    "blkid -o value -s TYPE /dev/sdb5") echo ext4 ;;
+    mount*sdb6*) exit 32 ;;
+    mount* | umount*) echo "$(basename "$0") $*" >>"$CALLS" ;;
+esac
+END
+    chmod +x "$work/bin/tool"
+    local tool device
+    for tool in findmnt lsblk mountpoint blkid mount umount; do ln -s tool "$work/bin/$tool"; done
+    export CALLS=$work/calls
+    stick() { PATH=$work/bin:$PATH "$source_dir/scripts/pi/mount-stick" "$@"; }
+    for device in sda1 sdb1 sdb2 sdb3 sdb5; do stick mount "$device" 1000 1001; done
+    diff "$CALLS" - <<END || fail "other mounts"
+mount -o nosuid,nodev,noexec,uid=1000,gid=1001,umask=022,flush /dev/sdb1 $pi/media/vantor/sdb1
+mount -o nosuid,nodev,noexec /dev/sdb5 $pi/media/vantor/sdb5
+END
+    if stick mount sdb6 1000 1001; then fail "a mount that failed was not told"; fi
+    [ "$(ls "$pi/media/vantor")" = $'sdb1\nsdb5' ] || fail "folders: $(ls "$pi/media/vantor")"
+    for device in sda1 sdb1 sdb5; do stick release "$device"; done
+    [ -z "$(ls "$pi/media/vantor")" ] || fail "a folder of a stick that has gone"
+}
+
 "case_$1"

@@ -116,6 +116,12 @@ TEST_F(EllipseDialog, MovesUnderTheFingerWithTheRingsOfItsPocket)
     Edit(0, "CDlgEllipse", [&](QWidget& dialog) {
         Click(dialog, "Btn_EllipseHole");
         EXPECT_EQ(Log(), "End-mill size too big. Please change the End-Mill");
+        EXPECT_TRUE(Ellipse(0).bHole) << "refused: as it was";
+        AppConfig::m_fEndMillDia = 8.0;   // just fits, without a ring
+        Click(dialog, "Btn_EllipseHole");
+        EXPECT_EQ(Child(dialog, "Btn_EllipseHole").styleSheet(), BTN_BKGND_GREEN);
+        EXPECT_EQ(Shapes().size(), 4u);
+        Click(dialog, "Btn_EllipseHole");
         AppConfig::m_fEndMillDia = 2.0;
         Click(dialog, "Btn_EllipseHole");
         EXPECT_EQ(Shapes().size(), 7u);

@@ -25,7 +25,7 @@ protected:
     {
         QImage image(40, 20, QImage::Format_RGB32);
         image.fill(qRgb(200, 30, 30));
-        const QString strPath = m_Home.filePath("guide.png");
+        const QString strPath = InFolder("guide.png");
         EXPECT_TRUE(image.save(strPath));
         return strPath;
     }
@@ -33,7 +33,7 @@ protected:
 
 TEST_F(PolygonDialogs, DrawsOverAPictureAndClearsTheInsideAsAPocket)
 {
-    const QString strNoPicture = m_Home.filePath("none.png");
+    const QString strNoPicture = InFolder("none.png");
     QFile(strNoPicture).open(QIODevice::WriteOnly);
     InDialog("Btn_DrawContour", "CDlgShapeFreeDraw", [&](QWidget& dialog) {
         EXPECT_TIDY(dialog);
@@ -52,7 +52,7 @@ TEST_F(PolygonDialogs, DrawsOverAPictureAndClearsTheInsideAsAPocket)
         TouchAt(140, 100);
         TouchDown(View(), At(140, 100) + QPoint(1, 1));   // so soon that it is a double click: a point as well
         TouchUp(View(), At(140, 100) + QPoint(1, 1));
-        TouchDown(View(), QPoint(10, 100));   // left of the work area
+        TouchDown(View(), QPoint(10, 100));    // left of the work area
         TouchDown(View(), QPoint(200, 330));   // below it
         EXPECT_EQ(Path().size(), 3u);
         Click(dialog, "Btn_RemovePt");
@@ -185,7 +185,8 @@ TEST_F(PolygonDialogs, ChangesVertices)
             QCoreApplication::sendEvent(&View(), &wheel);
         }
         ASSERT_NEAR(View().GetCurZoomFactor(), 2.0, 1e-9);
-        for (QScrollBar* pBar : View().findChildren<QScrollBar*>()) pBar->setValue(pBar->orientation() == Qt::Vertical ? 300 : 40);
+        for (QScrollBar* pBar : View().findChildren<QScrollBar*>())
+            pBar->setValue(pBar->orientation() == Qt::Vertical ? 300 : 40);
         const auto Zoomed = [](double fX, double fY) { return At(fX, fY) * 2 - QPoint(40, 300); };
         Drag(Zoomed(30, 10), Zoomed(33, 14));
         EXPECT_EQ(m_Screen.SelectedVertex(), 1);

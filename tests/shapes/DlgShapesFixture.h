@@ -67,6 +67,13 @@ protected:
     }
     QRgb Pixel(double fX, double fY) { return View().grab().toImage().pixel(At(fX, fY)); }
 
+    // The file dialog, which looks for jpg files first, does not hide what lies in another folder.
+    QString InFolder(const char* szName)
+    {
+        EXPECT_TRUE(QDir(m_Home.path()).mkpath("pictures"));
+        return m_Home.filePath("pictures/") + szName;
+    }
+
     CTestHost m_Host;
     CDlgShapes m_Screen;
 

@@ -9,7 +9,7 @@ class TracedDialogs : public CShapesTest
 protected:
     QString Save(const QImage& image, const char* szName)
     {
-        const QString strPath = m_Home.filePath(szName);
+        const QString strPath = InFolder(szName);
         EXPECT_TRUE(image.save(strPath)) << szName;
         return strPath;
     }
@@ -69,9 +69,10 @@ TEST_F(TracedDialogs, ATextFollowsItsSettings)
         for (int n = 0; n < 28; ++n) Click(dialog, "Btn_PosY_Inc");   // and nothing beyond the picture
         EXPECT_EQ(Child(dialog, "Btn_TextPos_Y").text(), "210.0000\nPostion Y");
 
+        Click(dialog, "Btn_PosX_Inc");
         const ShapePath upright = Shapes()[0].Path();
         Click(dialog, "Btn_Orientation_CW");
-        EXPECT_EQ(Child(dialog, "Btn_Orientation").text(), "9.9999\nDegree");
+        EXPECT_EQ(Child(dialog, "Btn_Orientation").text(), "10.0000\nDegree");
         const ShapePath turned = Shapes()[0].Path();
         EXPECT_GT(turned.back().y, upright.back().y - 30);
         EXPECT_NE(turned[0].x, upright[0].x);
@@ -120,7 +121,7 @@ TEST_F(TracedDialogs, APictureFollowsItsSettings)
     square.fill(Qt::white);
     QPainter(&square).fillRect(20, 10, 40, 30, Qt::black);
     const QString strSquare = Save(square, "flower.v2.png");
-    const QString strBad = m_Home.filePath("bad.png");
+    const QString strBad = InFolder("bad.png");
     QFile(strBad).open(QIODevice::WriteOnly);
     InDialog("Btn_ShapeFromImg", "CDlgShapeFromImg", [&](QWidget& dialog) {
         EXPECT_TIDY(dialog);
@@ -128,10 +129,16 @@ TEST_F(TracedDialogs, APictureFollowsItsSettings)
             m_Host.Type(fValue);
             Click(dialog, szButton);
         };
+        const auto Load = [&](const QString& strPath) {
+            AppConfig::m_strLastFolderPath = m_Home.path();
+            EXPECT_EQ(PressAndAnswer(Child(dialog, "Btn_LoadImage"), CAnswer::File(strPath)),
+                      "Select a file to Open...: ");
+            EXPECT_EQ(AppConfig::m_strLastFolderPath, m_Home.path() + "/pictures/");
+        };
         QPushButton& found = Child(dialog, "Btn_ShapesFound");
         Type("Btn_ImgThreshold", 60);   // without a picture
         EXPECT_EQ(found.text(), "0\nShapes Found");
-        PressAndAnswer(Child(dialog, "Btn_LoadImage"), CAnswer::File(strSquare));
+        Load(strSquare);
         EXPECT_EQ(found.text(), "0\nShapes Found") << "four vertices are below the least number";
         Type("Btn_MinShapeSize", 3);
         EXPECT_EQ(found.text(), "2\nShapes Found") << "one outline comes twice";
@@ -152,7 +159,7 @@ TEST_F(TracedDialogs, APictureFollowsItsSettings)
         Type("Btn_MaxShapeSize", 10000);
         SaveScreen(m_Host, "shapes-picture");
 
-        PressAndAnswer(Child(dialog, "Btn_LoadImage"), CAnswer::File(strBad));
+        Load(strBad);
         EXPECT_EQ(Log(), "Unable to load the image\n" + strBad);
         EXPECT_EQ(Shapes().size(), 2u) << "the old ones stay";
         QImage pixel(1, 1, QImage::Format_RGB32), large(8000, 8000, QImage::Format_Grayscale8);
@@ -160,9 +167,9 @@ TEST_F(TracedDialogs, APictureFollowsItsSettings)
         large.fill(Qt::white);
         QPainter(&large).fillRect(1000, 1000, 5000, 6000, Qt::black);
         QImage alpha = square.convertToFormat(QImage::Format_ARGB32);
-        alpha.setPixel(1, 1, 0);
+        alpha.setPixel(1, 1, qRgba(255, 255, 255, 0));   // as white as the rest: alpha says nothing
         for (const QImage& image : {pixel, large, alpha}) {
-            PressAndAnswer(Child(dialog, "Btn_LoadImage"), CAnswer::File(Save(image, "next.png")));
+            Load(Save(image, "next.png"));
             EXPECT_EQ(Log(), "");
             EXPECT_EQ(Shapes().size(), image.width() == 1 ? 0u : 2u) << image.width();
         }

@@ -52,6 +52,22 @@ TEST(Pocket, ASquareShrinksByWholePixelsUntilItIsNarrowerThanTheTool)
         EXPECT_EQ(RingArray({lstRings[size_t(n)]}), RingArray({Square((17 + n) / 1.6, (47 - n) / 1.6)})) << n;
 }
 
+// 17 pixels across: rings of 15, 13 and so on to 3, the first below 2 mm.
+TEST(Pocket, TheShorterSideEndsIt)
+{
+    EXPECT_EQ(MakePocketRings({{10, 10}, {20, 10}, {20, 60}, {10, 60}, {10, 10}}, SCALE, 2.0).size(), 7u);
+    EXPECT_EQ(MakePocketRings({{10, 10}, {60, 10}, {60, 20}, {10, 20}, {10, 10}}, SCALE, 2.0).size(), 7u);
+    // At 2 pixels a mm: rings of 39 to 3 pixels, and 3 are not below 1.5 mm, so that one of 1 pixel follows.
+    EXPECT_EQ(MakePocketRings(Square(10, 30), {QSize(480, 338), 25, 2.0}, 1.5).size(), 20u);
+}
+
+// The middle of the lower side is as near to one corner of the ring as to the other: the first found counts.
+TEST(Pocket, OfTwoVerticesEquallyNearTheLowerIndexIsTaken)
+{
+    const ShapePath outline{{20, 10}, {30, 10}, {30, 30}, {10, 30}, {10, 10}, {20, 10}};
+    EXPECT_EQ(RingArray({MakePocketRings(outline, SCALE, 2.0).at(0)}), RingArray({Square(17 / 1.6, 47 / 1.6)}));
+}
+
 TEST(Pocket, EachRingStartsWhereTheRingBeforeItDoes)
 {
     const ShapePath outline{{40, 40}, {10, 40}, {10, 10}, {40, 10}, {40, 40}};
@@ -69,6 +85,14 @@ TEST(Pocket, EachRingStartsWhereTheRingBeforeItDoes)
     const stFloatPoint& first = lstRings[0][0];
     EXPECT_LE(std::hypot(40 - first.x, 40 - first.y), 3.0) << "within half a tool of the outline's corner";
     EXPECT_GT(std::hypot(40 - first.x, 40 - first.y), 3.0 - 2 * 1.42 / 1.6) << "and a pixel more would be too far";
+}
+
+TEST(Pocket, TheFirstRingMayBeExactlyHalfAToolAway)
+{
+    // A pixel a mm; the first point is in the middle of a side. A kernel of 5 moves the side by 2 mm, one of 6 by 3.
+    const ShapePath outline{{50, 10}, {90, 10}, {90, 90}, {10, 90}, {10, 10}, {50, 10}};
+    const ShapePath ring = MakePocketRings(outline, {QSize(480, 338), 25, 1.0}, 4.0).at(0);
+    for (const stFloatPoint& point : ring) EXPECT_TRUE(point.x == 12 || point.x == 88) << point.x;
 }
 
 TEST(Pocket, AnOpenOutlineIsClosed)

@@ -21,6 +21,8 @@ TEST(PolygonEdit, ClosesOnceAndOnlyWhatIsOpen)
     EXPECT_FALSE(CloseShape(path));
     path.back().y += 1e-12;   // exactly, not within a pulse
     EXPECT_TRUE(CloseShape(path));
+    path = {{1, 2}, {5, 2}};   // apart in X alone
+    EXPECT_TRUE(CloseShape(path));
     ShapePath none;
     EXPECT_FALSE(CloseShape(none));
 }

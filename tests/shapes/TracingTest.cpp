@@ -10,6 +10,7 @@
 
 #include <limits>
 #include <opencv2/imgproc.hpp>
+#include <random>
 
 namespace {
 QJsonArray PathArray(const ShapePath& path)
@@ -66,6 +67,33 @@ TEST(ContourTour, GoesToTheNearestRemainingOneEachTime)
     EXPECT_EQ(Tour({{0, 0}, {3, 4}, {4, 3}, {0, -5}}, 0, 4), (std::vector{0, 1, 2, 3})) << "ties: the lower index";
     EXPECT_EQ(Tour({{0, 0}, {0, 9}, {6, 6}}, 0, 3), (std::vector{0, 2, 1})) << "8.5 is nearer than 9";
     EXPECT_EQ(Tour({{0, 0}, {16777217, 0}, {16777216, 0}}, 0, 3), (std::vector{0, 1, 2})) << "a tie in 32-bit floats";
+}
+
+// The plain form looks at all that are left.
+TEST(ContourTour, EqualsThePlainFormOnManyTies)
+{
+    std::mt19937 random(7);
+    for (const int iRange : {3, 40, 2000, 1 << 28})
+        for (int n = 0; n < 30; ++n) {
+            std::vector<cv::Point> centres(120);
+            std::uniform_int_distribution<int> any(-iRange, iRange);
+            for (cv::Point& centre : centres) centre = {any(random), any(random)};
+            std::vector<int> expected{5}, left;
+            for (int i = 0; i < 120; ++i)
+                if (i != 5) left.push_back(i);
+            while (!left.empty()) {
+                const cv::Point from = centres[size_t(expected.back())];
+                const auto Distance = [&](int i) {
+                    const double fX = double(centres[size_t(i)].x) - from.x, fY = double(centres[size_t(i)].y) - from.y;
+                    return float(std::sqrt(fX * fX + fY * fY));
+                };
+                const auto best =
+                    std::min_element(left.begin(), left.end(), [&](int a, int b) { return Distance(a) < Distance(b); });
+                expected.push_back(*best);
+                left.erase(best);
+            }
+            ASSERT_EQ(Tour(centres, 5, 120), expected) << iRange;
+        }
 }
 
 TEST(ContourTour, OneContourComesTwiceAndNoneNotAtAll)
@@ -214,6 +242,11 @@ TEST_F(TracedPicture, AVertexWhosePixelIsItsMillimetreIsLeftOut)
     cv::rectangle(img, cv::Rect(20, 50, 31, 21), cv::Scalar(0), cv::FILLED);
     EXPECT_EQ(PathArray(TracePicture(Picture(img))[0]),
               (QJsonArray{QJsonArray{20, 30}, QJsonArray{50, 30}, QJsonArray{20, 30}}));
+    // Row 70 is 30 mm, 40 off: a pulse of that is just enough.
+    AppConfig::m_fAxisMovPerPulse[Y_AXIS] = std::nextafter(40.0, 0.0);
+    EXPECT_EQ(TracePicture(Picture(img))[0].size(), 3u);
+    AppConfig::m_fAxisMovPerPulse[Y_AXIS] = 40;
+    EXPECT_TRUE(TracePicture(Picture(img))[0].empty());
     AppConfig::m_fAxisMovPerPulse[X_AXIS] = AppConfig::m_fAxisMovPerPulse[Y_AXIS] = 100;
     const std::vector<ShapePath> lstPaths = TracePicture(Picture(img));
     ASSERT_EQ(lstPaths.size(), 2u);

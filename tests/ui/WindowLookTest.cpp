@@ -5,8 +5,8 @@ namespace {
 // log's lines are scrolled, and the positions draw themselves to fit.
 const stTidy WINDOW_EXEMPT = {{"centralwidget"},
                               {"lineEdit"},
-                              {"CdlgGCode", "CdlgJobSettings", "CDlgUserSettings", "CDlgMachineSettings", "CDlgManual",
-                               "LE_CurPos", "LV_Log", "m_G01FeedBar", "m_SpindleSpeedBar"}};
+                              {"CdlgGCode", "CDlgShapes", "CdlgJobSettings", "CDlgUserSettings", "CDlgMachineSettings",
+                               "CDlgManual", "LE_CurPos", "LV_Log", "m_G01FeedBar", "m_SpindleSpeedBar"}};
 
 class WindowLook : public CWindowTest
 {
@@ -48,7 +48,7 @@ TEST_F(WindowLook, IsTidyInEveryState)
     Touch(Round("m_BtnStop"));
     ExpectTidyWindow("window-stopped");
 
-    for (const char* szScreen : {"JobSettings", "UserSettings", "MachineSettings"}) {
+    for (const char* szScreen : {"JobSettings", "ShapeCarving", "UserSettings", "MachineSettings"}) {
         TouchButton(QStringLiteral("Btn_") + szScreen);
         SaveScreen(Window(), QStringLiteral("window-") + szScreen);
     }

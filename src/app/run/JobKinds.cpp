@@ -1,3 +1,4 @@
+#include "app/run/DxfJob.h"
 #include "app/run/GCodeJob.h"
 #include "app/run/PictureJob.h"
 #include "app/run/WorkAreaJob.h"
@@ -26,6 +27,9 @@ const std::vector<stKind>& Kinds()
         {{QStringLiteral("xml")},
          "a work area of shapes, cut as it stands; --job fZStep=MM is the depth of a pass",
          Make<CWorkAreaJob>},
+        {{QStringLiteral("dxf")},
+         "a drawing: its lines, arcs and polylines, followed in passes; --job fTotalDepth=MM, fStepDown=MM",
+         Make<CDxfJob>},
         {{QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("bmp"),
           QStringLiteral("pgm")},
          "a picture, carved as a relief; --job fLength, fDepth, fZStep ...",

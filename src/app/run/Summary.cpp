@@ -106,28 +106,27 @@ QByteArray SummaryJson(const stSummary& summary)
         if (told.lLine > 0) message["line"] = told.lLine;
         messages.append(message);
     }
-    const QJsonObject object{
-        {"file", summary.strFile},
-        {"result", ResultName(summary.eResult)},
-        {"exit_status", static_cast<int>(summary.eResult)},
-        {"job", summary.strSize},
-        {"lines", summary.lLines},
-        {"lines_run", summary.lLinesRun},
-        {"moves", QJsonObject{{"coordinated", figures.lCoordinated}, {"single_axis", figures.lSingle}}},
-        {"pulses", static_cast<qint64>(figures.uPulses)},
-        {"path_mm", QJsonObject{{"feed", figures.fFeedPath},
-                                {"rapid", figures.fRapidPath},
-                                {"total", figures.fFeedPath + figures.fRapidPath}}},
-        {"tool_changes", summary.iToolChanges},
-        {"machine_time_s", summary.fMachineTime},
-        {"wall_time_s", summary.fWallTime},
-        {"envelope_mm", ByAxis(summary,
-                               [&](size_t n) {
-                                   return QJsonArray{Mm(figures.lowest[n]), Mm(figures.highest[n])};
-                               })},
-        {"end_mm", ByAxis(summary, [&](size_t n) { return Mm(summary.ends[n]); })},
-        {"carriage_pulses", ByAxis(summary, [&](size_t n) { return summary.carriages[n]; })},
-        {"messages", messages},
-        {"message_count", summary.lTold}};
+    QJsonObject object{{"file", summary.strFile},
+                       {"result", ResultName(summary.eResult)},
+                       {"exit_status", static_cast<int>(summary.eResult)},
+                       {"lines", summary.lLines},
+                       {"lines_run", summary.lLinesRun},
+                       {"moves", QJsonObject{{"coordinated", figures.lCoordinated}, {"single_axis", figures.lSingle}}},
+                       {"pulses", static_cast<qint64>(figures.uPulses)},
+                       {"path_mm", QJsonObject{{"feed", figures.fFeedPath},
+                                               {"rapid", figures.fRapidPath},
+                                               {"total", figures.fFeedPath + figures.fRapidPath}}},
+                       {"tool_changes", summary.iToolChanges},
+                       {"machine_time_s", summary.fMachineTime},
+                       {"wall_time_s", summary.fWallTime},
+                       {"envelope_mm", ByAxis(summary,
+                                              [&](size_t n) {
+                                                  return QJsonArray{Mm(figures.lowest[n]), Mm(figures.highest[n])};
+                                              })},
+                       {"end_mm", ByAxis(summary, [&](size_t n) { return Mm(summary.ends[n]); })},
+                       {"carriage_pulses", ByAxis(summary, [&](size_t n) { return summary.carriages[n]; })},
+                       {"messages", messages},
+                       {"message_count", summary.lTold}};
+    if (!summary.strSize.isEmpty()) object["job"] = summary.strSize;
     return QJsonDocument(object).toJson();
 }

@@ -185,7 +185,9 @@ void CSupervision::LiftPause()
 
 void CSupervision::OnOperationFinish()
 {
-    const bool bJob = m_App.m_eOperation == OP_GCODE || m_App.m_eOperation == OP_Z_PROFILE;
+    const qint32 iOperation = m_App.m_eOperation;
+    const bool bJob =
+        iOperation == OP_GCODE || iOperation == OP_SHAPES || iOperation == OP_IMG_CARVING || iOperation == OP_Z_PROFILE;
     if (bJob && !AppConfig::m_bSimulationMode && AppConfig::m_bAutoSpindleOff) m_App.TurnOnOffSpindle(false, DIR_CW);
     if (bJob) m_App.ResetAccVel();
     m_App.m_eOperation = OP_NONE;
