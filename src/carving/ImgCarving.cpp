@@ -24,8 +24,9 @@ std::unique_ptr<QImage> LoadCarvingImage(const QString& strPath, QString& strWhy
     }
     auto pImage = std::make_unique<QImage>();
     if (!reader.read(pImage.get()) || pImage->isNull()) {
-        strWhy = QStringLiteral("Image of up to %1 rows and columns could not be loaded: %2")
+        strWhy = QStringLiteral("Image of up to %1 rows and columns and %2 MB could not be loaded: %3")
                      .arg(MAX_IMAGE_SIDE)
+                     .arg(QImageReader::allocationLimit())
                      .arg(reader.errorString());
         return nullptr;
     }

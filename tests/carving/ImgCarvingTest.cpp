@@ -153,7 +153,7 @@ TEST_F(Carving, WhatIsNoPictureIsRefused)
     WriteAll(m_Home.filePath("text.jpg"), "no picture");
     for (const char* szName : {"empty.png", "text.jpg", "missing.png", "tall.pgm"}) {
         EXPECT_FALSE(Load(m_Home.filePath(szName))) << szName;
-        EXPECT_TRUE(m_strWhy.startsWith("Image of up to 32767 rows and columns could not be loaded: "))
+        EXPECT_TRUE(m_strWhy.startsWith("Image of up to 32767 rows and columns and 128 MB could not be loaded: "))
             << m_strWhy.toStdString();
     }
 }
