@@ -12,12 +12,14 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPainter>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
 
 static constexpr QRect VIEW(10, 12, 500, 363);
 static constexpr int MARK_ROWS = 3;
+static constexpr int WORKER_POLL_MS = 20;
 static constexpr int TALL_IMAGE = 2000;   // rows; the worker takes a while before the first move
 
 static QString LoadAnImage()
@@ -73,9 +75,16 @@ void CDlgImageCarving::UpdatePlungeFeed()
     ShowNumber(m_pUi->Btn_ZAxisPlungeFeed, PLUNGE_FEED, AppConfig::m_fPlungeFeed);
 }
 
+// After a stop the worker may be busy with the picture and the record for a moment: until it has gone nothing changes.
 void CDlgImageCarving::ResetUI(bool bEnable)
 {
-    for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setEnabled(bEnable);
+    m_bEnableWanted = bEnable;
+    const bool bFree = bEnable && !Host().Machine().isRunning();
+    for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setEnabled(bFree);
+    if (bEnable == bFree) return;
+    QTimer::singleShot(WORKER_POLL_MS, this, [this] {
+        if (m_bEnableWanted) ResetUI(true);
+    });
 }
 
 stImgCarvingData& CDlgImageCarving::Data() const
@@ -292,7 +301,7 @@ void CDlgImageCarving::on_Btn_EndMillDia_clicked()
 
 QString CDlgImageCarving::WhyNotStarted()
 {
-    if (!Host().IsMachineFree()) return QStringLiteral("Machine in use");
+    if (!Host().IsMachineFree() || Host().Machine().isRunning()) return QStringLiteral("Machine in use");
     if (!Host().Machine().GetHomeDone()) return QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings");
     return WhyNotCarved(Data());
 }

@@ -75,4 +75,5 @@ private:
     int m_iStripRow = 0;
     QString m_strFilter;       // the kind of picture chosen last
     quint16 m_iShownRow = 0;   // the last one of a job
+    bool m_bEnableWanted = true;
 };

@@ -24,8 +24,9 @@ std::unique_ptr<QImage> LoadCarvingImage(const QString& strPath, QString& strWhy
     }
     auto pImage = std::make_unique<QImage>();
     if (!reader.read(pImage.get()) || pImage->isNull()) {
-        strWhy = QStringLiteral("Image of up to %1 rows and columns could not be loaded: %2")
+        strWhy = QStringLiteral("Image of up to %1 rows and columns and %2 MB could not be loaded: %3")
                      .arg(MAX_IMAGE_SIDE)
+                     .arg(QImageReader::allocationLimit())
                      .arg(reader.errorString());
         return nullptr;
     }
@@ -224,6 +225,8 @@ QString WhyNotCarved(const stImgCarvingData& data)
     if (!(info.fLength > 0.0)) return QStringLiteral("Carving Length is not defined");
     if (!(info.fWidth > 0.0)) return QStringLiteral("Carving Width is not defined");
     if (!(info.fDepth > 0.0)) return QStringLiteral("Carving Depth is not defined");
+    for (const double fSize : {info.fLength, info.fWidth, info.fDepth})
+        if (!CUnitConverter::FitsLong(fSize)) return QStringLiteral("Carving is too large: no axis can count so far");
     // In units, as the levels count: a smaller step would never come to the depth.
     if (!(CUnitConverter::GetLong(info.fZStep) > 0)) return QStringLiteral("Carving Z-Step is not defined");
     if (CUnitConverter::GetInt(info.fLength / data.pImage->width()) <= 0)

@@ -112,14 +112,13 @@ TEST_F(ImageCarving, LoadsAPictureAndFitsItsSizes)
     EXPECT_EQ(Child<QLabel>(m_Screen, "Lbl_PixelSize").text(), "0.669\nmm/Pixel");
     EXPECT_DOUBLE_EQ(Info().fLength, 200.7);
     EXPECT_TRUE(WaitFor([&] { return Button("LoadImage").styleSheet() == BTN_BKGND_GRAY; }));
-    SaveScreen(m_Host, "carving-loaded");
     EXPECT_TIDY(m_Screen);
 
     // A picture that is none leaves the one that is held, and so does Cancel.
     const QString strEmpty = Folder() + "empty.png";
     WriteAll(strEmpty, "");
     Load(strEmpty);
-    EXPECT_TRUE(Log().starts_with("Image of up to 32767 rows and columns could not be loaded: "));
+    EXPECT_TRUE(Log().starts_with("Image of up to 32767 rows and columns and 128 MB could not be loaded: "));
     Load(QString());
     EXPECT_EQ(Image()->size(), QSize(300, 70));
     AppConfig::m_fAxisMovPerPulse[Y_AXIS] = 0.002;
@@ -288,10 +287,29 @@ TEST_F(ImageCarving, WritesTheProgramUnderATextName)
     EXPECT_GT(ReadAll(m_Home.filePath("relief.txt")).size(), 300);   // the old one
 }
 
+// A stop while the grid is made: the worker still reads the picture.
+TEST_F(ImageCarving, StaysClosedUntilTheWorkerHasGone)
+{
+    Load(Save(Ramp(1500, 1500)));
+    ASSERT_TRUE(m_Screen.StartImgCarving());
+    m_Host.m_Machine.StopAll();
+    m_Host.m_Machine.m_eOperation = OP_NONE;
+    m_Screen.ResetUI(true);
+    EXPECT_EQ(Button("LoadImage").isEnabled(), !m_Host.m_Machine.isRunning());
+    if (m_Host.m_Machine.isRunning()) {
+        EXPECT_FALSE(m_Screen.StartImgCarving());
+        EXPECT_EQ(Log(), "Machine in use");
+    }
+    EXPECT_TRUE(WaitFor([this] { return Button("LoadImage").isEnabled(); }));
+    EXPECT_FALSE(m_Host.m_Machine.isRunning());
+}
+
 // ---- In the window --------------------------------------------------------------------------------------------------
 
 class ThreadsImageCarving : public CWindowTest
 {
+protected:
+    void Load(const QString& strPath) { PressAndAnswer(Button("Btn_LoadImage"), CAnswer::File(strPath)); }
 };
 
 TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
@@ -303,7 +321,9 @@ TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     ASSERT_TRUE(QDir(m_Home.path()).mkdir("pictures"));   // the file dialog hides what is no jpg file in its own folder
     const QString strPath = m_Home.filePath("pictures/ramp.png");
     ASSERT_TRUE(Ramp(10, 6).save(strPath));
-    PressAndAnswer(Button("Btn_LoadImage"), CAnswer::File(strPath));
+    Load(QStringLiteral(TEST_DATA_DIR "/../../examples/rosette.png"));
+    SaveScreen(Window(), "carving-loaded");
+    Load(strPath);
     for (const auto& [szName, szKeys] : {std::pair{"Length", "C10"}, std::pair{"Depth", "C0.5"}}) {
         CAnswer keys(CAnswer::Keys(szKeys));
         TouchButton(QString("Btn_ImgCarving") + szName);
@@ -320,7 +340,6 @@ TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
         [&] {
             const int iMark = LinesOf(screen, GREEN).first;
             if (iMark >= 0 && (marks.empty() || marks.back() != iMark)) marks.push_back(iMark);
-            if (marks.size() == 2) SaveScreen(Window(), "carving-running");
             return Machine().m_eOperation == OP_NONE;
         },
         60000))
@@ -328,7 +347,7 @@ TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     EXPECT_GE(marks.size(), 3u);
     EXPECT_TRUE(std::is_sorted(marks.begin(), marks.end()));
     ExpectLogged("3D Relief carving completed");
-    EXPECT_TRUE(Button("Btn_LoadImage").isEnabled());
+    EXPECT_TRUE(WaitFor([&] { return Button("Btn_LoadImage").isEnabled(); }));
     EXPECT_TRUE(Button("Btn_GCode").isEnabled());
     EXPECT_NEAR(Carriages().CarriageMm(Y_AXIS), 1.0, 0.001);   // the last row, at the tool's radius
 }

@@ -153,7 +153,7 @@ TEST_F(Carving, WhatIsNoPictureIsRefused)
     WriteAll(m_Home.filePath("text.jpg"), "no picture");
     for (const char* szName : {"empty.png", "text.jpg", "missing.png", "tall.pgm"}) {
         EXPECT_FALSE(Load(m_Home.filePath(szName))) << szName;
-        EXPECT_TRUE(m_strWhy.startsWith("Image of up to 32767 rows and columns could not be loaded: "))
+        EXPECT_TRUE(m_strWhy.startsWith("Image of up to 32767 rows and columns and 128 MB could not be loaded: "))
             << m_strWhy.toStdString();
     }
 }
@@ -177,6 +177,7 @@ TEST_F(Carving, JobsThatWouldNeverEndOrHaveNoRowAreRefused)
                {info.fLength, {0.001}, "Carving Length is too small for the image"},
                {info.fWidth, {0.0, -1.0, std::nan("")}, "Carving Width is not defined"},
                {info.fDepth, {0.0, -1.0, std::nan("")}, "Carving Depth is not defined"},
+               {info.fDepth, {214749.0, HUGE_VAL}, "Carving is too large: no axis can count so far"},
                {info.fZStep, {0.0, -1.0, 1e-5, std::nan("")}, "Carving Z-Step is not defined"},
                // 12 pixels of tool over 10 rows: the grid's rows are -2 / 1 + 1.
                {AppConfig::m_fEndMillDia, {12.0}, "Image is too low for the End-Mill: there is no row to carve"}};

@@ -145,6 +145,23 @@ TEST_F(CarvingProgram, EndsTheWayBackAtTheRadiusOrInSquareStepsAtZero)
     EXPECT_EQ(Moves(Export()).join(' ').toStdString(), strSquare);
 }
 
+// Less than a pulse is flat, and a pulse is not; a row of one pulse is not cut, and one of two is.
+TEST_F(CarvingProgram, TellsAPulseFromLessAndFromMore)
+{
+    AppConfig::m_bMultipassImgCarving = false;
+    AppConfig::m_fEndMillDia = PIXEL;
+    const uchar lines[2][3] = {{102, 101, 102}, {102, 101, 100}};
+    auto pImage = std::make_unique<QImage>(3, 2, QImage::Format_Grayscale8);
+    for (int row = 0; row < 2; ++row) std::copy_n(lines[row], 3, pImage->scanLine(row));
+    m_App.m_stImgCarvingData.pImage = std::move(pImage);
+    Info().fLength = 1.5;
+    Info().fWidth = 1.0;
+    Info().fDepth = 2 * PULSE;
+    Info().fXStep = Info().fYStep = PIXEL;
+    EXPECT_EQ(Moves(Export()).join(' ').toStdString(), "G00 Z4.0000 X0.2500 Y0.7500 G01 Z0.0000 Z0.0000 Y0.2500 "
+                                                       "G01 Z0.0000 X0.7500 Z-0.0010 X1.2500 Z-0.0020 Z0.0000 ");
+}
+
 // Wherever the motor turns to for a positive move, the first row is cut from the left.
 TEST_F(CarvingProgram, DoesNotDependOnTheWiringOfX)
 {
