@@ -65,7 +65,6 @@ void CDlgEllipse::AfterChange()
         m_bHole = false;
         EraseRings();
         on_Btn_EllipseHole_clicked();
-        if (!m_bHole) DropHole(*Screen().EllipseAt(m_uIndex));   // refused: the tool does not fit any more
     }
     if (!m_bHole) UpdateEllipse();
 }
@@ -78,7 +77,7 @@ bool CDlgEllipse::Ask(QPushButton* pButton, const QString& strName, const QStrin
     const stNumberField field{
         .strTitle = strName + strUnit, .strCaption = strName, .fRange = range, .bSign = bSign, .iDecimals = PRECISION};
     const auto fNew = AskShown(Host(), pButton, field);
-    if (!fNew) return false;
+    if (!fNew || !IsRunning()) return false;   // the screen may have gone under the keypad, with all as it was
     fField = *fNew;
     ShowNumber(pButton, field, fField);
     return true;
@@ -218,7 +217,7 @@ void CDlgEllipse::MakeHole(stEllipse& ellipse)
         ring.Common().fDepth = ellipse.fDepth;
         lstShapes.push_back(std::move(ring));
     }
-    if (!strWhy.isEmpty()) LogError(strWhy);
+    Screen().LogOnce(strWhy);
     for (size_t n = uFirst; n < lstShapes.size(); ++n) Screen().CreateEllipsePoints(static_cast<quint32>(n));
 }
 

@@ -50,7 +50,7 @@ void CDlgShapeFreeDraw::on_Btn_RemovePt_clicked()
 void CDlgShapeFreeDraw::on_Btn_PolyDepth_clicked()
 {
     const size_t uFirst = Screen().m_uShapeCountBefore;
-    stPolygon* pPolygon = Screen().PolygonAt(uFirst);
+    const stPolygon* pPolygon = Screen().PolygonAt(uFirst);
     if (!pPolygon) return;
     const auto fNew = AskNumber(Host(), m_pUi->Btn_PolyDepth,
                                 {.strTitle = QStringLiteral("Shape Depth(mm)"),
@@ -59,7 +59,8 @@ void CDlgShapeFreeDraw::on_Btn_PolyDepth_clicked()
                                  .bSign = true},
                                 pPolygon->fDepth);
     if (!fNew) return;
-    pPolygon->fDepth = *fNew;
+    // Looked up anew: the screen may have gone under the keypad, and the empty shape with it.
+    if (stPolygon* pNow = Screen().PolygonAt(uFirst)) pNow->fDepth = *fNew;
     if (m_Outline.pPolygon) m_Outline.pPolygon->fDepth = *fNew;   // which comes back without its pocket
 }
 

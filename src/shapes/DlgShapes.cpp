@@ -152,9 +152,15 @@ void CDlgShapes::CreateEllipsePoints(quint32 uIndex)
 {
     stEllipse* pEllipse = EllipseAt(uIndex);
     if (!pEllipse) return;
-    const QString strWhy = ::CreateEllipsePoints(*pEllipse);
-    if (!strWhy.isEmpty() && strWhy != m_strNoPoints) LogError(strWhy);   // not at every step of a drag
-    m_strNoPoints = strWhy;
+    LogOnce(::CreateEllipsePoints(*pEllipse));
+}
+
+// Not at every step of a drag.
+void CDlgShapes::LogOnce(const QString& strWhy)
+{
+    if (strWhy.isEmpty() || strWhy == m_strToldOnce) return;
+    m_strToldOnce = strWhy;
+    LogError(strWhy);
 }
 
 void CDlgShapes::LogAll(const QStringList& lstNotices) const

@@ -53,8 +53,7 @@ public:
     bool HasBackground() const { return m_pBackground != nullptr; }
     void SelectVertex(int iVertex) { m_iVertex = iVertex; }
     int SelectedVertex() const { return m_iVertex; }
-    // While it is set a press on the drawing appends to the last polygon, or with the right button takes away.
-    void SetDrawing(bool bDrawing) { m_bDrawing = bDrawing; }
+    void LogOnce(const QString& strWhy);   // an error, while the same dialog is open
     void RemoveLastPoint();
 
 protected:
@@ -122,9 +121,12 @@ private:
     CWorkAreaMap m_Map;
     CWorkAreaPicture m_Picture;
     std::unique_ptr<QImage> m_pBackground;
-    QString m_strNoPoints;       // why the last ellipse has none
+    QString m_strToldOnce;       // by the dialog that is open
+    bool m_bHeld = false;        // the press that lasts was on the work area
     stFloatPoint m_stMousePos;   // mm; of the last press or movement
-    bool m_bDrawing = false, m_bMarks = true;
+    // While it is set a press on the drawing appends to the last polygon, or with the right button takes away.
+    bool m_bDrawing = false;
+    bool m_bMarks = true;
     int m_iVertex = -1;   // of the polygon that is edited
     CDlgShapeSource* m_pOpen = nullptr;
     size_t m_uEdited = 0;

@@ -90,7 +90,7 @@ bool CDlgShapes::RunDialog(CDlgShapeSource& dialog, size_t uEdited)
     const QPointer<CDlgShapes> alive(this);
     m_pOpen = &dialog;
     m_uEdited = uEdited;
-    m_iVertex = -1;
+    m_strToldOnce.clear();
     m_Picture.Forget();   // without what is edited
     ShowPicture();
     Host().EnableScreenSelectors(false);

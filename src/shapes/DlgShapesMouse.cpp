@@ -59,7 +59,8 @@ void CDlgShapes::on_Btn_DispGraphics_clicked()
 void CDlgShapes::mousePressEvent(QMouseEvent* pEvent)
 {
     const QPointF view = m_pUi->View_WorkArea->mapFrom(this, pEvent->position());
-    if (!PressDrawing(view, pEvent->button())) QDialog::mousePressEvent(pEvent);
+    m_bHeld = PressDrawing(view, pEvent->button());
+    if (!m_bHeld) QDialog::mousePressEvent(pEvent);
 }
 
 // Two quick touches are two points, not a double click, which would fit the view.
@@ -68,7 +69,7 @@ bool CDlgShapes::eventFilter(QObject* pObject, QEvent* pEvent)
     if (pObject != m_pUi->View_WorkArea || pEvent->type() != QEvent::MouseButtonDblClick || !m_pOpen)
         return QDialog::eventFilter(pObject, pEvent);
     const auto* pMouse = static_cast<QMouseEvent*>(pEvent);
-    PressDrawing(pMouse->position(), pMouse->button());
+    m_bHeld = PressDrawing(pMouse->position(), pMouse->button());
     return true;
 }
 
@@ -107,7 +108,7 @@ void CDlgShapes::OnMouseMove()
 {
     const CMyView& view = *m_pUi->View_WorkArea;
     const stFloatPoint at = m_Map.ToMM(view.ImageAt(view.m_MousePos));
-    if (m_pOpen && view.m_bLeftButtonDown) {
+    if (m_pOpen && m_bHeld && view.m_bLeftButtonDown) {
         if (m_pOpen == m_dlgEditPolygon.get()) DragVertex(at);
         if (m_pOpen == m_dlgEllipse.get()) DragEllipse(at);
     }

@@ -70,8 +70,8 @@ public:
         QRectF text = m_Painter.boundingRect(QRectF(), Qt::AlignLeft, strPlace).adjusted(-4, -2, 4, 2);
         text.moveTopLeft(at + QPointF(8.0, 6.0));
         const QRectF room(QPointF(0.0, 0.0), QSizeF(m_Scene.map.Scale().size));   // beside the vertex, but in view
-        text.moveLeft(std::clamp(text.left(), 0.0, room.right() - text.width()));
-        text.moveTop(std::clamp(text.top(), 0.0, room.bottom() - text.height()));
+        text.moveLeft(std::clamp(text.left(), 0.0, std::max(0.0, room.right() - text.width())));
+        text.moveTop(std::clamp(text.top(), 0.0, std::max(0.0, room.bottom() - text.height())));
         m_Painter.fillRect(text, QColor(0, 0, 0, 170));
         m_Painter.setPen(SELECTED);
         m_Painter.drawText(text, Qt::AlignCenter, strPlace);

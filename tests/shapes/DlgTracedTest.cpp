@@ -74,7 +74,9 @@ TEST_F(TracedDialogs, ATextFollowsItsSettings)
         Click(dialog, "Btn_Orientation_CW");
         EXPECT_EQ(Child(dialog, "Btn_Orientation").text(), "10.0000\nDegree");
         const ShapePath turned = Shapes()[0].Path();
-        EXPECT_GT(turned.back().y, upright.back().y - 30);
+        const auto right = std::max_element(upright.begin(), upright.end(),
+                                            [](const stFloatPoint& a, const stFloatPoint& b) { return a.x < b.x; });
+        EXPECT_LT(turned[size_t(right - upright.begin())].y, right->y) << "clockwise";
         EXPECT_NE(turned[0].x, upright[0].x);
         Click(dialog, "Btn_TextBoldSel");   // rebuilt, and as much turned
         Click(dialog, "Btn_TextBoldSel");
