@@ -50,7 +50,14 @@ void CDlgShapeFromImg::FindContours()
                                    .fShapeLength = m_fShapeLength,
                                    .fShapeWidth = m_fShapeWidth};
     auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-    for (ShapePath& path : TracePicture(picture)) {
+    std::vector<ShapePath> lstPaths;
+    try {
+        lstPaths = TracePicture(picture);
+    } catch (const cv::Exception&) {   // its copies are more than the computer holds
+        m_Img.release();
+        LogError(QStringLiteral("The image is too large to be traced"));
+    }
+    for (ShapePath& path : lstPaths) {
         stEngShape shape = stEngShape::NewPolygon();
         shape.pPolygon->strShapeName = m_strImgName + QStringLiteral("_%1").arg(lstShapes.size() - uFirst);
         shape.pPolygon->fDepth = m_fShapeDepth;

@@ -152,7 +152,9 @@ void CDlgShapes::CreateEllipsePoints(quint32 uIndex)
 {
     stEllipse* pEllipse = EllipseAt(uIndex);
     if (!pEllipse) return;
-    if (const QString strWhy = ::CreateEllipsePoints(*pEllipse); !strWhy.isEmpty()) LogError(strWhy);
+    const QString strWhy = ::CreateEllipsePoints(*pEllipse);
+    if (!strWhy.isEmpty() && strWhy != m_strNoPoints) LogError(strWhy);   // not at every step of a drag
+    m_strNoPoints = strWhy;
 }
 
 void CDlgShapes::LogAll(const QStringList& lstNotices) const

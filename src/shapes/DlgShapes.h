@@ -101,6 +101,7 @@ private:
     // Runs a dialog with the screen selectors off; it changes the entry uEdited, if any, and those from
     // m_uShapeCountBefore on. False: the screen is gone.
     bool RunDialog(CDlgShapeSource& dialog, size_t uEdited = SIZE_MAX);
+    void ListNewShapes();
     void AdoptNewShapes();   // the open dialog's entries get their rows
     void DropBackground();
 
@@ -121,6 +122,7 @@ private:
     CWorkAreaMap m_Map;
     CWorkAreaPicture m_Picture;
     std::unique_ptr<QImage> m_pBackground;
+    QString m_strNoPoints;       // why the last ellipse has none
     stFloatPoint m_stMousePos;   // mm; of the last press or movement
     bool m_bDrawing = false, m_bMarks = true;
     int m_iVertex = -1;   // of the polygon that is edited

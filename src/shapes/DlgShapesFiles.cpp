@@ -63,7 +63,7 @@ void CDlgShapes::on_Btn_LoadWorkArea_clicked()
     if (m_stCuttingInfo.stWorkArea.x > 0.0 && m_stCuttingInfo.stWorkArea.y > 0.0) ShowSize();
     Host().AddLogMsg(QStringLiteral("Shapes loaded: %1").arg(m_stCuttingInfo.lstShapes.size() - m_uShapeCountBefore),
                      MSG_INFO);
-    AdoptNewShapes();
+    ListNewShapes();
     UpdateWorkArea();
 }
 

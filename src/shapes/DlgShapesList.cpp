@@ -111,12 +111,17 @@ void CDlgShapes::DropBackground()
 
 void CDlgShapes::AdoptNewShapes()
 {
+    ListNewShapes();
+    DrawWorkArea();
+}
+
+void CDlgShapes::ListNewShapes()
+{
     const auto& lstShapes = m_stCuttingInfo.lstShapes;
     QStringList names;
     for (size_t n = m_uShapeCountBefore; n < lstShapes.size(); ++n) names.append(lstShapes[n].Common().strShapeName);
     m_pUi->Lw_Shapes->addItems(names);
     if (!names.isEmpty()) SelectRow(m_pUi->Lw_Shapes->count() - 1);
-    DrawWorkArea();
 }
 
 void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)

@@ -7,12 +7,17 @@
 #include <QMouseEvent>
 #include <QRect>
 
+#include <cmath>
+
 // The finger takes hold of what lies in a square of 6 mm around it.
 static bool Holds(const stFloatPoint& at, const stFloatPoint& pos)
 {
-    static constexpr int HALF = 3;
-    const QRect square(static_cast<int>(at.x) - HALF, static_cast<int>(at.y) - HALF, 2 * HALF, 2 * HALF);
-    return square.contains(QPoint(static_cast<int>(pos.x), static_cast<int>(pos.y)));
+    static constexpr double HALF = 3.0;
+    const auto IsIn = [](double fAt, double fPos) {   // on whole millimetres; a file may hold any number
+        const double fOff = std::trunc(fPos) - (std::trunc(fAt) - HALF);
+        return fOff >= 0.0 && fOff < 2.0 * HALF;
+    };
+    return IsIn(at.x, pos.x) && IsIn(at.y, pos.y);
 }
 
 // ---- Picture --------------------------------------------------------------------------------------------------------

@@ -306,13 +306,13 @@ TEST_F(ImageCarving, StaysClosedUntilTheWorkerHasGone)
 
 // ---- In the window --------------------------------------------------------------------------------------------------
 
-class ThreadsImageCarving : public CWindowTest
+class WindowImageCarving : public CWindowTest
 {
 protected:
     void Load(const QString& strPath) { PressAndAnswer(Button("Btn_LoadImage"), CAnswer::File(strPath)); }
 };
 
-TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
+TEST_F(WindowImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
 {
     AppConfig::m_bMultipassImgCarving = false;
     AppConfig::m_fEndMillDia = 2.0;
@@ -336,10 +336,12 @@ TEST_F(ThreadsImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     EXPECT_FALSE(Button("Btn_GCode").isEnabled());
     EXPECT_TRUE(Button("Btn_ImageCarving").isEnabled());
     std::vector<int> marks;   // as the picture shows them, downwards
+    bool bSaved = false;
     EXPECT_TRUE(WaitFor(
         [&] {
             const int iMark = LinesOf(screen, GREEN).first;
             if (iMark >= 0 && (marks.empty() || marks.back() != iMark)) marks.push_back(iMark);
+            if (marks.size() == 2 && !std::exchange(bSaved, true)) SaveScreen(Window(), "carving-running");
             return Machine().m_eOperation == OP_NONE;
         },
         60000))

@@ -45,8 +45,9 @@ TEST_F(EthercatDrive, SwitchesOutputsBelowBit32)
 {
     Map("DigitalOutputs", 3);
     m_Drive.SetOutputState(31, true);
+    for (const int iBit : {32, 33, -1}) m_Drive.SetOutputState(iBit, true);
+    EXPECT_EQ(At<quint32>(3), 0x80000000u);
     m_Drive.SetOutputState(0, true);
-    m_Drive.SetOutputState(33, true);
     EXPECT_EQ(At<quint32>(3), 0x80000001u);
     m_Drive.SetOutputState(31, false);
     EXPECT_EQ(At<quint32>(3), 1u);

@@ -7,6 +7,8 @@
 #include "support/CleanMachine.h"
 
 #include <QImage>
+#include <QJsonDocument>
+#include <QPainter>
 
 #include <limits>
 #include <opencv2/imgproc.hpp>
@@ -301,6 +303,35 @@ TEST_F(TracedText, ALetterGivesItsOutlinesAndASingleOneComesTwice)
     ASSERT_EQ(lstI.size(), 2u);
     EXPECT_EQ(PathArray(lstI[0]), PathArray(lstI[1]));
     EXPECT_EQ(PathArray(lstI[0]).first(), PathArray(lstI[0]).last()) << "closed";
+}
+
+// The letters drawn here by themselves, and the contours of that picture in mm.
+TEST_F(TracedText, ItsPointsAreThoseOfTheLettersContours)
+{
+    QImage image(480, 338, QImage::Format_Grayscale8);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    painter.setPen(Qt::white);
+    painter.setFont(QFont("DejaVu Sans", 60));
+    painter.drawText(25, 313, "Gi8");
+    painter.end();
+    cv::Mat ink;
+    cv::threshold(cv::Mat(338, 480, CV_8UC1, image.bits()), ink, 60, 255, cv::THRESH_BINARY);
+    std::vector<std::vector<cv::Point>> contours;
+    cv::findContours(ink, contours, cv::RETR_LIST, cv::CHAIN_APPROX_SIMPLE);
+    QStringList expected, found;
+    for (const auto& contour : contours) {
+        ShapePath path;
+        for (const cv::Point& pixel : contour) path.push_back({(pixel.x - 25) / 2.0, (338 - pixel.y - 25) / 2.0});
+        path.push_back(path.front());
+        expected += QString::fromUtf8(QJsonDocument(PathArray(path)).toJson(QJsonDocument::Compact));
+    }
+    for (const ShapePath& path : Trace("Gi8"))
+        found += QString::fromUtf8(QJsonDocument(PathArray(path)).toJson(QJsonDocument::Compact));
+    ASSERT_GT(expected.size(), 4);
+    expected.sort();
+    found.sort();
+    EXPECT_EQ(found, expected);
 }
 
 TEST_F(TracedText, LinesStandAtThePitchOfTheSizeAndTheSpacing)
