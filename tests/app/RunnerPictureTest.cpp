@@ -1,4 +1,5 @@
 #include "app/Call.h"
+#include "app/run/Relief.h"
 
 #include <QImage>
 
@@ -60,6 +61,30 @@ protected:
         return depths;
     }
 };
+
+// A tool of 4 mm goes down from (5, 5, 0) to (15, 5, -5): under its disc each place has the height of the moment when
+// the rim leaves it behind.
+TEST(Relief, IsWhatADiscLeavesThatGoesDownASlope)
+{
+    CRelief relief(4.0);
+    for (const stFloatPoint& point : {stFloatPoint{5.0, 5.0, 3.0}, {5.0, 5.0, 0.0}, {15.0, 5.0, -5.0}})
+        relief.MoveTo(point);
+    const QImage image = relief.Draw({.fLength = 20.0, .fWidth = 10.0, .fPixel = 1.0, .fDepth = 5.0});
+    ASSERT_EQ(image.size(), QSize(20, 10));
+    const auto Z = [&image](int iCol, int iRow) {
+        return 5.0 * (reinterpret_cast<const quint16*>(image.constScanLine(9 - iRow))[iCol] / 65535.0 - 1.0);
+    };
+    EXPECT_NEAR(Z(10, 6), -0.5 * (10.5 + std::sqrt(4.0 - 1.5 * 1.5) - 5.0), 1e-4);
+    EXPECT_NEAR(Z(10, 5), -0.5 * (10.5 + std::sqrt(4.0 - 0.5 * 0.5) - 5.0), 1e-4);
+    EXPECT_EQ(Z(10, 7), 0.0);    // 2.5 mm beside the way
+    EXPECT_EQ(Z(15, 5), -5.0);   // it stays under the disc to the end
+    EXPECT_NEAR(Z(4, 5), -0.5 * (4.5 + std::sqrt(4.0 - 0.5 * 0.5) - 5.0), 1e-4);
+    EXPECT_EQ(Z(2, 5), 0.0);
+
+    const QImage whole = relief.Draw({});   // as large as what was cut, black where it is deepest
+    EXPECT_EQ(whole.size(), QSize(140, 40));
+    EXPECT_EQ(reinterpret_cast<const quint16*>(whole.constScanLine(20))[119], 0);
+}
 
 // A tool of three pixels, steps of one. In square steps nothing of the picture is cut away; where a tool's breadth
 // around a pixel is of one depth, the relief has that depth.
