@@ -309,7 +309,15 @@ TEST_F(ImageCarving, StaysClosedUntilTheWorkerHasGone)
 class WindowImageCarving : public CWindowTest
 {
 protected:
-    void Load(const QString& strPath) { PressAndAnswer(Button("Btn_LoadImage"), CAnswer::File(strPath)); }
+    // From a folder of its own: the file dialog hides what is no jpg file in the one that it shows.
+    void Load(const QImage& image)
+    {
+        const QString strFolder = m_Home.filePath(QString("pictures%1/").arg(++m_iFolder));
+        ASSERT_TRUE(QDir().mkpath(strFolder) && image.save(strFolder + "picture.png"));
+        PressAndAnswer(Button("Btn_LoadImage"), CAnswer::File(strFolder + "picture.png"));
+    }
+    const QImage m_Rosette{QStringLiteral(TEST_DATA_DIR "/../../examples/rosette.png")};
+    int m_iFolder = 0;
 };
 
 TEST_F(WindowImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
@@ -318,12 +326,9 @@ TEST_F(WindowImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     AppConfig::m_fEndMillDia = 2.0;
     Open();
     TouchButton("Btn_ImageCarving");
-    ASSERT_TRUE(QDir(m_Home.path()).mkdir("pictures"));   // the file dialog hides what is no jpg file in its own folder
-    const QString strPath = m_Home.filePath("pictures/ramp.png");
-    ASSERT_TRUE(Ramp(10, 6).save(strPath));
-    Load(QStringLiteral(TEST_DATA_DIR "/../../examples/rosette.png"));
+    Load(m_Rosette);
     SaveScreen(Window(), "carving-loaded");
-    Load(strPath);
+    Load(Ramp(10, 6));
     for (const auto& [szName, szKeys] : {std::pair{"Length", "C10"}, std::pair{"Depth", "C0.5"}}) {
         CAnswer keys(CAnswer::Keys(szKeys));
         TouchButton(QString("Btn_ImgCarving") + szName);
@@ -336,12 +341,10 @@ TEST_F(WindowImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     EXPECT_FALSE(Button("Btn_GCode").isEnabled());
     EXPECT_TRUE(Button("Btn_ImageCarving").isEnabled());
     std::vector<int> marks;   // as the picture shows them, downwards
-    bool bSaved = false;
     EXPECT_TRUE(WaitFor(
         [&] {
             const int iMark = LinesOf(screen, GREEN).first;
             if (iMark >= 0 && (marks.empty() || marks.back() != iMark)) marks.push_back(iMark);
-            if (marks.size() == 2 && !std::exchange(bSaved, true)) SaveScreen(Window(), "carving-running");
             return Machine().m_eOperation == OP_NONE;
         },
         60000))
@@ -352,5 +355,30 @@ TEST_F(WindowImageCarving, IsCarvedRowByRowWhileTheWindowShowsIt)
     EXPECT_TRUE(WaitFor([&] { return Button("Btn_LoadImage").isEnabled(); }));
     EXPECT_TRUE(Button("Btn_GCode").isEnabled());
     EXPECT_NEAR(Carriages().CarriageMm(Y_AXIS), 1.0, 0.001);   // the last row, at the tool's radius
+}
+
+// A stop in the work: nothing is lifted, and the screen is open again, with the row to go on from in its picture.
+TEST_F(WindowImageCarving, IsStoppedInTheMiddleOfThePicture)
+{
+    AppConfig::m_bMultipassImgCarving = false;
+    Open();
+    TouchButton("Btn_ImageCarving");
+    Load(m_Rosette);
+    for (const auto& [szName, szKeys] : {std::pair{"ImgCarvingLength", "C60"}, std::pair{"CarvingStrartRow", "C120"}}) {
+        CAnswer keys(CAnswer::Keys(szKeys));
+        TouchButton(QString("Btn_") + szName);
+    }
+    auto& screen = Child<CDlgImageCarving>(Window(), "CDlgImageCarving");
+    const int iMiddle = LinesOf(screen, CYAN).first;
+    Touch(Round("m_BtnStart"));
+    ASSERT_TRUE(
+        WaitFor([&] { return Machine().GetCurPos(X_AXIS) > 12.0 && Machine().GetCurPos(Z_AXIS) < -0.2; }, 30000));
+    EXPECT_NEAR(LinesOf(screen, GREEN).first, iMiddle, 4);
+    SaveScreen(Window(), "carving-running");
+    Touch(Round("m_BtnStop"));
+    EXPECT_TRUE(WaitFor([&] { return Button("Btn_LoadImage").isEnabled(); }));
+    EXPECT_TRUE(Logged("Emergency switch pressed"));
+    EXPECT_LT(Carriages().CarriageMm(Z_AXIS), 0.0);
+    EXPECT_NEAR(LinesOf(screen, GREEN).first, iMiddle, 4);
 }
 }   // namespace
