@@ -41,7 +41,8 @@ bool CCncCamera::StartVideoCapture()
         m_FrameSize = {static_cast<int>(m_pCapture->Get(cv::CAP_PROP_FRAME_WIDTH)),
                        static_cast<int>(m_pCapture->Get(cv::CAP_PROP_FRAME_HEIGHT))};
         m_iFormatCode = static_cast<int>(m_pCapture->Get(cv::CAP_PROP_FOURCC));
-    } catch (...) {   // told like any other camera that does not open
+    } catch (...) {
+        bOpen = false;   // told like any other camera that does not open
     }
     m_bCamOpen = bOpen;
     SetErrorMsg(bOpen ? QString() : QStringLiteral("unable to open Camera"));
@@ -82,7 +83,10 @@ void CCncCamera::run()
     } catch (...) {   // whatever the camera's library throws when the plug is pulled
         m_bCamOpen = false;
         SetErrorMsg(QStringLiteral("Camera Connection Lost"));
-        m_pCapture->Release();
+        try {
+            m_pCapture->Release();
+        } catch (...) {   // it is gone anyway
+        }
         emit NewImage();
     }
     m_bFrameConsumed = 1;
@@ -130,5 +134,8 @@ void CCncCamera::StopVideoRecord()
     m_bRecording = false;
     usleep(WAKE_US);   // the frame in flight
     const QMutexLocker lock(&m_mtxWriter);
-    m_pWriter->release();
+    try {
+        m_pWriter->release();
+    } catch (...) {   // a full disk: what it holds is closed as far as it goes
+    }
 }

@@ -1,6 +1,7 @@
 #include "camera/DlgVideoRecSettings.h"
 
 #include "camera/CncCamera.h"
+#include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "ui/Look.h"
 #include "ui/ScreenHost.h"
@@ -40,9 +41,9 @@ void CDlgVideoRecSettings::ShowFile()
 void CDlgVideoRecSettings::on_Btn_BrowseVideoRecFile_clicked()
 {
     const QString strFilter = QStringLiteral("Avi Files(*.avi)");
-    QString strFile =
-        QFileDialog::getSaveFileName(this, QStringLiteral("Select file name"), AppConfig::m_strLastFolderPath,
-                                     strFilter, nullptr, QFileDialog::DontUseNativeDialog);
+    QString strFile = QFileDialog::getSaveFileName(this, QStringLiteral("Select file name"),
+                                                   CPaths::Map(AppConfig::m_strLastFolderPath), strFilter, nullptr,
+                                                   QFileDialog::DontUseNativeDialog);
     if (strFile.isEmpty()) return;
     if (!strFile.endsWith(QStringLiteral(".avi"))) strFile += QStringLiteral(".avi");
     m_Camera.m_strRecFile = strFile;

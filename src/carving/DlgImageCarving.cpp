@@ -303,7 +303,7 @@ QString CDlgImageCarving::WhyNotStarted()
 {
     if (!Host().IsMachineFree() || Host().Machine().isRunning()) return QStringLiteral("Machine in use");
     if (!Host().Machine().GetHomeDone()) return QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings");
-    return WhyNotCarved(Data());
+    return ::WhyNotStarted(Data());
 }
 
 bool CDlgImageCarving::StartImgCarving()

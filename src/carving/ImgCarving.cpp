@@ -37,6 +37,10 @@ std::unique_ptr<QImage> LoadCarvingImage(const QString& strPath, QString& strWhy
     if (pImage->hasAlphaChannel()) strNotice = QStringLiteral("Transparency of the image is ignored");
     // Lines are read as one byte a pixel: grey ones of two bytes or of a bit are converted too.
     if (!pImage->isGrayscale() || pImage->depth() != 8) pImage->convertTo(QImage::Format_Grayscale8);
+    if (pImage->isNull()) {
+        strWhy = QStringLiteral("Image could not be loaded: it is too large for the memory of this computer");
+        return nullptr;
+    }
     return pImage;
 }
 
@@ -234,4 +238,12 @@ QString WhyNotCarved(const stImgCarvingData& data)
     if (PlanGrid(info, data.pImage->height(), data.pImage->width()).iRows <= 0)
         return QStringLiteral("Image is too low for the End-Mill: there is no row to carve");
     return {};
+}
+
+QString WhyNotStarted(const stImgCarvingData& data)
+{
+    if (const QString strWhy = WhyNotCarved(data); !strWhy.isEmpty()) return strWhy;
+    const stGridPlan plan = PlanGrid(*data.pInfo, data.pImage->height(), data.pImage->width());
+    if (data.pInfo->iStartRow / plan.iYStepPixels < plan.iRows) return {};
+    return QStringLiteral("Start Row is behind the last row of the carving");
 }

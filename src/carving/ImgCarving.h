@@ -79,3 +79,5 @@ void MakeCarvingGrid(const stImgZProfileInfo& map, stImgCarvingInfo& info);
 
 // Why the job can't be carved, in the operator's words; empty: it can.
 QString WhyNotCarved(const stImgCarvingData& data);
+// The same, and a start row that is not there: the tool would go beside the work and down to its surface for nothing.
+QString WhyNotStarted(const stImgCarvingData& data);

@@ -6,7 +6,7 @@
 double FitPixel(double fSide, int iPixels, double fPulse, bool& bRaised)
 {
     const double fPixel = QString::number(fSide / iPixels, 'f', PRECISION).toDouble();
-    const qint32 lPixel = CUnitConverter::GetInt(fPixel), lPulse = CUnitConverter::GetInt(fPulse);
+    const long long lPixel = CUnitConverter::GetInt(fPixel), lPulse = CUnitConverter::GetInt(fPulse);
     bRaised = lPulse > 0 && lPixel % lPulse != 0;
     return bRaised ? CUnitConverter::GetDouble(lPixel - lPixel % lPulse + lPulse) : fPixel;
 }

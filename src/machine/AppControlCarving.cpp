@@ -9,10 +9,13 @@
 
 // A relief out of a picture: carved on the worker, or written as a program.
 
+// Of an export, beside its target, so that it can take its place.
+static const QString PART = QStringLiteral(".part");
+
 void AppControl::StartImgCarving()
 {
     if (!ClaimForJob()) return;
-    if (const QString strWhy = WhyNotCarved(m_stImgCarvingData); !strWhy.isEmpty()) return PushErrMsg(strWhy);
+    if (const QString strWhy = WhyNotStarted(m_stImgCarvingData); !strWhy.isEmpty()) return PushErrMsg(strWhy);
     LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode);
 }
 
@@ -117,12 +120,12 @@ bool AppControl::ExportImage(const QString& strFile, QString& strWhy)
     stImgCarvingInfo& info = *m_stImgCarvingData.pInfo;
     strWhy = WhyNotCarved(m_stImgCarvingData);
     if (!strWhy.isEmpty()) return false;
-    const QString strPart = strFile + QStringLiteral(".part");   // beside the target, so that it can take its place
+    const QString strPart = strFile + PART;
     bool bWhole = WriteCarvingHeader(strPart, info, strWhy);
     if (bWhole)
         RunCarvingPasses(info, AppConfig::m_bMultipassImgCarving,
                          [&] { return bWhole = AppendImage(strPart, strWhy); });
-    if (bWhole) return PutInPlace(strPart, strFile, strWhy);
+    if (bWhole && PutInPlace(strPart, strFile, strWhy)) return true;
     QFile::remove(strPart);
     if (!strWhy.isEmpty()) strWhy = QStringLiteral("%1 was not written: %2").arg(strFile, strWhy);
     return false;
@@ -134,6 +137,7 @@ bool AppControl::CreateGCodeFromImage(QString strFile)
     try {
         if (ExportImage(strFile, strWhy)) return true;
     } catch (const std::bad_alloc&) {
+        QFile::remove(strFile + PART);
         strWhy = QStringLiteral("Image is too large for the memory of this computer");
     }
     // A file that could not be made is no news here: wanted, the export ends and nothing is said.

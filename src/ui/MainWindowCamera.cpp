@@ -13,7 +13,7 @@ void MainWindow::on_Btn_SelectCamera_clicked()
         return;
     }
     AddLogMsg(m_CncCamera.GetErrorMsg(), MSG_ERROR);
-    m_bVideoRecording = false;
+    m_bVideoRecording = m_CncCamera.IsRecording();   // one that was lost leaves its file to be closed
     ResetBtnBkGnd(m_pUi->Btn_SelectCamera, BTN_BKGND_GRAY);
 }
 
@@ -52,7 +52,9 @@ void MainWindow::OnNewCncCamImage()
         m_ToolPathView.DisplayImage(&m_CameraImage);
         return;
     }
-    AddLogMsg(m_CncCamera.GetErrorMsg(), MSG_ERROR);   // empty, and not told, where the operator has left the camera
+    const QString strWhy = m_CncCamera.GetErrorMsg();
+    if (strWhy.isEmpty()) return;   // a frame from before the operator has left the camera
+    AddLogMsg(strWhy, MSG_ERROR);
     m_pUi->Btn_SelectToolPaths->setStyleSheet(BTN_BKGND_GREEN);
     m_pUi->Btn_SelectCamera->setStyleSheet(BTN_BKGND_GRAY);
     m_pUi->Btn_CameraRecStop->setEnabled(m_CncCamera.IsRecording());   // the file is still to be closed

@@ -15,10 +15,11 @@ protected:
         Close();
         CFrameSource::ReplaceCamera(nullptr);
     }
+    QImage View() { return Child<CMyView>(Window(), "m_ToolPathView").grab().toImage(); }
     QColor Middle()
     {
-        CMyView& view = Child<CMyView>(Window(), "m_ToolPathView");
-        return view.grab().toImage().pixelColor(view.rect().center());
+        const QImage view = View();
+        return view.pixelColor(view.rect().center());
     }
     bool ShowsCamera() { return Middle().blue() == 200 && Middle().green() == 100; }
     bool IsGreen(const char* szButton) { return Button(szButton).styleSheet() == BTN_BKGND_GREEN; }
@@ -38,6 +39,7 @@ TEST_F(WindowCamera, TakesThePictureAreaUntilItIsPulledOut)
     m_pFeed->bOpens = false;
     Open();
     const QColor box = Middle();
+    const QImage empty = View();
     TouchButton("Btn_SelectCamera");
     EXPECT_EQ(Log().value(0), "unable to open Camera");
     EXPECT_TRUE(WaitFor([this] { return !IsGreen("Btn_SelectCamera"); }));
@@ -63,8 +65,11 @@ TEST_F(WindowCamera, TakesThePictureAreaUntilItIsPulledOut)
     m_pFeed->iFrames = 1 << 30;
     TouchButton("Btn_SelectCamera");
     EXPECT_TRUE(WaitFor([this] { return ShowsCamera(); }));
+    Window().DrawToolPaths();
     TouchButton("Btn_SelectToolPaths");
     EXPECT_EQ(Middle(), box) << "the tool paths are back without a job";
+    QTest::qWait(50);   // the frame that was on its way
+    EXPECT_NE(View(), empty) << "the tool's path, and not wiped";
     EXPECT_TRUE(IsGreen("Btn_SelectToolPaths") && !IsGreen("Btn_SelectCamera"));
 }
 
@@ -98,6 +103,9 @@ TEST_F(WindowCamera, IsRecordedToAFileThatStaysToBeClosedWhenItIsLost)
     m_pFeed->iFrames = 0;
     EXPECT_TRUE(WaitFor([this] { return Logged("Camera Connection Lost"); }));
     EXPECT_TRUE(Button("Btn_CameraRecStop").isEnabled());
+    m_pFeed->bOpens = false;
+    TouchButton("Btn_SelectCamera");   // still unplugged
+    m_pFeed->bOpens = true;
     TouchButton("Btn_CameraRecStop");
     EXPECT_FALSE(Button("Btn_CameraRecStop").isEnabled());
     EXPECT_TRUE(Button("Btn_SelectToolPaths").isEnabled());
@@ -110,5 +118,6 @@ TEST_F(WindowCamera, IsRecordedToAFileThatStaysToBeClosedWhenItIsLost)
         Click(dialog, "Btn_BrowseVideoRecFile");
         Click(dialog, "Btn_Ok");
     });
+    EXPECT_EQ(Log().value(0), "Could not open the output video file for write\n");
     EXPECT_TRUE(Button("Btn_SelectToolPaths").isEnabled());
 }

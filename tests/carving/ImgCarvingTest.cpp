@@ -1,6 +1,5 @@
 #include "carving/ImgCarving.h"
 
-#include "carving/CarvingToGCode.h"
 #include "carving/PixelFit.h"
 #include "config/AppConfig.h"
 #include "support/CleanMachine.h"
@@ -191,6 +190,11 @@ TEST_F(Carving, JobsThatWouldNeverEndOrHaveNoRowAreRefused)
     EXPECT_NE(WhyNotCarved(data), QString());
     info.fXStep = info.fYStep = 2.0;
     EXPECT_EQ(WhyNotCarved(data).toStdString(), "");
+
+    info.iStartRow = 1;   // rows of two pixels
+    EXPECT_EQ(WhyNotStarted(data).toStdString(), "");
+    info.iStartRow = 10;
+    EXPECT_EQ(WhyNotStarted(data).toStdString(), "Start Row is behind the last row of the carving");
 }
 
 // Pixels are whole pulses, four decimals at the most.

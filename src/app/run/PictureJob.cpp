@@ -59,7 +59,8 @@ bool CPictureJob::Load(const stJobFile& file, QString& strWhy)
     m_Data.pImage = LoadCarvingImage(file.strPath, strWhy, strNotice);
     if (!strNotice.isEmpty()) TellNotice(strNotice);
     if (!m_Data.pImage) return false;
-    AppConfig::m_strLastFolderPath = QFileInfo(file.strName).absolutePath() + QLatin1Char('/');
+    const QString strFolder = QFileInfo(file.strName).absolutePath();
+    AppConfig::m_strLastFolderPath = strFolder.endsWith(QLatin1Char('/')) ? strFolder : strFolder + QLatin1Char('/');
     m_iRows = m_Data.pImage->height();
     m_iCols = m_Data.pImage->width();
     Fit();
@@ -88,7 +89,7 @@ void CPictureJob::Fit()
 
 std::vector<stJobError> CPictureJob::Errors() const
 {
-    const QString strWhy = WhyNotCarved(m_Data);
+    const QString strWhy = WhyNotStarted(m_Data);
     if (strWhy.isEmpty()) return {};
     return {{0, strWhy}};
 }
