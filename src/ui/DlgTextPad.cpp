@@ -133,32 +133,27 @@ void CDlgTextPad::on_Btn_Symbols_toggled(bool bOn)
 }
 
 CTextPadOpener::CTextPadOpener(QLineEdit* pEdit, const QString& strTitle)
-    : QObject(pEdit), m_pEdit(pEdit), m_strTitle(strTitle)
+    : QObject(pEdit), m_pEdit(pEdit), m_pField(pEdit), m_strTitle(strTitle)
 {
     pEdit->installEventFilter(this);
 }
 
 CTextPadOpener::CTextPadOpener(QPlainTextEdit* pEdit, const QString& strTitle)
-    : QObject(pEdit), m_pLines(pEdit), m_strTitle(strTitle)
+    : QObject(pEdit), m_pLines(pEdit), m_pField(pEdit->viewport()), m_strTitle(strTitle)
 {
-    pEdit->viewport()->installEventFilter(this);
-}
-
-QWidget* CTextPadOpener::Field() const
-{
-    return m_pEdit ? m_pEdit : m_pLines->viewport();
+    m_pField->installEventFilter(this);
 }
 
 // The keyboard opens on the release, after the field has done with the press.
 bool CTextPadOpener::eventFilter(QObject* pObject, QEvent* pEvent)
 {
-    if (pObject != Field()) return false;
+    if (pObject != m_pField) return false;
     if (pEvent->type() == QEvent::MouseButtonPress) m_bTouched = true;
     if (pEvent->type() != QEvent::MouseButtonRelease || !m_bTouched) return false;
     m_bTouched = false;
     const bool bReadOnly = m_pEdit ? m_pEdit->isReadOnly() : m_pLines->isReadOnly();
-    if (!Field()->isEnabled() || bReadOnly ||
-        !Field()->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
+    if (!m_pField->isEnabled() || bReadOnly ||
+        !m_pField->rect().contains(static_cast<QMouseEvent*>(pEvent)->position().toPoint()))
         return false;
     QTimer::singleShot(0, this, &CTextPadOpener::Open);
     return false;
@@ -168,7 +163,7 @@ void CTextPadOpener::Open()
 {
     QString strText = m_pEdit ? m_pEdit->text() : m_pLines->toPlainText();
     const QPointer<CTextPadOpener> alive(this);
-    if (!CDlgTextPad::Edit(Field()->window(), m_strTitle, strText, m_pLines != nullptr) || !alive) return;
+    if (!CDlgTextPad::Edit(m_pField->window(), m_strTitle, strText, m_pLines != nullptr) || !alive) return;
     if (m_pLines) return m_pLines->setPlainText(strText);
     m_pEdit->selectAll();
     m_pEdit->insert(strText);   // as typed: the field's own limits and signals hold

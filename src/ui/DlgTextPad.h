@@ -61,10 +61,10 @@ protected:
 
 private:
     void Open();
-    QWidget* Field() const;   // what the finger touches
 
     QLineEdit* m_pEdit = nullptr;   // one of the two
     QPlainTextEdit* m_pLines = nullptr;
+    QWidget* const m_pField;   // what the finger touches; also while the edit goes, when it can no longer be asked
     QString m_strTitle;
     bool m_bTouched = false;
 };
