@@ -7,10 +7,10 @@
 #include "settings/SettingsInput.h"
 #include "ui/Look.h"
 #include "ui/PressedBtn.h"
+#include "ui/Questions.h"
 #include "ui_DlgImageCarving.h"
 
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QPainter>
 #include <QTimer>
 
@@ -333,28 +333,18 @@ static bool HasProgramEnding(const QString& strPath)
            strPath.endsWith(QLatin1String(".ncc"), Qt::CaseInsensitive);
 }
 
-static bool MayReplace(QWidget* pParent, const QString& strPath)
-{
-    return QMessageBox::information(pParent, QStringLiteral("Information"),
-                                    strPath + QStringLiteral(" already exists.\nDo you want to replace it?"),
-                                    QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
-}
-
 void CDlgImageCarving::on_Btn_GenerateGCode_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_GenerateGCode);
     if (!HasImage(LoadAnImage())) return;
     if (const QString strWhy = WhyNotCarved(Data()); !strWhy.isEmpty()) return LogError(strWhy);
     m_pUi->Btn_GenerateGCode->setStyleSheet(BTN_BKGND_BLUE);
-    QString strPath = QFileDialog::getSaveFileName(
+    const QString strTyped = QFileDialog::getSaveFileName(
         this, QStringLiteral("Select a file to Save..."), CPaths::Map(AppConfig::m_strLastFolderPath),
         QStringLiteral("text files(*.txt);;G-Code files(*.ncc)"), nullptr, QFileDialog::DontUseNativeDialog);
-    if (strPath.isEmpty()) return;
-    if (!HasProgramEnding(strPath)) {
-        strPath += QStringLiteral(".txt");
-        // The file dialog has asked about the name as typed only.
-        if (QFile::exists(strPath) && !MayReplace(this, strPath)) return;
-    }
+    if (strTyped.isEmpty()) return;
+    const QString strPath = HasProgramEnding(strTyped) ? strTyped : strTyped + QStringLiteral(".txt");
+    if (!MayReplace(this, strTyped, strPath)) return;
     (void)Host().Machine().CreateGCodeFromImage(strPath);
     // Whatever came of it: wanted, a failure has its own line.
     Host().AddLogMsg(QStringLiteral("G-Code File Generated"), MSG_INFO);

@@ -19,3 +19,8 @@ void COperatorScreen::Set(COperatorScreen* pScreen)
 {
     g_pScreen = pScreen ? pScreen : &g_SilentScreen;
 }
+
+void TellNotice(const QString& strText)
+{
+    COperatorScreen::Get().AddLogMsg(strText, MSG_NOTICE);
+}

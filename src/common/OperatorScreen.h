@@ -24,3 +24,6 @@ public:
     static COperatorScreen& Get();
     static void Set(COperatorScreen* pScreen);
 };
+
+// A line in white on the log of the screen in force.
+void TellNotice(const QString& strText);

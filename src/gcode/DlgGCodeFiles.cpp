@@ -4,6 +4,7 @@
 #include "gcode/ExecStatus.h"
 #include "machine/AppControl.h"
 #include "ui/PressedBtn.h"
+#include "ui/Questions.h"
 #include "ui_DlgGCode.h"
 
 #include <QFile>
@@ -15,12 +16,6 @@
 
 static const QString OPEN_FILTER =
     QStringLiteral("tap files(*.tap);;text files(*.txt);;G-Code files(*.ncc);;G-Code files(*.ngc)");
-
-static bool Ask(QWidget* pParent, const QString& strQuestion)
-{
-    return QMessageBox::information(pParent, QStringLiteral("Information"), strQuestion,
-                                    QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
-}
 
 static bool IsReadable(const QString& strPath)
 {
@@ -61,7 +56,7 @@ void CdlgGCode::LoadInBackground(const QString& strPath)
 QString CdlgGCode::AskProgram()
 {
     if (CGCodeEditor::LineCount() == 0 && QFile::exists(CPaths::Map(GCODE_EXEC_STATUS_FILE)) &&
-        Ask(this, QStringLiteral("Open Previous G-Code File?"))) {
+        AskYes(this, QStringLiteral("Open Previous G-Code File?"))) {
         stExecStatus status;
         if (!ReadExecStatus(GCODE_EXEC_STATUS_FILE, status))
             QMessageBox::critical(this, QStringLiteral("Critical error"), QStringLiteral("Unable to open Config File"));
@@ -130,7 +125,7 @@ bool CdlgGCode::LoadFromStick(const QString& strPath)
 bool CdlgGCode::AskToSave()
 {
     if (!m_bEdited) return true;
-    if (!Ask(this, QStringLiteral("Save current G-Code?"))) {
+    if (!AskYes(this, QStringLiteral("Save current G-Code?"))) {
         m_bEdited = false;
         return true;
     }
@@ -165,10 +160,7 @@ bool CdlgGCode::SaveGCode()
                                      QStringLiteral("G-Code Files(*.ncc)"), nullptr, QFileDialog::DontUseNativeDialog);
     if (strTyped.isEmpty()) return false;
     const QString strPath = SaveFileName(strTyped);
-    // The file dialog has asked about the name as typed only.
-    if (strPath != strTyped && QFile::exists(strPath) &&
-        !Ask(this, strPath + QStringLiteral(" already exists.\nDo you want to replace it?")))
-        return false;
+    if (!MayReplace(this, strTyped, strPath)) return false;
     bool bOpened = false;
     if (!WriteProgram(strPath, &bOpened)) return !Refused(WhyNotSaved(strPath, bOpened));
     m_strFile = strPath;

@@ -5,11 +5,6 @@
 
 // Shapes: cut on the worker, or written as a program.
 
-static void TellNotice(const QString& strText)
-{
-    COperatorScreen::Get().AddLogMsg(strText, MSG_NOTICE);
-}
-
 void AppControl::StartShapeCutting(stShapeCuttingInfo* pInfo)
 {
     if (!ClaimForJob()) return;

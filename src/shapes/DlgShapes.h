@@ -107,7 +107,6 @@ private:
     // ---- Files ----
     QString AskSaveName();
     QString AskGCodeName();
-    bool MayReplace(const QString& strTyped, const QString& strPath);
     void ShowSize();
 
     // ---- Drawing ----

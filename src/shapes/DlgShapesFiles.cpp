@@ -5,24 +5,15 @@
 #include "shapes/DlgShapes.h"
 #include "shapes/WorkAreaFile.h"
 #include "ui/PressedBtn.h"
+#include "ui/Questions.h"
 #include "ui_DlgShapes.h"
 
 #include <QFile>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QSignalBlocker>
 
 static const QString FILE_FILTER = QStringLiteral("xml Files(*.xml)");
 static const QString GCODE_FILTER = QStringLiteral("text files(*.txt);;G-Code files(*.ncc)");
-
-// The file dialog has asked about the name as typed only.
-bool CDlgShapes::MayReplace(const QString& strTyped, const QString& strPath)
-{
-    return strPath == strTyped || !QFile::exists(strPath) ||
-           QMessageBox::information(this, QStringLiteral("Information"),
-                                    strPath + QStringLiteral(" already exists.\nDo you want to replace it?"),
-                                    QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
-}
 
 // ---- Work area ------------------------------------------------------------------------------------------------------
 
@@ -33,7 +24,7 @@ QString CDlgShapes::AskSaveName()
                                      FILE_FILTER, nullptr, QFileDialog::DontUseNativeDialog);
     if (strTyped.isEmpty()) return {};
     const QString strPath = WorkAreaFileName(strTyped);
-    return MayReplace(strTyped, strPath) ? strPath : QString();
+    return MayReplace(this, strTyped, strPath) ? strPath : QString();
 }
 
 void CDlgShapes::on_Btn_SaveWorkArea_clicked()
@@ -77,7 +68,7 @@ QString CDlgShapes::AskGCodeName()
     if (strTyped.isEmpty()) return {};
     const bool bEnding = strTyped.endsWith(QLatin1String(".txt")) || strTyped.endsWith(QLatin1String(".ncc"));
     const QString strPath = bEnding ? strTyped : strTyped + QStringLiteral(".txt");
-    return MayReplace(strTyped, strPath) ? strPath : QString();
+    return MayReplace(this, strTyped, strPath) ? strPath : QString();
 }
 
 void CDlgShapes::on_Btn_GenerateGCode_clicked()

@@ -238,7 +238,6 @@ private:
     QImage m_CameraImage;   // what is shown of the camera
     CMyView m_ToolPathView;
     CCncCamera m_CncCamera;
-    bool m_bVideoRecording = false;
     qint32 m_iKeyHoldCode = 0;   // -1: used
     QElapsedTimer m_KeyHoldTimer;
     quint16 m_iLastPwmFreq = 0;

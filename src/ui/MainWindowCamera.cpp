@@ -13,23 +13,21 @@ void MainWindow::on_Btn_SelectCamera_clicked()
         return;
     }
     AddLogMsg(m_CncCamera.GetErrorMsg(), MSG_ERROR);
-    m_bVideoRecording = m_CncCamera.IsRecording();   // one that was lost leaves its file to be closed
     ResetBtnBkGnd(m_pUi->Btn_SelectCamera, BTN_BKGND_GRAY);
 }
 
 void MainWindow::on_Btn_CameraRecStop_clicked()
 {
-    m_bVideoRecording = !m_bVideoRecording;
-    if (!m_bVideoRecording) {
+    if (m_CncCamera.IsRecording()) {
         m_CncCamera.StopVideoRecord();
         m_pUi->Btn_CameraRecStop->setEnabled(m_CncCamera.IsCamOpen());   // a lost one leaves only the file to close
     } else if (!StartRecording()) {
-        m_bVideoRecording = false;
         return;
     }
-    m_pUi->Btn_CameraRecStop->setIcon(QIcon(m_bVideoRecording ? QStringLiteral(":/res/StopVideoRec.png")
-                                                              : QStringLiteral(":/res/StartVideoRec.png")));
-    m_pUi->Btn_SelectToolPaths->setEnabled(!m_bVideoRecording);   // the camera is not left while it records
+    const bool bRecording = m_CncCamera.IsRecording();
+    m_pUi->Btn_CameraRecStop->setIcon(
+        QIcon(bRecording ? QStringLiteral(":/res/StopVideoRec.png") : QStringLiteral(":/res/StartVideoRec.png")));
+    m_pUi->Btn_SelectToolPaths->setEnabled(!bRecording);   // the camera is not left while it records
 }
 
 bool MainWindow::StartRecording()

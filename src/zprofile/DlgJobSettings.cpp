@@ -5,13 +5,13 @@
 #include "machine/AppControl.h"
 #include "ui/Look.h"
 #include "ui/PressedBtn.h"
+#include "ui/Questions.h"
 #include "ui_DlgJobSettings.h"
 #include "zprofile/DlgZProfiler.h"
 #include "zprofile/ZProfileFile.h"
 #include "zprofile/ZProfileSummary.h"
 
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QTimer>
 
 #include <utility>
@@ -86,12 +86,6 @@ void CdlgJobSettings::ShowGrid()
 
 // ---- Create ---------------------------------------------------------------------------------------------------------
 
-bool CdlgJobSettings::Confirm(const QString& strQuestion)
-{
-    return QMessageBox::information(this, QStringLiteral("Information"), strQuestion,
-                                    QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
-}
-
 void CdlgJobSettings::on_Btn_CreateZProfile_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_CreateZProfile);
@@ -109,7 +103,7 @@ bool CdlgJobSettings::CreateZProfile()
         return false;
     }
     if (!AppConfig::m_ZProfileInfo.lstPoints.empty() &&
-        !Confirm(QStringLiteral("Z-Profile already created. Create new?")))
+        !AskYes(this, QStringLiteral("Z-Profile already created. Create new?")))
         return false;
     dlgZProfiler dialog(parentWidget());
     dialog.ConfigSettings();
@@ -143,10 +137,7 @@ void CdlgJobSettings::SaveZProfileAs()
                                                           nullptr, QFileDialog::DontUseNativeDialog);
     if (strTyped.isEmpty()) return;
     const QString strPath = ZProfileFileName(strTyped);
-    // The file dialog has asked about the name as typed only.
-    if (strPath != strTyped && QFile::exists(strPath) &&
-        !Confirm(strPath + QStringLiteral(" already exists.\nDo you want to replace it?")))
-        return;
+    if (!MayReplace(this, strTyped, strPath)) return;
     if (SaveZProfile(strPath))
         Host().AddLogMsg(QStringLiteral("Z-Profile saved to\n") + strPath, MSG_INFO);
     else
@@ -162,7 +153,7 @@ void CdlgJobSettings::on_Btn_LoadZProfile_clicked()
 void CdlgJobSettings::LoadZProfileFrom()
 {
     if (!AppConfig::m_ZProfileInfo.lstPoints.empty() &&
-        !Confirm(QStringLiteral("Z-Profile already created. Load new?")))
+        !AskYes(this, QStringLiteral("Z-Profile already created. Load new?")))
         return;
     const QString strPath = QFileDialog::getOpenFileName(this, FILE_TITLE, CPaths::Map(HOME_FOLDER), FILE_FILTER,
                                                          nullptr, QFileDialog::DontUseNativeDialog);

@@ -39,7 +39,6 @@ private:
     void SaveZProfileAs();
     void LoadZProfileFrom();
     bool IsMachineInUse();   // and says so
-    bool Confirm(const QString& strQuestion);
     void EnableButtons(bool bEnable);
     void ShowGrid();   // at once, or when the worker has ended
 

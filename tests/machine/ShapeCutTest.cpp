@@ -317,7 +317,7 @@ TEST_F(ShapeCut, AFileThatCannotBeOpenedIsNoNewsAndOneThatIsThereGoes)
     m_App.CreateGCodeFromShapes(m_Home.filePath("nowhere/job.txt"));
     EXPECT_EQ(m_Screen.m_lstLog, QStringList());
     WriteAll(m_Home.filePath("job.txt"), QByteArray(100'000, 'x'));
-    EXPECT_FALSE(Write().contains('x'));
+    EXPECT_FALSE(Write().contains("xxx"));
 }
 
 // ---- Heights and axes -----------------------------------------------------------------------------------------------

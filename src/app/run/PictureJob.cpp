@@ -21,11 +21,6 @@ template <class T> stJobField IntegerField(const char* szName, T& field, int iMo
                 return false;
             }};
 }
-
-void TellNotice(const QString& strText)
-{
-    COperatorScreen::Get().AddLogMsg(strText, MSG_NOTICE);
-}
 }   // namespace
 
 std::vector<stJobField> CPictureJob::Fields()

@@ -5,7 +5,7 @@
 
 static void TellNotices(const QStringList& lstNotices)
 {
-    for (const QString& strNotice : lstNotices) COperatorScreen::Get().AddLogMsg(strNotice, MSG_NOTICE);
+    for (const QString& strNotice : lstNotices) TellNotice(strNotice);
 }
 
 std::vector<stJobField> CWorkAreaJob::Fields()
