@@ -1,7 +1,7 @@
-#include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "motion/AllAxisCtrl.h"
-#include "platform/VirtualMachine.h"
+#include "platform/virtual/VirtualMachine.h"
+#include "time/Wait.h"
 
 #include <benchmark/benchmark.h>
 

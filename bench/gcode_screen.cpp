@@ -2,9 +2,9 @@
 // scroll bar costs. Prints JSON. bin/gcode_screen [LINES]
 #include "common/Paths.h"
 #include "config/AppConfig.h"
-#include "gcode/DlgGCode.h"
-#include "machine/AppControl.h"
-#include "ui/Look.h"
+#include "control/AppControl.h"
+#include "screens/gcode/DlgGCode.h"
+#include "widgets/Look.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

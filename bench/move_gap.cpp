@@ -1,8 +1,8 @@
-#include "common/Wait.h"
 #include "config/AppConfig.h"
-#include "machine/AppControl.h"
+#include "control/AppControl.h"
 #include "motion/AllAxisCtrl.h"
-#include "platform/VirtualPins.h"
+#include "platform/virtual/VirtualPins.h"
+#include "time/Wait.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

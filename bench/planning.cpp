@@ -1,5 +1,5 @@
 #include "config/AppConfig.h"
-#include "machine/AppControl.h"
+#include "control/AppControl.h"
 
 #include <benchmark/benchmark.h>
 

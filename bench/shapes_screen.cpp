@@ -2,10 +2,10 @@
 // dragged, the drawing of all of it anew, and a keystroke of a text that is traced.
 //   cmake --build build --target shapes_screen && QT_QPA_PLATFORM=offscreen build/bin/shapes_screen
 #include "common/Paths.h"
-#include "shapes/DlgEditPolygon.h"
-#include "shapes/DlgShapes.h"
-#include "ui/Look.h"
-#include "ui/MainWindow.h"
+#include "screens/shapes/DlgEditPolygon.h"
+#include "screens/shapes/DlgShapes.h"
+#include "widgets/Look.h"
+#include "window/MainWindow.h"
 
 #include <QApplication>
 #include <QListWidget>

@@ -3,9 +3,9 @@
 //   cmake --build build --target window_tick && QT_QPA_PLATFORM=offscreen build/bin/window_tick
 #include "common/Paths.h"
 #include "config/AppConfig.h"
-#include "platform/VirtualPins.h"
-#include "ui/Look.h"
-#include "ui/MainWindow.h"
+#include "platform/virtual/VirtualPins.h"
+#include "widgets/Look.h"
+#include "window/MainWindow.h"
 
 #include <QApplication>
 #include <QPaintEvent>

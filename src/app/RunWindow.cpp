@@ -1,8 +1,8 @@
 #include "app/RunWindow.h"
 
-#include "ui/DlgTextPad.h"
-#include "ui/Look.h"
-#include "ui/MainWindow.h"
+#include "widgets/DlgTextPad.h"
+#include "widgets/Look.h"
+#include "window/MainWindow.h"
 
 #include <QApplication>
 #include <QMessageBox>

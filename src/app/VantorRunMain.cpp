@@ -1,4 +1,4 @@
-#include "app/run/Runner.h"
+#include "run/Runner.h"
 
 #include <QGuiApplication>
 

@@ -198,5 +198,5 @@ void CMotorSettings::SelectBoard(int iBoard)
     if (iBoard == VTR3_CTRL) A::m_iMchType = 3;
     if (iBoard == VTR5_CTRL) A::m_iMchType = 5;
     for (const eAxis axis : {A_AXIS, B_AXIS})
-        Axis(axis).m_bNeedsRestart = A::m_iMchType < MAX_AXES || m_Machine.AxesSetUp() < MAX_AXES;
+        Axis(axis).m_bNeedsRestart = A::m_iMchType < MAX_AXES || m_Machine.m_iAxesSetUp < MAX_AXES;
 }

@@ -1,5 +1,8 @@
 #pragma once
-#include "machine/AppControl.h"
+#include "config/AppConfig.h"
+#include "motion/MachineAxes.h"
+
+#include <QString>
 
 // What follows from a changed setting of a motor, a travel limit, a feed or the board: the settings screens store
 // through these, so that feeds keep their room and the axes always run by what is stored. Interface thread, while the
@@ -7,7 +10,7 @@
 class CMotorSettings
 {
 public:
-    explicit CMotorSettings(AppControl& machine) : m_Machine(machine) {}
+    explicit CMotorSettings(CMachineAxes& machine) : m_Machine(machine) {}
 
     // Highest values that a screen may offer, mm/s. A user or jog feed leaves room for the override of 150 percent.
     static double HighestMaxFeed(eAxis axis);
@@ -51,6 +54,6 @@ private:
     QString Config(eAxis axis);
     AxisCtrl& Axis(eAxis axis) { return m_Machine.m_AxisCtrl[axis]; }
 
-    AppControl& m_Machine;
+    CMachineAxes& m_Machine;
     bool m_bFeedCut = false;
 };

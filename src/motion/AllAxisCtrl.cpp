@@ -1,11 +1,11 @@
 #include "motion/AllAxisCtrl.h"
 
-#include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
 #include "motion/Clocks.h"
 #include "motion/MotionObserver.h"
 #include "platform/Computer.h"
+#include "time/Wait.h"
 
 CMachineAxes* CAllAxisCtrl::m_pAppCtrl = nullptr;
 CShared<bool> CAllAxisCtrl::m_bAutoMode = false;

@@ -1,11 +1,11 @@
 #include "motion/AxisCtrl.h"
 
 #include "common/UnitConverter.h"
-#include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
 #include "motion/Clocks.h"
 #include "motion/MotionObserver.h"
+#include "time/Wait.h"
 
 #include <QMutexLocker>
 

@@ -1,8 +1,8 @@
 #pragma once
 #include "common/MachineTypes.h"
 #include "common/Shared.h"
-#include "common/VirtualTime.h"
 #include "motion/PulseLoops.h"
+#include "time/VirtualTime.h"
 
 #include <QElapsedTimer>
 #include <QMutex>

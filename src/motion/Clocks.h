@@ -1,7 +1,7 @@
 #pragma once
-#include "common/VirtualTime.h"
 #include "hardware/RpiGpio.h"
 #include "motion/PulseLoops.h"
+#include "time/VirtualTime.h"
 
 #include <QElapsedTimer>
 

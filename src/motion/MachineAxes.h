@@ -5,4 +5,6 @@
 struct CMachineAxes
 {
     AxisCtrl m_AxisCtrl[MAX_AXES];
+    // Axes whose pins have been set up; another board, selected later, brings no pins for more of them.
+    int m_iAxesSetUp = 0;
 };

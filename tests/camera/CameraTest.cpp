@@ -1,6 +1,6 @@
 #include "camera/CncCamera.h"
 #include "camera/FedFrames.h"
-#include "ui/ScreenSupport.h"
+#include "support/screens/ScreenSupport.h"
 
 #include <QTemporaryDir>
 

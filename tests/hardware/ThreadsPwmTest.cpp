@@ -1,6 +1,6 @@
 #include "config/AppConfig.h"
 #include "hardware/Pwm.h"
-#include "platform/VirtualPins.h"
+#include "platform/virtual/VirtualPins.h"
 #include "support/CleanMachine.h"
 
 #include <QElapsedTimer>

@@ -4,7 +4,7 @@
 #include "config/SettingsTable.h"
 #include "hardware/RpiGpio.h"
 #include "hardware/VantorCtrl.h"
-#include "platform/VirtualPins.h"
+#include "platform/virtual/VirtualPins.h"
 #include "support/CleanMachine.h"
 #include "support/LoggedScreen.h"
 

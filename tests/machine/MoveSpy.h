@@ -1,8 +1,8 @@
 #pragma once
-#include "common/VirtualTime.h"
-#include "machine/AppControl.h"
+#include "control/AppControl.h"
 #include "motion/AllAxisCtrl.h"
 #include "support/CleanMachine.h"
+#include "time/VirtualTime.h"
 
 #include <utility>
 

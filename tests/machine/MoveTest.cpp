@@ -1,6 +1,6 @@
 #include "common/UnitConverter.h"
 #include "machine/MoveSpy.h"
-#include "platform/VirtualMachine.h"
+#include "platform/virtual/VirtualMachine.h"
 
 #include <cmath>
 #include <random>

@@ -1,9 +1,9 @@
 #pragma once
-#include "common/Wait.h"
-#include "machine/AppControl.h"
+#include "control/AppControl.h"
 #include "motion/AllAxisCtrl.h"
-#include "platform/VirtualMachine.h"
+#include "platform/virtual/VirtualMachine.h"
 #include "support/CleanMachine.h"
+#include "time/Wait.h"
 
 #include <QStringList>
 

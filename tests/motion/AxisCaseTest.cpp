@@ -1,11 +1,11 @@
-#include "common/VirtualTime.h"
-#include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "motion/AllAxisCtrl.h"
 #include "motion/MotionObserver.h"
-#include "platform/VirtualPins.h"
+#include "platform/virtual/VirtualPins.h"
 #include "support/Cases.h"
 #include "support/CleanMachine.h"
+#include "time/VirtualTime.h"
+#include "time/Wait.h"
 
 // Moves on an ideal clock, held against the time of every edge.
 

@@ -1,8 +1,8 @@
-#include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "motion/AllAxisCtrl.h"
-#include "platform/VirtualPins.h"
+#include "platform/virtual/VirtualPins.h"
 #include "support/CleanMachine.h"
+#include "time/Wait.h"
 
 // What an axis accepts and refuses, and how it splits a move. On virtual time.
 

@@ -2,13 +2,13 @@
 
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
-#include "common/Wait.h"
 #include "config/AppConfig.h"
 #include "gcode/GCodeStore.h"
 #include "motion/AllAxisCtrl.h"
 #include "motion/MotionObserver.h"
 #include "platform/Computer.h"
-#include "platform/VirtualPins.h"
+#include "platform/virtual/VirtualPins.h"
+#include "time/Wait.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 #include "app/bench/BenchPanel.h"
 
-#include "app/MachineWiring.h"
 #include "config/AppConfig.h"
-#include "ui/Look.h"
+#include "run/MachineWiring.h"
 #include "ui_BenchPanel.h"
+#include "widgets/Look.h"
 
 #include <QScreen>
 #include <QWindow>

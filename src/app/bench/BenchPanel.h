@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/VirtualMachine.h"
+#include "platform/virtual/VirtualMachine.h"
 
 #include <QElapsedTimer>
 #include <QString>

@@ -1,10 +1,10 @@
 #include "app/selftest/PulseTest.h"
 
-#include "common/Wait.h"
 #include "hardware/RpiGpio.h"
 #include "motion/Clocks.h"
 #include "motion/PulseLoops.h"
 #include "platform/Computer.h"
+#include "time/Wait.h"
 
 #include <cmath>
 #include <sched.h>

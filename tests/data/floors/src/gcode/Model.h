@@ -1,1 +1,1 @@
-#pragma once
+#include "screens/gcode/DlgScreen.h"   // a screen is above its model

@@ -1,1 +1,4 @@
-#include "gcode/DlgScreen.h"   // a screen is above the machine
+#include "gcode/Model.h"
+#include "machine/Nowhere.h"
+#include "Beside.h"
+#include "ui_Made.h"

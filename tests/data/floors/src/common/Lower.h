@@ -1,1 +1,0 @@
-#include "motion/Upper.h"   // goes up

@@ -1,0 +1,2 @@
+#include "common/Fine.h"
+#include "machine/Machine.h"   // its row names it, but too early

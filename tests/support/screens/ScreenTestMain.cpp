@@ -1,0 +1,16 @@
+#include "support/screens/ScreenSupport.h"
+#include "widgets/DlgTextPad.h"
+#include "widgets/Look.h"
+
+// Screens are tested on a display of their own in memory, with the look and the fonts of the program.
+int main(int argc, char** argv)
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    QApplication app(argc, argv);
+    app.setQuitOnLastWindowClosed(false);
+    CLook::Apply(app);
+    CTextPadOpener::WatchFileDialogs(app);
+    CAnswer::Watch();
+    return RUN_ALL_TESTS();
+}
