@@ -1,6 +1,7 @@
 #include "widgets/DlgMyHorizSlideBar.h"
 
 #include "ui_DlgMyHorizSlideBar.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QTimer>
 

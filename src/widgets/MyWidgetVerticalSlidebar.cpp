@@ -1,6 +1,7 @@
 #include "widgets/MyWidgetVerticalSlidebar.h"
 
 #include "ui_MyWidgetVerticalSlidebar.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QMouseEvent>
 #include <QTimer>

@@ -3,6 +3,7 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "hardware/VantorGpio.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 #include "window/MainWindowUi.h"
 

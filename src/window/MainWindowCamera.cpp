@@ -1,4 +1,5 @@
 #include "screens/camera/DlgVideoRecSettings.h"
+#include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
 // The camera's picture in the place of the tool paths, and its recording.

@@ -1,3 +1,4 @@
+#include "widgets/ButtonStyle.h"
 #include "widgets/DlgKeyPad.h"
 #include "window/MainWindowUi.h"
 

@@ -1,4 +1,5 @@
 #include "common/Paths.h"
+#include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
 #include <QDateTime>

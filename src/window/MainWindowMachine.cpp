@@ -1,5 +1,6 @@
 #include "config/AppConfig.h"
 #include "hardware/VantorGpio.h"
+#include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
 #include <QMessageBox>

@@ -1,4 +1,5 @@
 #include "config/AppConfig.h"
+#include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
 #include <algorithm>

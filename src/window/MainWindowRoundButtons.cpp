@@ -1,6 +1,7 @@
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
 #include "motion/AllAxisCtrl.h"
+#include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
 #include <QTimer>

@@ -1,6 +1,7 @@
 #include "preview/ToolPathPicture.h"
 
-#include "control/AppControl.h"
+#include "common/Operation.h"
+#include "support/Application.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,11 @@
 namespace {
 constexpr QPoint S0(28, 207), S1(208, 35), S2(172, 345), S3(352, 173), CENTER(190, 190);
 constexpr int BOTTOM_LEFT = 6;
+
+struct CPicture : CToolPathPicture
+{
+    CPicture() { NeedApplication(); }   // for the letters of the axes
+};
 
 QColor At(CToolPathPicture& picture, QPoint at)
 {
@@ -39,7 +45,7 @@ class PictureReference : public testing::TestWithParam<stBegin>
 };
 TEST_P(PictureReference, RulesWhereAProgramBeginsAndWhereItsZeroLies)
 {
-    CToolPathPicture picture;
+    CPicture picture;
     picture.Clear(OP_NONE, BOTTOM_LEFT);
     picture.Clear(GetParam().iOperation, GetParam().iHomeRef);
     EXPECT_EQ(picture.LastPoint(), GetParam().begin);
@@ -63,7 +69,7 @@ TEST(ToolPathPicture, DrawsTheWayInTheBrightnessOfItsDepth)
     for (const stCase& test :
          {stCase{0.0, Gray(255)}, stCase{9e-5, Gray(255)}, stCase{1e-4, Qt::yellow}, stCase{-0.5, Gray(243)},
           stCase{-10.0, Gray(30)}, stCase{-10.9, Gray(10)}, stCase{-500.0, Gray(10)}}) {
-        CToolPathPicture picture;
+        CPicture picture;
         picture.Clear(OP_GCODE, 8);
         picture.Draw(Pos(0.0, 0.0, test.fZ), OP_GCODE, 8);
         picture.Draw(Pos(10.9, 0.0, test.fZ), OP_GCODE, 8);
@@ -80,7 +86,7 @@ TEST(ToolPathPicture, DrawsTheWayInTheBrightnessOfItsDepth)
 // right (1.44 pixels a mm), Y against X straight up (1.38 pixels a mm).
 TEST(ToolPathPicture, LeavesNothingOfTheToolAndNoGapInThePath)
 {
-    CToolPathPicture picture;
+    CPicture picture;
     picture.Clear(OP_GCODE, 8);
     for (int n = 0; n <= 40; ++n) picture.Draw(Pos(-n, n, 0.0), OP_GCODE, 8);
     const QPoint top = picture.LastPoint();
@@ -98,7 +104,7 @@ TEST(ToolPathPicture, LeavesNothingOfTheToolAndNoGapInThePath)
 
 TEST(ToolPathPicture, TakesPositionsFarOutside)
 {
-    CToolPathPicture picture;
+    CPicture picture;
     picture.Clear(OP_GCODE, 6);
     for (const double f : {1e300, -1e300, 214748.0}) picture.Draw(Pos(f, f, f), OP_GCODE, 6);
     picture.Draw(Pos(10.0, 10.0, -1.0), OP_GCODE, 6);

@@ -1,4 +1,5 @@
 #include "support/screens/ScreenSupport.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/DlgKeyPad.h"
 #include "widgets/DlgMyHorizSlideBar.h"
 #include "widgets/MyRndBtn.h"

@@ -1,5 +1,6 @@
 #include "common/Paths.h"
 #include "support/Files.h"
+#include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
 namespace {

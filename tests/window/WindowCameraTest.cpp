@@ -1,4 +1,5 @@
 #include "camera/FedFrames.h"
+#include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
 class WindowCamera : public CWindowTest

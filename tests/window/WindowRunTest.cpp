@@ -1,4 +1,5 @@
 #include "motion/AllAxisCtrl.h"
+#include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
 namespace {

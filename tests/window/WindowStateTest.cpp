@@ -1,3 +1,4 @@
+#include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "config/AppConfig.h"
 #include "screens/host/ScreenHost.h"
 #include "ui_DlgVideoRecSettings.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 #include <QFileDialog>

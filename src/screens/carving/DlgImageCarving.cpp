@@ -7,6 +7,7 @@
 #include "screens/host/PressedBtn.h"
 #include "screens/host/SettingsInput.h"
 #include "ui_DlgImageCarving.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 #include "widgets/Questions.h"
 

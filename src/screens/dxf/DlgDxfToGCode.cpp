@@ -3,6 +3,7 @@
 #include "config/AppConfig.h"
 #include "screens/host/ScreenHost.h"
 #include "ui_DlgDxfToGCode.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 static constexpr double NO_LIMIT = 10000.0;   // mm down, where no home sensor tells how far the axis may go

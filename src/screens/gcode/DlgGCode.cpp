@@ -5,6 +5,7 @@
 #include "screens/gcode/DlgGCodeSettings.h"
 #include "screens/host/PressedBtn.h"
 #include "ui_DlgGCode.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 #include <QLabel>

@@ -1,6 +1,7 @@
 #include "screens/gcode/DlgGCode.h"
 #include "screens/host/PressedBtn.h"
 #include "ui_DlgGCode.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/DlgTextPad.h"
 
 #include <QEvent>

@@ -3,6 +3,7 @@
 #include "config/AppConfig.h"
 #include "screens/host/ScreenHost.h"
 #include "ui_DlgGCodeSettings.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #pragma once
 #include "screens/host/ScreenHost.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QPushButton>
 

@@ -1,5 +1,7 @@
 #include "screens/host/SettingsInput.h"
 
+#include "widgets/ButtonStyle.h"
+
 #include <QPushButton>
 
 bool RefuseMachineInUse(CScreenHost& host)

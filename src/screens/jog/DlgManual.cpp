@@ -3,6 +3,7 @@
 #include "control/AppControl.h"
 #include "screens/host/ScreenHost.h"
 #include "ui_DlgManual.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QMouseEvent>
 

@@ -6,6 +6,7 @@
 #include "screens/settings/MotorNumbers.h"
 #include "screens/settings/VelocityGraph.h"
 #include "ui_DlgMachineSettings.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/DlgKeyPad.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include "hardware/RpiGpio.h"
 #include "screens/settings/PinRoles.h"
 #include "ui_DlgRpiController.h"
+#include "widgets/ButtonStyle.h"
 
 static constexpr int HEADER_PINS = 28;   // Broadcom numbers 0 to 27
 static constexpr int REFRESH_MS = 200;   // a finger on a switch sees it; costs 28 reads

@@ -4,6 +4,7 @@
 #include "screens/settings/DlgSpindleSpeeds.h"
 #include "screens/settings/UserNumbers.h"
 #include "ui_DlgUserSettings.h"
+#include "widgets/ButtonStyle.h"
 
 #include <algorithm>
 

@@ -5,6 +5,7 @@
 #include "screens/shapes/DlgShapes.h"
 #include "shapes/PolygonEdit.h"
 #include "ui_DlgEditPolygon.h"
+#include "widgets/ButtonStyle.h"
 
 #include <algorithm>
 #include <cmath>

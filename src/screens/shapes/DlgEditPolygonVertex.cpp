@@ -3,6 +3,7 @@
 #include "screens/host/SettingsInput.h"
 #include "screens/shapes/DlgShapeSource.h"
 #include "ui_DlgEditPolygonVertex.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 static constexpr double FARTHEST = 1000000.0;   // mm, as the largest work area

@@ -4,6 +4,7 @@
 #include "screens/shapes/DlgShapes.h"
 #include "shapes/EllipsePath.h"
 #include "ui_DlgEllipse.h"
+#include "widgets/ButtonStyle.h"
 
 #include <algorithm>
 #include <cmath>

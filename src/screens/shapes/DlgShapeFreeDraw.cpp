@@ -6,6 +6,7 @@
 #include "shapes/Pocket.h"
 #include "shapes/PolygonEdit.h"
 #include "ui_DlgShapeFreeDraw.h"
+#include "widgets/ButtonStyle.h"
 
 #include <utility>
 

@@ -6,6 +6,7 @@
 #include "screens/shapes/DlgShapes.h"
 #include "shapes/PictureTrace.h"
 #include "ui_DlgShapeFromImg.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 #include <QFileDialog>

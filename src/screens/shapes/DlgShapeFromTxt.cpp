@@ -7,6 +7,7 @@
 #include "shapes/PolygonEdit.h"
 #include "shapes/TextTrace.h"
 #include "ui_DlgShapeFromTxt.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/DlgTextPad.h"
 #include "widgets/Look.h"
 

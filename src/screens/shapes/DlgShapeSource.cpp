@@ -2,6 +2,7 @@
 
 #include "config/AppConfig.h"
 #include "screens/shapes/DlgShapes.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QEventLoop>
 #include <QImageReader>

@@ -8,6 +8,7 @@
 #include "screens/shapes/DlgShapeFromImg.h"
 #include "shapes/EllipsePath.h"
 #include "ui_DlgShapes.h"
+#include "widgets/ButtonStyle.h"
 
 #include <algorithm>
 

@@ -6,6 +6,7 @@
 #include "screens/shapes/DlgShapes.h"
 #include "shapes/WorkAreaFile.h"
 #include "ui_DlgShapes.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Questions.h"
 
 #include <QFile>

@@ -3,6 +3,7 @@
 #include "screens/shapes/DlgShapeFromImg.h"
 #include "screens/shapes/DlgShapes.h"
 #include "ui_DlgShapes.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QMouseEvent>
 #include <QRect>

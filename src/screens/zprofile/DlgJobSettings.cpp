@@ -6,6 +6,7 @@
 #include "screens/host/PressedBtn.h"
 #include "screens/zprofile/DlgZProfiler.h"
 #include "ui_DlgJobSettings.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 #include "widgets/Questions.h"
 #include "zprofile/ZProfileFile.h"

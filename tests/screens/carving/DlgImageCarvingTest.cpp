@@ -8,6 +8,7 @@
 #include "support/LoggedScreen.h"
 #include "support/screens/PressAndAnswer.h"
 #include "support/screens/TestHost.h"
+#include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
 #include <QLabel>

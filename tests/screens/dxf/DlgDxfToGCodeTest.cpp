@@ -8,6 +8,7 @@
 #include "support/Files.h"
 #include "support/screens/PressAndAnswer.h"
 #include "support/screens/TestHost.h"
+#include "widgets/ButtonStyle.h"
 #include "window/MainWindow.h"
 
 #include <QDir>

@@ -6,6 +6,7 @@
 #include "support/Files.h"
 #include "support/screens/PressAndAnswer.h"
 #include "support/screens/TestHost.h"
+#include "widgets/ButtonStyle.h"
 
 #include <QLabel>
 #include <QLineEdit>

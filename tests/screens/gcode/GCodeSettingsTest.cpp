@@ -3,6 +3,7 @@
 #include "support/CleanMachine.h"
 #include "support/screens/ScreenSupport.h"
 #include "support/screens/TestHost.h"
+#include "widgets/ButtonStyle.h"
 
 namespace {
 class GCodeSettings : public CCleanMachine

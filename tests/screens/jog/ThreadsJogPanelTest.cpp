@@ -2,6 +2,7 @@
 #include "support/CleanMachine.h"
 #include "support/screens/ScreenSupport.h"
 #include "support/screens/TestHost.h"
+#include "widgets/ButtonStyle.h"
 
 #include <cmath>
 

@@ -1,5 +1,6 @@
 #include "platform/virtual/VirtualPins.h"
 #include "screens/settings/SettingsFixture.h"
+#include "widgets/ButtonStyle.h"
 
 using A = AppConfig;
 

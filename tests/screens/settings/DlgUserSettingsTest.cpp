@@ -1,6 +1,7 @@
 #include "platform/virtual/VirtualPins.h"
 #include "screens/settings/SettingsFixture.h"
 #include "screens/settings/UserNumbers.h"
+#include "widgets/ButtonStyle.h"
 
 using A = AppConfig;
 

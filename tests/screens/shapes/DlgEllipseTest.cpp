@@ -1,4 +1,5 @@
 #include "screens/shapes/DlgShapesFixture.h"
+#include "widgets/ButtonStyle.h"
 
 namespace {
 class EllipseDialog : public CShapesTest

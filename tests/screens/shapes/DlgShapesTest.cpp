@@ -1,5 +1,6 @@
 #include "screens/shapes/DlgShapesFixture.h"
 #include "support/Files.h"
+#include "widgets/ButtonStyle.h"
 
 namespace {
 class ShapesScreen : public CShapesTest

@@ -1,6 +1,7 @@
 #include "support/screens/TestHost.h"
 
 #include "support/screens/ScreenSupport.h"
+#include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
 
 #include <algorithm>
