@@ -1,5 +1,6 @@
 #include "screens/shapes/DlgShapes.h"
 
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "screens/host/SettingsInput.h"
@@ -108,7 +109,7 @@ bool CDlgShapes::StartShapeCutting()
         return true;
     }
     if (!Host().IsMachineFree()) {
-        LogError(QStringLiteral("Machine in use"));
+        LogError(MACHINE_IN_USE);
         return false;
     }
     if (m_stCuttingInfo.lstShapes.empty()) {
@@ -116,7 +117,7 @@ bool CDlgShapes::StartShapeCutting()
         return false;
     }
     if (!machine.GetHomeDone()) {
-        LogError(QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings"));
+        LogError(HOMING_NOT_DONE_SHOWN);
         return false;
     }
     ResetUI(false);
