@@ -204,8 +204,6 @@ private:
     friend class CGCodeLineExec;
     class CShapeCutter;
     class CCarver;
-    bool AppendImage(const QString& strFile, QString& strWhy);
-    bool ExportImage(const QString& strFile, QString& strWhy);
     // Holds the worker while the pause is set. False: the job was stopped meanwhile.
     bool WaitWhilePaused();
     // The words of a line that a move takes: coordinates, F, S. REFUSED: told, and the run ends before the line moves.

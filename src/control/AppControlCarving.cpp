@@ -5,12 +5,7 @@
 
 #include <QFile>
 
-#include <new>
-
 // A relief out of a picture: carved on the worker, or written as a program.
-
-// Of an export, beside its target, so that it can take its place.
-static const QString PART = QStringLiteral(".part");
 
 void AppControl::StartImgCarving()
 {
@@ -102,44 +97,20 @@ void AppControl::RunImgCarving()
     RunCarvingPasses(*m_stImgCarvingData.pInfo, AppConfig::m_bMultipassImgCarving, [this] { return ImgCarving(); });
 }
 
-bool AppControl::AppendImage(const QString& strFile, QString& strWhy)
-{
-    CreateImgZProfile();
-    const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
-    return AppendCarvingPass(strFile, *m_stImgCarvingData.pInfo, SafeHeight(), fnOnRow, strWhy);
-}
-
 bool AppControl::WriteImageToGCodeFile(QString strFile)
 {
-    QString strWhy;
-    return AppendImage(strFile, strWhy);
-}
-
-bool AppControl::ExportImage(const QString& strFile, QString& strWhy)
-{
-    stImgCarvingInfo& info = *m_stImgCarvingData.pInfo;
-    strWhy = WhyNotCarved(m_stImgCarvingData);
-    if (!strWhy.isEmpty()) return false;
-    const QString strPart = strFile + PART;
-    bool bWhole = WriteCarvingHeader(strPart, info, strWhy);
-    if (bWhole)
-        RunCarvingPasses(info, AppConfig::m_bMultipassImgCarving,
-                         [&] { return bWhole = AppendImage(strPart, strWhy); });
-    if (bWhole && PutInPlace(strPart, strFile, strWhy)) return true;
-    QFile::remove(strPart);
-    if (!strWhy.isEmpty()) strWhy = QStringLiteral("%1 was not written: %2").arg(strFile, strWhy);
-    return false;
+    CreateImgZProfile();
+    QFile file(strFile);
+    const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
+    return file.open(QIODevice::WriteOnly | QIODevice::Append) &&
+           WriteCarvingPass(file, *m_stImgCarvingData.pInfo, SafeHeight(), fnOnRow);
 }
 
 bool AppControl::CreateGCodeFromImage(QString strFile)
 {
     QString strWhy;
-    try {
-        if (ExportImage(strFile, strWhy)) return true;
-    } catch (const std::bad_alloc&) {
-        QFile::remove(strFile + PART);
-        strWhy = QStringLiteral("Image is too large for the memory of this computer");
-    }
+    const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
+    if (ExportCarving(strFile, m_stImgCarvingData, SafeHeight(), fnOnRow, strWhy)) return true;
     // A file that could not be made is no news here: wanted, the export ends and nothing is said.
     if (!strWhy.isEmpty()) COperatorScreen::Get().AddLogMsg(strWhy, MSG_ERROR);
     return false;
