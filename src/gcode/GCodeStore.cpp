@@ -150,10 +150,3 @@ bool CGCodeStore::WriteProgram(const QString& strPath, bool* pOpened)
     }
     return file.Commit();
 }
-
-void CGCodeStore::ClearProgram()
-{
-    m_lstOfGCodeLines = {};
-    m_lstOfGCodeCmds = {};
-    m_CompilationErrors.clear();
-}
