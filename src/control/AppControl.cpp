@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <iterator>
 
-static constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};
-
 static QString AxisInUse()
 {
     return QStringLiteral("Axis in use");

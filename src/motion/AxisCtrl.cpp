@@ -231,7 +231,9 @@ bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
 {
     const QMutexLocker lock(&m_Mutex);
     const stRampSettings settings = stRampSettings::OfAxis(m_sAxis);
-    if (!RefuseBuild(WhyNoRamp(settings, fVel, fAcc))) return false;
+    const QString strWhy = WhyNoRamp(settings, fVel, fAcc);
+    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ') + strWhy))
+        return false;
 
     const size_t t = 1u - m_ucCurTable;
     m_fVel[t] = fVel;
