@@ -234,8 +234,7 @@ void MainWindow::ShowCriticalBox(const QString& strTitle, const QString& strText
 
 bool MainWindow::IsEmergencyStopOn()
 {
-    if (AppConfig::m_bEmergencyStopON) AddLogMsg(QStringLiteral("Release Emergency Switch"), MSG_ERROR);
-    return AppConfig::m_bEmergencyStopON;
+    return Refused(CSupervision::WhyNotReleased());
 }
 
 void MainWindow::EnlMchHomingOptions(bool bEnable)

@@ -4,6 +4,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
 #include "control/AppControl.h"
+#include "control/Supervision.h"
 #include "preview/ToolPathPicture.h"
 #include "screens/carving/DlgImageCarving.h"
 #include "screens/gcode/DlgGCode.h"
@@ -147,7 +148,6 @@ private:
     void SetUpSlideBars();
 
     // The steps of a tick.
-    void SendSpindleFrequency();
     void ShowNextMessages();
     void ShowPositions();
     void ShowStartRequest();
@@ -162,17 +162,12 @@ private:
 
     // Operation states.
     struct stStateRow;
-    struct stEndRow;
     static const stStateRow m_lstStateTable[];
-    static const stEndRow m_lstEndTable[];
     bool MayBeEnabled(const QWidget* pWidget) const;
     bool IsScreenSelector(const QWidget* pWidget) const;
-    QString EndWorkHoming();
-    QString EndMchHoming();
-    QString EndZProbe();
-    QString EndGCode();
-    QString EndZProfile();
-    void EndJob(qint32 iOperation);
+    void ShowOperationEnd(const stOperationEnd& end);
+    void ShowScreenOfEnd(qint32 iOperation);
+    void ShowJobEnd(const stOperationEnd& end);
     void ShowSpindle(QPushButton* pButton, bool bEnabled, const QString& strStyle, const QString& strText);
     void ShowAutoSpindle();
     void ShowSpindleOff();
@@ -187,6 +182,7 @@ private:
     void ToggleEmergencyStop();
 
     // Machine buttons.
+    bool Refused(const QString& strWhy);
     bool RefuseUnhomed();
     bool RefuseBusy();
     bool MayMoveMachine();
@@ -229,18 +225,17 @@ private:
     QMutex m_mtxFeed;
     QTimer* m_pSupervisionTimer = nullptr;
     QTimer* m_pBtnClickTimer = nullptr;
-    quint16 m_iPrevEStopInput = 0, m_iPrevPgmStartInput = 0;
 
 public:
     AppControl m_AppControl;
 
 private:
+    CSupervision m_Supervision{m_AppControl};
     QImage m_CameraImage;   // what is shown of the camera
     CMyView m_ToolPathView;
     CCncCamera m_CncCamera;
     qint32 m_iKeyHoldCode = 0;   // -1: used
     QElapsedTimer m_KeyHoldTimer;
-    quint16 m_iLastPwmFreq = 0;
 
     bool m_bKeyModeContinuous = true;
     double m_fKeyJogStep = 0.05;   // mm

@@ -1,3 +1,4 @@
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "hardware/VantorGpio.h"
 #include "widgets/ButtonStyle.h"
@@ -22,18 +23,20 @@ static int AxesInUse()
 
 // ---- Refusals; each logs its own ------------------------------------------------------------------------------------
 
+bool MainWindow::Refused(const QString& strWhy)
+{
+    AddLogMsg(strWhy, MSG_ERROR);
+    return !strWhy.isEmpty();
+}
+
 bool MainWindow::RefuseUnhomed()
 {
-    if (!AppConfig::m_bHomeSensorsUsed || m_AppControl.m_AxisCtrl[X_AXIS].IsAxisHomeSet()) return false;
-    AddLogMsg(QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings"), MSG_ERROR);
-    return true;
+    return Refused(m_Supervision.WhyNotHomed());
 }
 
 bool MainWindow::RefuseBusy()
 {
-    if (IsMachineFree()) return false;
-    AddLogMsg(QStringLiteral("Machine in use"), MSG_ERROR);
-    return true;
+    return Refused(m_Supervision.WhyNotFree());
 }
 
 bool MainWindow::MayMoveMachine()
@@ -108,8 +111,7 @@ void MainWindow::MoveAxisWorkHome(eAxis axis, QPushButton* pButton)
     ResetBtnBkGnd(pButton, BTN_BKGND_GRAY);
     if (IsEmergencyStopOn()) return;
     AxisCtrl& ctrl = m_AppControl.m_AxisCtrl[axis];
-    if (ctrl.GetAxisState() || m_AppControl.m_eOperation != OP_NONE)
-        return AddLogMsg(QStringLiteral("Axis in use"), MSG_ERROR);
+    if (ctrl.GetAxisState() || m_AppControl.m_eOperation != OP_NONE) return AddLogMsg(AXIS_IN_USE, MSG_ERROR);
     ctrl.SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
     (void)m_AppControl.MoveWorkZero(axis, false);
 }

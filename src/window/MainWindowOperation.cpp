@@ -2,10 +2,6 @@
 #include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
-#include <algorithm>
-#include <cmath>
-#include <iterator>
-
 namespace {
 constexpr unsigned Bit(qint32 iOperation)
 {
@@ -16,22 +12,6 @@ constexpr unsigned SHAPES = Bit(OP_SHAPES), CARVING = Bit(OP_IMG_CARVING), GCODE
 constexpr unsigned CUTTING = SHAPES | CARVING | GCODE;
 // These take buttons away and give them back; the others leave the window as it is.
 constexpr unsigned JOBS = CUTTING | Z_PROFILE;
-
-constexpr double AT_ZERO = 9e-5;   // mm
-
-const char* StartMessage(qint32 iOperation)
-{
-    static constexpr const char* MESSAGES[] = {"",
-                                               "Moving to Work Home",
-                                               "Moving to Machine Home",
-                                               "Shapes cutting started",
-                                               "3D relief Carving started",
-                                               "G-Code execution Started",
-                                               "Setting Z0 using Z-Probe",
-                                               "Z profiling Started"};
-    const bool bKnown = iOperation >= 0 && iOperation < static_cast<qint32>(std::size(MESSAGES));
-    return MESSAGES[bKnown ? iOperation : 0];
-}
 }   // namespace
 
 // A widget and the operations during which it is off.
@@ -69,22 +49,6 @@ const MainWindow::stStateRow MainWindow::m_lstStateTable[] = {
 };
 #undef ROW
 
-// What the end of an operation shows, and its message; none where it has not reached what it was for.
-struct MainWindow::stEndRow
-{
-    qint32 iOperation;
-    QString (*fnEnd)(MainWindow&);
-};
-const MainWindow::stEndRow MainWindow::m_lstEndTable[] = {
-    {OP_WORK_HOME, [](MainWindow& w) { return w.EndWorkHoming(); }},
-    {OP_MCH_HOME, [](MainWindow& w) { return w.EndMchHoming(); }},
-    {OP_Z_PROBE, [](MainWindow& w) { return w.EndZProbe(); }},
-    {OP_SHAPES, [](MainWindow&) { return QStringLiteral("Shapes cutting completed"); }},
-    {OP_IMG_CARVING, [](MainWindow&) { return QStringLiteral("3D Relief carving completed"); }},
-    {OP_GCODE, [](MainWindow& w) { return w.EndGCode(); }},
-    {OP_Z_PROFILE, [](MainWindow& w) { return w.EndZProfile(); }},
-};
-
 // ---- Start of an operation ------------------------------------------------------------------------------------------
 
 void MainWindow::EnableDisableWindows()
@@ -92,7 +56,7 @@ void MainWindow::EnableDisableWindows()
     if (PostToInterface([this] { EnableDisableWindows(); })) return;
     m_uOperations = m_uOperations + 1;
     const qint32 iOperation = m_AppControl.m_eOperation;
-    AddLogMsg(QString::fromLatin1(StartMessage(iOperation)), MSG_INFO);
+    AddLogMsg(StartMessage(iOperation), MSG_INFO);
     for (const stStateRow& row : m_lstStateTable)
         if (row.uOff & Bit(iOperation)) row.fnWidget(*this)->setEnabled(false);
     if (iOperation == OP_GCODE && AppConfig::m_GCodeRunSettings.bUsePrgmSpindleSpeed)
@@ -136,15 +100,14 @@ void MainWindow::OnOperationFinish()
         }))
         return;
 
-    const qint32 iOperation = m_AppControl.m_eOperation;
-    const auto end = std::find_if(std::begin(m_lstEndTable), std::end(m_lstEndTable),
-                                  [iOperation](const stEndRow& row) { return row.iOperation == iOperation; });
-    const QString strMsg = end == std::end(m_lstEndTable) ? QString() : end->fnEnd(*this);
-    if (!AppConfig::m_bEmergencyStopON) AddLogMsg(strMsg, MSG_INFO);
-    if (JOBS & Bit(iOperation)) EndJob(iOperation);
+    ShowOperationEnd(m_Supervision.EndOperation());
+}
 
-    m_AppControl.m_eOperation = OP_NONE;
-    m_AppControl.m_bPause = false;
+void MainWindow::ShowOperationEnd(const stOperationEnd& end)
+{
+    ShowScreenOfEnd(end.iOperation);
+    AddLogMsg(end.strMsg, MSG_INFO);
+    if (IsJob(end.iOperation)) ShowJobEnd(end);
     for (CMyRndBtn* pButton : {&m_BtnStart, &m_BtnPause}) {
         pButton->setEnabled(true);
         pButton->SetReleased();
@@ -154,36 +117,16 @@ void MainWindow::OnOperationFinish()
     OnG01FeedChange(m_G01FeedBar.GetValue());   // the operator's override, back on the axes
 }
 
-QString MainWindow::EndWorkHoming()
+void MainWindow::ShowScreenOfEnd(qint32 iOperation)
 {
-    m_pUi->Btn_MoveWorkZero->setStyleSheet(BTN_BKGND_GRAY);
-    for (int axis = 0; axis < MAX_AXES; ++axis)
-        if (!(std::fabs(m_AppControl.GetCurPos(static_cast<eAxis>(axis))) <= AT_ZERO)) return QString();
-    return QStringLiteral("Work home postion reached");
-}
-
-QString MainWindow::EndMchHoming()
-{
-    m_dlgUserSettings.ResetUI();
-    return m_AppControl.GetHomeDone() ? QStringLiteral("Machine Homing finished") : QString();
-}
-
-QString MainWindow::EndZProbe()
-{
-    m_pUi->Btn_SetZ0WithZProbe->setStyleSheet(BTN_BKGND_GRAY);
-    return QString();
-}
-
-QString MainWindow::EndGCode()
-{
-    m_SpindleSpeedBar.setEnabled(AppConfig::m_bPWMCtrlUsed);
-    return QStringLiteral("G-Code execution finished");
-}
-
-QString MainWindow::EndZProfile()
-{
-    m_dlgJobSettings.ResetUI();
-    return QStringLiteral("Z profiling completed");
+    switch (iOperation) {
+    case OP_WORK_HOME: return m_pUi->Btn_MoveWorkZero->setStyleSheet(BTN_BKGND_GRAY);
+    case OP_MCH_HOME: return m_dlgUserSettings.ResetUI();
+    case OP_Z_PROBE: return m_pUi->Btn_SetZ0WithZProbe->setStyleSheet(BTN_BKGND_GRAY);
+    case OP_GCODE: return m_SpindleSpeedBar.setEnabled(AppConfig::m_bPWMCtrlUsed);
+    case OP_Z_PROFILE: return m_dlgJobSettings.ResetUI();
+    default: break;
+    }
 }
 
 bool MainWindow::MayBeEnabled(const QWidget* pWidget) const
@@ -209,17 +152,13 @@ void MainWindow::EnableScreenSelectors(bool bEnable)
             pWidget->setEnabled(MayBeEnabled(pWidget) && !(row.uOff & uRunning));
 }
 
-void MainWindow::EndJob(qint32 iOperation)
+void MainWindow::ShowJobEnd(const stOperationEnd& end)
 {
-    if (!AppConfig::m_bSimulationMode && AppConfig::m_bAutoSpindleOff) {
-        m_AppControl.TurnOnOffSpindle(false, DIR_CW);
-        ShowSpindleOff();
-    }
+    if (end.bSpindleOff) ShowSpindleOff();
     for (const stStateRow& row : m_lstStateTable)
-        if (QWidget* pWidget = row.fnWidget(*this); row.uOff & Bit(iOperation))
+        if (QWidget* pWidget = row.fnWidget(*this); row.uOff & Bit(end.iOperation))
             pWidget->setEnabled(MayBeEnabled(pWidget));
     m_dlgImageCarving.ResetUI(true);
     m_dlgShapes.ResetUI(true);
     m_dlgGCode.ResetUI(true);
-    m_AppControl.ResetAccVel();
 }

@@ -1,5 +1,5 @@
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
-#include "hardware/RpiGpio.h"
 #include "motion/AllAxisCtrl.h"
 #include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
@@ -61,12 +61,12 @@ bool MainWindow::StartShownScreen()
 
 void MainWindow::Btn_Start_pressed()
 {
-    if (AppConfig::m_bEmergencyStopON) return RefuseStart(QStringLiteral("Release Emergency Switch"));
-    if (!m_AppControl.IsMachineIdle()) return RefuseStart(QStringLiteral("Machine in use"));
+    if (const QString strWhy = CSupervision::WhyNotReleased(); !strWhy.isEmpty()) return RefuseStart(strWhy);
+    if (!m_AppControl.IsMachineIdle()) return RefuseStart(MACHINE_IN_USE);
     if (m_AppControl.m_bExecSingleLine) return RefuseStart(QString());
     if (const QString strWhy = WhyNotStart(); !strWhy.isEmpty()) return RefuseStart(strWhy);
     if (m_AppControl.m_eOperation != OP_NONE) {
-        m_AppControl.m_bPause = false;
+        m_Supervision.Resume();
         m_bJogPanelTaken = true;
         EnableJogPanel(false);
     } else if (!StartShownScreen()) {
@@ -89,9 +89,7 @@ void MainWindow::Btn_Start_released()
 void MainWindow::Btn_Pause_pressed()
 {
     if (m_AppControl.m_eOperation == OP_NONE) return RndBtnRefresh(&m_BtnPause);
-    m_AppControl.m_bPause = true;
-    if (!m_AppControl.m_bToolChangePause) AddLogMsg(PAUSE_NOTICE, MSG_NOTICE);
-    m_AppControl.m_bToolChangePause = false;   // there the worker has said why it stops
+    if (!m_Supervision.Pause()) AddLogMsg(PAUSE_NOTICE, MSG_NOTICE);
     m_BtnStart.setEnabled(true);
     m_BtnStart.SetReleased();
     m_BtnPause.setEnabled(false);
@@ -104,8 +102,7 @@ void MainWindow::Btn_Reset_pressed()
     if (m_AppControl.m_eOperation == OP_NONE) return;
     if (!m_AppControl.m_bPause) return AddLogMsg(QStringLiteral("Pause execution to Reset"), MSG_ERROR);
     if (!m_AppControl.IsMachineIdle() || CAllAxisCtrl::GetMotionState()) return AddLogMsg(WAIT_TO_RESET, MSG_ERROR);
-    m_AppControl.StopAll();
-    OnOperationFinish();
+    ShowOperationEnd(m_Supervision.Abandon());
     AddLogMsg(QStringLiteral("Execution reset"), MSG_ERROR);
     m_BtnPause.setEnabled(true);
     m_BtnPause.SetReleased();
@@ -116,10 +113,7 @@ void MainWindow::Btn_Reset_pressed()
 void MainWindow::Btn_Stop_pressed()
 {
     try {
-        AppConfig::m_bEmergencyStopON.Exchange(true);
-        m_AppControl.StopAll();
-        OnOperationFinish();
-        if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), 0);
+        ShowOperationEnd(m_Supervision.EmergencyStop());
         AddLogMsg(QStringLiteral("Emergency switch pressed"), MSG_ERROR);
         for (CMyRndBtn* pButton : {&m_BtnStart, &m_BtnPause}) {
             pButton->setEnabled(true);
@@ -132,13 +126,9 @@ void MainWindow::Btn_Stop_pressed()
 
 void MainWindow::Btn_Stop_released()
 {
-    const bool bRead = !AppConfig::m_bSimulationMode && AppConfig::m_iEStopInput >= 0;
-    if (bRead && CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput)) != 0) {
-        AddLogMsg(QStringLiteral("Emergency Stop input is High"), MSG_ERROR);
-        m_BtnStop.SetPressed();
-        return;
-    }
-    AppConfig::m_bEmergencyStopON = false;
+    if (CSupervision::ReleaseEmergencyStop()) return;
+    AddLogMsg(QStringLiteral("Emergency Stop input is High"), MSG_ERROR);
+    m_BtnStop.SetPressed();
 }
 
 // The latch is drawn first: with the input still high the stop stays in force and the button down.
@@ -177,8 +167,7 @@ void MainWindow::on_Btn_StartPause_clicked()
 void MainWindow::on_Btn_Reset_clicked()
 {
     if (CAllAxisCtrl::GetMotionState()) return AddLogMsg(WAIT_TO_RESET, MSG_ERROR);
-    m_AppControl.StopAll();
-    OnOperationFinish();
+    ShowOperationEnd(m_Supervision.Abandon());
     AddLogMsg(QStringLiteral("Machine is reset"), MSG_ERROR);
     m_pUi->Btn_StartPause->setText(QStringLiteral("Start"));
     m_pUi->Btn_StartPause->setStyleSheet(BTN_BKGND_START);

@@ -1,6 +1,5 @@
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
-#include "hardware/RpiGpio.h"
-#include "hardware/VantorGpio.h"
 #include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"
 
@@ -14,7 +13,7 @@ void MainWindow::OnTimer()
 {
     if (m_bInOnTimer) return;
     try {
-        SendSpindleFrequency();
+        m_Supervision.SendSpindleFrequency();
         m_bInOnTimer = true;
         ShowNextMessages();
         ShowPositions();
@@ -34,19 +33,12 @@ void MainWindow::OnTimer()
     }
 }
 
-void MainWindow::SendSpindleFrequency()
-{
-    const quint16 iFreq = AppConfig::m_stPwmSpndlSettings.iCurFreq;
-    if (!AppConfig::m_bPWMCtrlUsed || m_iLastPwmFreq == iFreq) return;
-    m_iLastPwmFreq = iFreq;
-    CVANTORGPIO::PwmStart();
-}
-
 // One of each kind a tick, so that a flood of messages does not hold the window.
 void MainWindow::ShowNextMessages()
 {
-    AddLogMsg(m_AppControl.GetErrMsg(), MSG_ERROR);
-    AddLogMsg(m_AppControl.GetInfoMsg(), MSG_INFO);
+    const stMessages messages = m_Supervision.NextMessages();
+    AddLogMsg(messages.strError, MSG_ERROR);
+    AddLogMsg(messages.strInfo, MSG_INFO);
 }
 
 void MainWindow::ShowPositions()
@@ -65,15 +57,12 @@ void MainWindow::ShowPositions()
 
 void MainWindow::ShowStartRequest()
 {
-    if (!m_AppControl.m_bStartBtnPressRequest) return;
-    m_BtnStart.SetPressed();
-    m_AppControl.m_bStartBtnPressRequest = false;
+    if (m_Supervision.TakeStartRequest()) m_BtnStart.SetPressed();
 }
 
 void MainWindow::ShowToolChangePause()
 {
-    if (!m_AppControl.m_bToolChangePause) return;
-    AppConfig::m_bSpindleOn = false;
+    if (!m_Supervision.BeginToolChange()) return;
     // "Off" in lower case and only here: wanted, it tells a tool change from a spindle that was switched off.
     ShowSpindle(m_pUi->Btn_SpindleCWOnOff, true, BTN_BKGND_GRAY, SPINDLE_CW + QStringLiteral("Off"));
     m_pUi->Btn_SpindleCCWOnOff->setStyleSheet(BTN_BKGND_GRAY);
@@ -84,9 +73,7 @@ void MainWindow::ShowToolChangePause()
 
 void MainWindow::NoteOperationEnd()
 {
-    if (!m_AppControl.m_bOperationFinished) return;
-    m_AppControl.m_bOperationFinished = false;
-    OnOperationFinish();
+    if (m_Supervision.TakeOperationEnd()) OnOperationFinish();
 }
 
 void MainWindow::ShowCarvingRow()
@@ -96,41 +83,28 @@ void MainWindow::ShowCarvingRow()
 
 void MainWindow::ShowToolPathsOfJob()
 {
-    const qint32 iOperation = m_AppControl.m_eOperation;
-    if (iOperation == OP_SHAPES || iOperation == OP_IMG_CARVING || iOperation == OP_GCODE) DrawToolPaths();
+    if (IsCutting(m_AppControl.m_eOperation)) DrawToolPaths();
 }
 
-// Changes of the input, not its level: the round button works independently of it.
 void MainWindow::WatchEmergencyStopInput()
 {
-    if (AppConfig::m_bSimulationMode || AppConfig::m_iEStopInput < 0) return;
-    const quint16 iInput = CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput));
-    if (iInput == m_iPrevEStopInput) return;
-    m_iPrevEStopInput = iInput;
-    if (iInput != 0 && !AppConfig::m_bEmergencyStopON) {
-        AppConfig::m_bEmergencyStopON.Exchange(true);
-        m_AppControl.StopAll();
-        OnOperationFinish();
+    switch (m_Supervision.ReadStopInput()) {
+    case STOP_INPUT_SAME: break;
+    case STOP_INPUT_RISEN:
+        ShowOperationEnd(m_Supervision.EmergencyStop());
         m_BtnStop.SetPressed();
-        AddLogMsg(QStringLiteral("Emergency Stop Triggered"), MSG_ERROR);
-        CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), 0);
-    } else if (iInput == 0 && AppConfig::m_bEmergencyStopON) {
-        AppConfig::m_bEmergencyStopON = false;
-        m_BtnStop.SetReleased();
+        return AddLogMsg(QStringLiteral("Emergency Stop Triggered"), MSG_ERROR);
+    case STOP_INPUT_FALLEN: return m_BtnStop.SetReleased();
     }
 }
 
-// Wanted: the input shows the program and lights Start, and no more. A program is started by a press of the button.
 void MainWindow::WatchStartInput()
 {
-    if (AppConfig::m_bSimulationMode || AppConfig::m_iPgmStartInput < 0) return;
-    const quint16 iInput = CRpiGpio::ReadInput(Pin(AppConfig::m_iPgmStartInput));
-    if (iInput == m_iPrevPgmStartInput) return;
-    m_iPrevPgmStartInput = iInput;
-    if (iInput == 0) return;
-    if (!IsMachineFree()) return AddLogMsg(QStringLiteral("Machine in use"), MSG_ERROR);
-    on_Btn_GCode_clicked();
-    m_BtnStart.SetPressed();
+    switch (m_Supervision.ReadStartInput()) {
+    case START_INPUT_SAME: break;
+    case START_INPUT_REFUSED: return AddLogMsg(MACHINE_IN_USE, MSG_ERROR);
+    case START_INPUT_RISEN: on_Btn_GCode_clicked(); return m_BtnStart.SetPressed();
+    }
 }
 
 void MainWindow::ActOnHeldKey()
