@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <optional>
 
 static constexpr double AT_ZERO = 9e-5;   // mm
 

@@ -3,8 +3,6 @@
 
 #include <QString>
 
-#include <optional>
-
 class AppControl;
 
 // What the end of an operation has come to, for whoever shows it.
