@@ -1,17 +1,13 @@
 #include "control/AppControl.h"
 
 #include "common/OperatorScreen.h"
+#include "common/Refusals.h"
 #include "hardware/RpiGpio.h"
 #include "motion/AllAxisCtrl.h"
 #include "platform/Computer.h"
 
 #include <algorithm>
 #include <iterator>
-
-static QString AxisInUse()
-{
-    return QStringLiteral("Axis in use");
-}
 
 // Unless outputs are silent.
 static void WriteProgramStatus(quint8 ucLevel)
@@ -46,7 +42,7 @@ bool AppControl::Refuse(const QString& strWhy)
 
 bool AppControl::ClaimWorker()
 {
-    if (IsWorkerBusy()) return Refuse(AxisInUse());
+    if (IsWorkerBusy()) return Refuse(AXIS_IN_USE);
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     ForgetLast();
     return true;
@@ -64,7 +60,7 @@ bool AppControl::LaunchOperation(eOperation eCode)
 
 bool AppControl::ClaimForJob()
 {
-    return IsMachineIdle() ? ClaimWorker() : Refuse(AxisInUse());
+    return IsMachineIdle() ? ClaimWorker() : Refuse(AXIS_IN_USE);
 }
 
 bool AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
@@ -104,7 +100,7 @@ bool AppControl::StartMchHomingSequence(eAxis axis)
 
 bool AppControl::StartWorkHomingSequence()
 {
-    if (!GetHomeDone()) return Refuse(QStringLiteral("Homing not done! Use \"Move Home\" in user Settings"));
+    if (!GetHomeDone()) return Refuse(HOMING_NOT_DONE);
     return ClaimWorker() && LaunchOperation(OP_WORK_HOME);
 }
 
@@ -115,7 +111,7 @@ bool AppControl::StartZ0usingZProbeSeq()
 
 bool AppControl::RunZProfile()
 {
-    if (!IsMachineIdle() || m_eOperation != OP_NONE) return Refuse(AxisInUse());
+    if (!IsMachineIdle() || m_eOperation != OP_NONE) return Refuse(AXIS_IN_USE);
     if (const QString strWhy = CSurfaceProbe::WhyNotMeasured(); !strWhy.isEmpty()) return Refuse(strWhy);
     if (!ClaimWorker()) return false;
     TurnOnOffSpindle(false, DIR_CW);
