@@ -1,5 +1,6 @@
 #include "motion/AxisCtrl.h"
 
+#include "common/Refusals.h"
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
@@ -85,11 +86,6 @@ void AxisCtrl::SetWorkZero()
     ConfigAxis();
 }
 
-static const QString& HomingNotDone()
-{
-    static const QString strText = QStringLiteral("Homing not done! Use \"Move Home\" in user Settings");
-    return strText;
-}
 static const QString& InMotion()
 {
     static const QString strText = QStringLiteral("Axis is in Motion");
@@ -100,7 +96,7 @@ bool AxisCtrl::MoveWorkZero()
 {
     Refuse(QString());
     if (m_bMoving) return Refuse(InMotion());
-    if (AppConfig::m_bHomeSensorsUsed && !m_bHomeDone) return Refuse(HomingNotDone());
+    if (AppConfig::m_bHomeSensorsUsed && !m_bHomeDone) return Refuse(HOMING_NOT_DONE);
     m_lTargetPos = 0;
     return MoveAxis();
 }
@@ -131,7 +127,7 @@ bool AxisCtrl::CheckValidMotion(qint64 lTarget)
         m_bHomeDone = true;   // without sensors there are no limits on commanded moves
         return true;
     }
-    if (!m_bHomeDone) return Refuse(HomingNotDone());
+    if (!m_bHomeDone) return Refuse(HOMING_NOT_DONE);
     if (lTarget >= m_lNegLimit && lTarget <= m_lPosLimit) return true;
     return Refuse(QLatin1String(g_szAxes[m_sAxis]) + QStringLiteral(" Absolute Position value must be between ") +
                   QString::number(m_lNegLimit / DECIMAL_MULTIPLYER, 'f', PRECISION) + QStringLiteral(" and ") +
@@ -218,6 +214,34 @@ bool AxisCtrl::Refuse(const QString& strWhy)
     const QMutexLocker lock(&m_TextMutex);
     m_strErrMsg = strWhy;
     return false;
+}
+
+bool AxisCtrl::RefuseBuild(const QString& strWhy)
+{
+    const QMutexLocker lock(&m_TextMutex);
+    m_strBuildErr = strWhy;
+    return strWhy.isEmpty();
+}
+
+bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
+{
+    const QMutexLocker lock(&m_Mutex);
+    const stRampSettings settings = stRampSettings::OfAxis(m_sAxis);
+    const QString strWhy = WhyNoRamp(settings, fVel, fAcc);
+    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ') + strWhy))
+        return false;
+
+    const size_t t = 1u - m_ucCurTable;
+    m_fVel[t] = fVel;
+    m_Building.lstHigh.swap(m_lstHighTime[t]);
+    m_Building.lstLow.swap(m_lstLowTime[t]);
+    BuildRamp(settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
+    m_Building.lstHigh.swap(m_lstHighTime[t]);
+    m_Building.lstLow.swap(m_lstLowTime[t]);
+    m_fConstHighTime[t] = m_Building.fConstHigh;
+    m_fConstLowTime[t] = m_Building.fConstLow;
+    m_bNewTable = true;
+    return true;
 }
 
 AxisCtrl::stWay AxisCtrl::Way() const

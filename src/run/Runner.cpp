@@ -1,6 +1,6 @@
 #include "run/Runner.h"
 
-#include "common/Paths.h"
+#include "common/FileWriter.h"
 #include "config/AppConfig.h"
 #include "config/SettingsTable.h"
 #include "hardware/VantorGpio.h"
@@ -11,7 +11,6 @@
 #include "zprofile/ZProfileFile.h"
 
 #include <QDir>
-#include <QSaveFile>
 
 #include <cstdio>
 
@@ -19,17 +18,6 @@ static constexpr qint64 TICK_US = 34'000;   // of the supervision loop on the re
 
 static CShared<int> g_iSignal = 0;
 static CShared<CVirtualTime*> g_pTime = nullptr;
-
-bool CRunControl::G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
-{
-    m_Moves.SetRapid(true);
-    return AppControl::G00_Move(target, bSetAccVel, bWait);
-}
-bool CRunControl::G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
-{
-    m_Moves.SetRapid(false);
-    return AppControl::G01_Move(target, bSetAccVel, bWait);
-}
 
 CRunner::CRunner(const stRunOptions& options) : m_Options(options) {}
 
@@ -125,13 +113,14 @@ void CRunner::PrintUnlessQuiet(const QString& strText) const
 bool CRunner::SetUpMachine()
 {
     if (!m_Options.bRealTime) m_pTime = std::make_unique<CVirtualTime>();
-    m_pApp = std::make_unique<CRunControl>();
+    m_pApp = std::make_unique<AppControl>();
+    m_pMoves = std::make_unique<CMoveRecording>(*m_pApp);
     CVANTORGPIO::InitGpio();
     if (AppConfig::m_bPWMCtrlUsed) CVANTORGPIO::PwmStart();
     m_pMachine = std::make_unique<CVirtualMachine>(MachineOfSettings(AppConfig::m_bHomeSensorsUsed));
     CVirtualPins::SetObserver(m_pMachine.get());
     PutSurfaceUnderTheProbe();
-    m_pSupervision = std::make_unique<CSupervision>(*m_pApp, *m_pMachine, *m_pScreen, m_Options);
+    m_pOperator = std::make_unique<CAutoOperator>(*m_pApp, *m_pScreen, m_Options);
 
     m_lBegin = CWait::Now();
     m_Wall.start();
@@ -144,11 +133,11 @@ bool CRunner::SetUpMachine()
 
 bool CRunner::OpenRecordings()
 {
-    CMoveRecording& moves = m_pApp->m_Moves;
-    CMotionObserver::Set(&moves);
-    moves.KeepPath(!m_Options.strPicture.isEmpty());
+    CMotionObserver::Set(m_pMoves.get());
+    m_pApp->m_pWorkObserver = m_pMoves.get();
+    m_pMoves->KeepPath(!m_Options.strPicture.isEmpty());
     if (!m_Options.strRelief.isEmpty()) m_pRelief = std::make_unique<CRelief>(AppConfig::m_fEndMillDia);
-    if (!m_Options.strMoves.isEmpty() && !moves.Open(m_Options.strMoves, m_lBegin))
+    if (!m_Options.strMoves.isEmpty() && !m_pMoves->Open(m_Options.strMoves, m_lBegin))
         return Fail(m_Options.strMoves + QStringLiteral(": cannot be written"));
     if (m_Options.strEdges.isEmpty()) return true;
     m_pEdges = std::make_unique<CEdgeRecording>(*m_pApp);
@@ -162,7 +151,7 @@ void CRunner::HookWorker()
 {
     if (m_pJob) {
         m_pScreen->SetLines(m_pJob->Lines());
-        m_pApp->m_Moves.m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
+        m_pMoves->m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
             if (!m_bJobRuns) return;
             m_pJob->OnMove(from, to);
             if (m_pRelief) FollowCarriages();
@@ -173,7 +162,6 @@ void CRunner::HookWorker()
         [this](unsigned uLine) {
             ++m_lLinesRun;
             m_pScreen->SetLine(static_cast<qint64>(uLine) + 1);
-            m_pApp->m_Moves.SetLine(static_cast<qint64>(uLine) + 1);
             if (m_pTime) m_pScreen->ShowProgress();
         },
         Qt::DirectConnection);
@@ -194,15 +182,13 @@ void CRunner::FollowCarriages()
 
 void CRunner::HookDryRun()
 {
-    m_pTime->m_fnSupervise = [this] { m_pSupervision->Tick(); };
+    m_pTime->m_fnSupervise = [this] { m_pOperator->Tick(); };
     if (m_pEdges) m_pTime->m_fnAdvance = [this](qint64 lTo) { m_pEdges->WriteUntil(lTo); };
     m_pTime->m_fnStuck = [this] {
-        m_pSupervision->EmergencyStop(QStringLiteral("the program waits for what will never come"), EXIT_TIME);
+        m_pOperator->EmergencyStop(QStringLiteral("the program waits for what will never come"), EXIT_TIME);
     };
-    m_pTime->m_fnInterrupted = [this] {
-        m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
-    };
-    m_pSupervision->PlanEvents(*m_pTime);
+    m_pTime->m_fnInterrupted = [this] { m_pOperator->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED); };
+    m_pOperator->PlanEvents(*m_pTime);
     g_pTime = m_pTime.get();
     if (g_iSignal != 0) m_pTime->Interrupt();
 }
@@ -227,8 +213,8 @@ bool CRunner::Operate(const std::function<void()>& fnStart)
         (void)m_pApp->wait();
     else
         WaitOnRealClock();
-    m_pSupervision->TakeMessages();
-    m_pSupervision->OnOperationFinish();
+    m_pOperator->TakeMessages();
+    m_pOperator->EndOperation();
     return !IsStopped();
 }
 
@@ -236,12 +222,12 @@ void CRunner::WaitOnRealClock()
 {
     while (!m_pApp->wait(QDeadlineTimer(0))) {
         const qint64 lNow = CWait::Now() - m_lBegin;
-        if (g_iSignal != 0 && m_pSupervision->Result() != EXIT_INTERRUPTED)
-            m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
-        m_pSupervision->DoWhatIsDue(lNow);
-        m_pSupervision->Tick();
+        if (g_iSignal != 0 && m_pOperator->Result() != EXIT_INTERRUPTED)
+            m_pOperator->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
+        m_pOperator->DoWhatIsDue(lNow);
+        m_pOperator->Tick();
         if (m_pEdges) m_pEdges->WriteAllSoFar();
-        const qint64 lUntilDue = std::max<qint64>(0, m_pSupervision->NextDue() - lNow) / 1000;
+        const qint64 lUntilDue = std::max<qint64>(0, m_pOperator->NextDue() - lNow) / 1000;
         (void)m_pApp->wait(QDeadlineTimer(std::chrono::microseconds(std::min(TICK_US, lUntilDue + 1))));
     }
 }
@@ -253,7 +239,7 @@ void CRunner::RunHoming()
     if (m_pApp->GetHomeDone())
         m_pScreen->AddLogMsg(QStringLiteral("Machine Homing finished"), MSG_INFO);
     else
-        m_pSupervision->EmergencyStop(QStringLiteral("The machine has not found its home"), EXIT_WRONG);
+        m_pOperator->EmergencyStop(QStringLiteral("The machine has not found its home"), EXIT_WRONG);
 }
 
 void CRunner::RunProbe()
@@ -265,14 +251,14 @@ void CRunner::RunProbe()
         return false;
     };
     if (Operate([this] { m_pApp->StartZ0usingZProbeSeq(); }) && !bTouched())
-        m_pSupervision->EmergencyStop(QStringLiteral("The probe has met nothing"), EXIT_WRONG);
+        m_pOperator->EmergencyStop(QStringLiteral("The probe has met nothing"), EXIT_WRONG);
 }
 
 void CRunner::RunMakeProfile()
 {
     if (m_Options.strMakeZProfile.isEmpty() || !Operate([this] { m_pApp->RunZProfile(); })) return;
     if (!HasZProfile())
-        m_pSupervision->EmergencyStop(ZProfileNotCreated(), EXIT_WRONG);
+        m_pOperator->EmergencyStop(ZProfileNotCreated(), EXIT_WRONG);
     else if (!SaveZProfile(m_Options.strMakeZProfile))
         Fail(m_Options.strMakeZProfile + QStringLiteral(": cannot be written"));
     else
@@ -283,7 +269,7 @@ void CRunner::RunMakeProfile()
 void CRunner::RunJob()
 {
     if (!m_pJob || m_eFailed != EXIT_DONE) return;
-    m_pApp->m_Moves.BeginCounting();
+    m_pMoves->BeginCounting();
     for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS})
         AxisOf(m_WorkZero, axis) = m_pMachine->CarriageMm(axis) - m_pApp->GetCurPos(axis);
     if (m_pRelief) FollowCarriages();
@@ -298,18 +284,18 @@ stSummary CRunner::Summarize() const
     stSummary summary;
     summary.strFile = m_Options.strJob.isEmpty() ? QStringLiteral("vantor-run") : m_Options.strJob;
     summary.strPicture = m_Options.strPicture;
-    summary.eResult = m_eFailed != EXIT_DONE ? m_eFailed : m_pSupervision->Result();
+    summary.eResult = m_eFailed != EXIT_DONE ? m_eFailed : m_pOperator->Result();
     summary.bRealTime = m_Options.bRealTime;
     if (m_pJob) {
         summary.lLines = m_pJob->Lines();
         if (m_pJob->HasGCode()) summary.strSize = m_pJob->Size();
     }
     summary.lLinesRun = m_lLinesRun;
-    summary.iToolChanges = m_pSupervision->ToolChanges();
+    summary.iToolChanges = m_pOperator->ToolChanges();
     summary.fMachineTime = static_cast<double>(CWait::Now() - m_lBegin) / 1e9;
     summary.fWallTime = static_cast<double>(m_Wall.nsecsElapsed()) / 1e9;
     summary.iAxes = AppConfig::m_iMchType;
-    summary.figures = m_pApp->m_Moves.Figures();
+    summary.figures = m_pMoves->Figures();
     for (int axis = 0; axis < summary.iAxes; ++axis) {
         summary.ends[static_cast<size_t>(axis)] = m_pApp->m_AxisCtrl[axis].GetCurPosLong();
         summary.carriages[static_cast<size_t>(axis)] = m_pMachine->Carriage(axis);
@@ -321,22 +307,22 @@ stSummary CRunner::Summarize() const
 
 void CRunner::SavePicture(const QString& strPath, const QImage& image)
 {
-    QSaveFile file(strPath);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
+    CFileWriter file(strPath);
+    if (!file.Open() || !image.save(&file, "PNG") || !file.Commit())
         Fail(strPath + QStringLiteral(": cannot be written"));
 }
 
 eExit CRunner::Finish()
 {
     m_pScreen->EndProgress();
-    if (!m_pApp->m_Moves.Close()) Fail(m_Options.strMoves + QStringLiteral(": could not be written whole"));
+    if (!m_pMoves->Close()) Fail(m_Options.strMoves + QStringLiteral(": could not be written whole"));
     stSummary summary = Summarize();
     if (m_pEdges && !m_pEdges->Close()) Fail(m_Options.strEdges + QStringLiteral(": could not be written whole"));
     if (!m_Options.strPicture.isEmpty()) {
         const QString strNote = QStringLiteral("machine time %1    path %2 mm")
                                     .arg(ClockTime(summary.fMachineTime))
                                     .arg(summary.figures.fFeedPath + summary.figures.fRapidPath, 0, 'f', 1);
-        const QImage image = DrawToolPath(m_pApp->m_Moves.Path(), QFileInfo(summary.strFile).fileName(), strNote);
+        const QImage image = DrawToolPath(m_pMoves->Path(), QFileInfo(summary.strFile).fileName(), strNote);
         SavePicture(m_Options.strPicture, image);
     }
     if (m_pRelief) SavePicture(m_Options.strRelief, m_pRelief->Draw(m_pJob ? m_pJob->Block() : stReliefBlock()));

@@ -1,11 +1,11 @@
 #pragma once
+#include "run/AutoOperator.h"
 #include "run/EdgeRecording.h"
 #include "run/HeadlessScreen.h"
 #include "run/JobKind.h"
 #include "run/MoveRecording.h"
 #include "run/Options.h"
 #include "run/Summary.h"
-#include "run/Supervision.h"
 #include "run/Surface.h"
 
 #include <QElapsedTimer>
@@ -13,16 +13,6 @@
 
 #include <functional>
 #include <memory>
-
-// The worker with a note of how each move is made.
-class CRunControl : public AppControl
-{
-public:
-    CRunControl() : m_Moves(*this) {}
-    bool G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override;
-    bool G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override;
-    CMoveRecording m_Moves;
-};
 
 // One call of vantor-run, from the files to the summary. Once a process: the machine's statics are not put back.
 // Main thread.
@@ -68,7 +58,7 @@ private:
     stSummary Summarize() const;
     void SavePicture(const QString& strPath, const QImage& image);
     void PrintSummary(const stSummary& summary);
-    bool IsStopped() const { return m_pSupervision->Result() != EXIT_DONE; }
+    bool IsStopped() const { return m_pOperator->Result() != EXIT_DONE; }
 
     const stRunOptions m_Options;
     QTemporaryDir m_Scratch;
@@ -79,12 +69,13 @@ private:
     std::unique_ptr<CVirtualTime> m_pTime;
     std::unique_ptr<CHeadlessScreen> m_pScreen;
     std::unique_ptr<CJobKind> m_pJob;   // null: only operations without a job
-    std::unique_ptr<CRunControl> m_pApp;
+    std::unique_ptr<CMoveRecording> m_pMoves;
+    std::unique_ptr<AppControl> m_pApp;
     std::unique_ptr<CVirtualMachine> m_pMachine;
     std::unique_ptr<CEdgeRecording> m_pEdges;
     std::unique_ptr<CRelief> m_pRelief;
     stFloatPoint m_WorkZero;   // of the job, as the carriages count, mm
-    std::unique_ptr<CSupervision> m_pSupervision;
+    std::unique_ptr<CAutoOperator> m_pOperator;
     QElapsedTimer m_Wall;
     qint64 m_lBegin = 0, m_lLinesRun = 0;
     CShared<bool> m_bJobRuns = false;

@@ -12,12 +12,13 @@ class CDlgEllipse : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgEllipse(CDlgShapes& screen);
+    CDlgEllipse(CShapeHost& screen, QWidget* pParent);
     ~CDlgEllipse() override;
 
     void ConfigSettings();
     void UpdateEllipseParams();   // shows the record, and makes its points anew
     void Keep() override;
+    void OnDrag(const stFloatPoint& from, const stFloatPoint& to) override;   // the ellipse
 
     size_t m_uIndex = 0;        // of the ellipse; set before ConfigSettings
     bool m_bAccepted = false;   // by Ok
@@ -44,7 +45,6 @@ private:
     void ShowParams(const stEllipse& ellipse);
     void UpdateEllipse();
     void AfterChange();   // the rings of a pocket follow their outline
-    void EraseRings();
     void MakeHole(stEllipse& ellipse);
     void DropHole(stEllipse& ellipse);
 

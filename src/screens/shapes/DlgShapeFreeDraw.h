@@ -11,13 +11,15 @@ class CDlgShapeFreeDraw : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgShapeFreeDraw(CDlgShapes& screen);
+    CDlgShapeFreeDraw(CShapeHost& screen, QWidget* pParent);
     ~CDlgShapeFreeDraw() override;
 
     void ConfigSettings();
     // Another way to keep the tool beside the outline, which no button calls: a second polygon along the axes.
     void ApplyToolOffset(const QString& strSide);
     void Keep() override;
+    void OnPress(const stFloatPoint& at, Qt::MouseButton eButton) override;   // appends, or with the right takes away
+    stMarks Marks() const override { return {.bLastPoint = true}; }
 
 private slots:
     void on_Btn_ClosePoly_clicked();
@@ -29,11 +31,8 @@ private slots:
     void on_Btn_Cancel_clicked();
 
 private:
-    size_t OwnCount() const;   // entries of the dialog
     void DropPocket();
     void MakePocket();
 
-    bool m_bPocket = false;
-    stEngShape m_Outline;   // while its rings stand in the list
     std::unique_ptr<Ui::CDlgShapeFreeDraw> m_pUi;
 };
