@@ -12,6 +12,7 @@ packages=(
     libgtest-dev                # tests
     libbenchmark-dev            # bench/
     clang-format shellcheck     # the checks of the layout and of the scripts
+    clang clang-tidy            # the check of the functions' size
     fonts-dejavu-core           # the one font of pictures and screens
 )
 

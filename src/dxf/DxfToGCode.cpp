@@ -47,6 +47,8 @@ static void EmitPath(std::ostream& out, const Path& path, double z, double zSafe
     out << "G0 Z" << zSafe << "\n";
 }
 
+// Eight parameters: wanted, its callers give the figures of a drawing one by one.
+// NOLINTNEXTLINE(readability-function-size)
 void emit_paths(std::ostream& out, const std::vector<Path>& lstPaths, double stepDown, double totalDepth, double feed,
                 double zSafe, double offX, double offY)
 {
