@@ -119,7 +119,13 @@ bool AxisCtrl::Jog(eDirection eDir)
 {
     Refuse(QString());
     if (m_bMoving) return Refuse(InMotion());
-    m_lTargetPos = eDir == AppConfig::m_eAxisPosDir[m_sAxis] ? m_lPosLimit : m_lNegLimit;
+    const bool bPositive = eDir == AppConfig::m_eAxisPosDir[m_sAxis];
+    const qint32 lLimit = bPositive ? m_lPosLimit : m_lNegLimit, lPos = m_lCurPos;
+    if (bPositive ? lPos > lLimit : lPos < lLimit)   // the way to the limit would be the other way
+        return Refuse(QLatin1String(g_szAxes[m_sAxis]) + QStringLiteral(" is beyond its limit of ") +
+                      QString::number(lLimit / DECIMAL_MULTIPLYER, 'f', PRECISION) +
+                      QStringLiteral(", jog the other way"));
+    m_lTargetPos = lLimit;
     return MoveAxis();
 }
 
@@ -280,12 +286,17 @@ void AxisCtrl::CreateMotionCurve()
     SplitMove(way.uPulses);
 }
 
+void AxisCtrl::PutDirection()
+{
+    if (!AppConfig::m_bSimulationMode)
+        CRpiGpio::WriteOutput(Pin(AppConfig::m_iAxisDirOutput[m_sAxis]), static_cast<quint8>(m_eDir));
+    CWait::SpinBeyond(DIRECTION_SETTLING_NS);   // in simulation too: it takes as long as a real run
+}
+
 void AxisCtrl::SetDirection(eDirection eDir)
 {
     m_eDir = eDir;
-    if (!AppConfig::m_bSimulationMode)
-        CRpiGpio::WriteOutput(Pin(AppConfig::m_iAxisDirOutput[m_sAxis]), static_cast<quint8>(eDir));
-    CWait::SpinBeyond(DIRECTION_SETTLING_NS);   // in simulation too: it takes as long as a real run
+    PutDirection();
 }
 
 void AxisCtrl::UseNewTable()
@@ -390,6 +401,20 @@ void AxisCtrl::Finish()
 {
     if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(m_sAxis);
     m_bDecelerate = false;
-    m_bMoving = false;
+    m_bMoving.Exchange(false);
+    if (m_bEndWatch.Ordered()) DropWatch();
     m_bThreadIdle = true;
+}
+
+void AxisCtrl::EndWatch()
+{
+    m_bEndWatch.Exchange(true);
+    if (!m_bMoving.Ordered()) DropWatch();   // else the end of the move sees the flag
+}
+
+void AxisCtrl::DropWatch()
+{
+    m_bHoming = false;
+    m_bWatchZProbe = false;
+    m_bEndWatch = false;
 }

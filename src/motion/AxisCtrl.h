@@ -56,6 +56,14 @@ public:
     void DeccelerateAxis();
     // Ends the move at once, without a ramp, and waits until the thread is idle.
     void Stop();
+    // The same without the wait: where several axes are to stop, all are told first.
+    void RequestStop() { m_bMoving = false; }
+    // Sensor and probe are no longer watched, on an axis that still moves from its standstill on: with the watch gone
+    // it would run through.
+    void EndWatch();
+    // Puts m_eDir on the pin and lets it settle: what was commanded in simulation, or before the pins were set up, has
+    // not got there.
+    void PutDirection();
 
     static constexpr qint64 MAX_RAMP_ENTRIES = 4'000'000;   // 1.5 MHz at 600 mm/s^2 and 0.001 mm needs 1.9 million
     static constexpr qint32 NO_LIMIT = 100'000'000;         // 10 m: moves that run until something ends them
@@ -81,6 +89,7 @@ public:
     CShared<bool> m_bNewTable = false;        // a rebuilt set waits in the inactive slot
     QMutex m_Mutex;                           // around the building of a set
     CShared<bool> m_bWatchZProbe = false;
+    CShared<bool> m_bEndWatch = false;       // the watch ends with the move
     CShared<bool> m_bNeedsRestart = false;   // the board was changed: this axis has no pins of its own yet, or no more
 
     // The pulse of the active slot in one coordinated move.
@@ -103,6 +112,7 @@ private:
     bool MoveAxis();
     void CreateMotionCurve();
     void SetDirection(eDirection eDir);
+    void DropWatch();
     void UseNewTable();
     void SplitMove(quint32 uPulses);
     void WaitForThread();

@@ -3,6 +3,9 @@
 
 // What the computer offers beside its pins.
 
+// The core that a set-up Pi keeps free for the pulses.
+inline constexpr int PULSE_CORE = 3;
+
 // Binds the calling thread to one processor core. Not examined further where the computer has no such core.
 void BindThreadToCore(int iCore);
 
