@@ -2,6 +2,7 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
+#include "platform/Computer.h"
 #include "platform/PinKind.h"
 
 #include <QCommandLineParser>
