@@ -1,21 +1,14 @@
 #include "control/AppControl.h"
 
-#include "common/Paths.h"
+#include "common/OperatorScreen.h"
 #include "hardware/RpiGpio.h"
 #include "motion/AllAxisCtrl.h"
 #include "platform/Computer.h"
-#include "time/Wait.h"
-
-#include <QDateTime>
-#include <QFile>
-#include <QMutexLocker>
 
 #include <algorithm>
 #include <iterator>
-#include <utility>
 
-// An alarm, not a stop: axes that are still moving behind it keep running.
-static constexpr qint64 MOTION_TIMEOUT_NS = 300'000'000'000;
+static constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};
 
 static QString AxisInUse()
 {
@@ -30,8 +23,7 @@ static void WriteProgramStatus(quint8 ucLevel)
 
 AppControl::AppControl(QObject* pParent) : QThread(pParent)
 {
-    // All five, also where InitMachine sets up three: a settings screen rebuilds every axis, each from its own values.
-    for (int axis = 0; axis < MAX_AXES; ++axis) m_AxisCtrl[axis].m_sAxis = static_cast<qint16>(axis);
+    m_ProgramRun.m_fnOnLine = [this](unsigned uLine) { emit SelNxtGCodeLine(uLine); };
 }
 
 AppControl::~AppControl()
@@ -40,137 +32,127 @@ AppControl::~AppControl()
     WaitForWorker();
 }
 
-// What the worker has done is done: said again by its last two stores, because a thread sanitizer does not see the
-// lock inside wait().
 void AppControl::WaitForWorker()
 {
     wait();
-    (void)static_cast<bool>(m_bWorkerBusy);
-    (void)static_cast<bool>(m_bOperationFinished);
+    ReadLeave();
 }
 
-// ---- Start and stop -------------------------------------------------------------------------------------------------
-
-bool AppControl::InitMachine()
+bool AppControl::Refuse(const QString& strWhy)
 {
-    m_iAxesSetUp = AxesInUse();
-    for (int axis = 0; axis < m_iAxesSetUp; ++axis) {
-        AxisCtrl& ctrl = m_AxisCtrl[axis];
-        ctrl.m_sAxis = static_cast<qint16>(axis);
-        ctrl.ConfigAxis();
-        ctrl.SetWorkZero();
-        if (const QString strWhy = ctrl.GetBuildError(); !strWhy.isEmpty()) PushErrMsg(strWhy);
-    }
-    if (AppConfig::m_bAutoHmOnStartup) StartMchHomingSequence();
-    return true;
+    PushErrMsg(strWhy);
+    return false;
 }
+
+// ---- Starts ---------------------------------------------------------------------------------------------------------
 
 bool AppControl::ClaimWorker()
 {
-    if (m_bWorkerBusy) {
-        PushErrMsg(AxisInUse());
-        return false;
-    }
+    if (IsWorkerBusy()) return Refuse(AxisInUse());
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
-    m_bAbandoned = false;
-    // What the last operation has left for the interface must not be taken for the new one's.
-    m_bOperationFinished = false;
-    m_bToolChangePause = false;
+    ForgetLast();
     return true;
 }
 
-void AppControl::LaunchOperation(eOperation eCode)
+bool AppControl::LaunchOperation(eOperation eCode)
 {
-    m_bWorkerBusy = true;
-    m_eOperation = eCode;
+    Begin(eCode);
     COperatorScreen::Get().EnableDisableWindows();
     if (eCode != OP_WORK_HOME && eCode != OP_MCH_HOME && eCode != OP_Z_PROBE)
         COperatorScreen::Get().ClearToolGraphics();
     start();
+    return true;
 }
 
 bool AppControl::ClaimForJob()
 {
-    if (IsMachineIdle()) return ClaimWorker();
-    PushErrMsg(AxisInUse());
-    return false;
+    return IsMachineIdle() ? ClaimWorker() : Refuse(AxisInUse());
 }
 
-void AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
+bool AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
 {
     if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCW)
         TurnOnOffSpindle(true, DIR_CW);
     else if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCCW)
         TurnOnOffSpindle(true, DIR_CCW);
-    LaunchOperation(eCode);
+    return LaunchOperation(eCode);
 }
 
-void AppControl::StartGCode(const GCodeProgram* pProgram)
+bool AppControl::InitMachine()
 {
-    if (!ClaimForJob()) return;
+    SetUpAxes();
+    if (AppConfig::m_bAutoHmOnStartup) StartMchHomingSequence();
+    return true;
+}
+
+bool AppControl::StartHoming(const signed char* pAxes)
+{
+    if (!AppConfig::m_bHomeSensorsUsed) return Refuse(QStringLiteral("Homing Sensor not Enabled for all Axis"));
+    if (!ClaimWorker()) return false;
+    m_Homing.Select(pAxes);
+    return LaunchOperation(OP_MCH_HOME);
+}
+
+bool AppControl::StartMchHomingSequence()
+{
+    return StartHoming(ALL_AXES);
+}
+bool AppControl::StartMchHomingSequence(eAxis axis)
+{
+    signed char selection[MAX_AXES] = {};
+    selection[axis] = 1;
+    return StartHoming(selection);
+}
+
+bool AppControl::StartWorkHomingSequence()
+{
+    if (!GetHomeDone()) return Refuse(QStringLiteral("Homing not done! Use \"Move Home\" in user Settings"));
+    return ClaimWorker() && LaunchOperation(OP_WORK_HOME);
+}
+
+bool AppControl::StartZ0usingZProbeSeq()
+{
+    return ClaimWorker() && LaunchOperation(OP_Z_PROBE);
+}
+
+bool AppControl::RunZProfile()
+{
+    if (!IsMachineIdle() || m_eOperation != OP_NONE) return Refuse(AxisInUse());
+    if (const QString strWhy = CSurfaceProbe::WhyNotMeasured(); !strWhy.isEmpty()) return Refuse(strWhy);
+    if (!ClaimWorker()) return false;
+    TurnOnOffSpindle(false, DIR_CW);
+    return LaunchOperation(OP_Z_PROFILE);
+}
+
+bool AppControl::StartGCode(const GCodeProgram* pProgram)
+{
+    if (!ClaimForJob()) return false;
     m_pGCodeProgram = pProgram;
     m_bExecSingleLine = false;   // may stand from a single line that was given up
-    LaunchJob(OP_GCODE, !AppConfig::m_bSimulationMode);
+    return LaunchJob(OP_GCODE, !AppConfig::m_bSimulationMode);
 }
 
-void AppControl::StartExecGCodeLine(const GCodeProgram* pProgram, int iLine)
+bool AppControl::StartExecGCodeLine(const GCodeProgram* pProgram, int iLine)
 {
-    if (!ClaimForJob()) return;
+    if (!ClaimForJob()) return false;
     m_pGCodeProgram = pProgram;
     m_bExecSingleLine = true;
     m_iSingleLineNo = iLine;
-    LaunchJob(OP_GCODE, true);   // in simulation too: wanted, a single line is tried with the spindle on
+    return LaunchJob(OP_GCODE, true);   // in simulation too: wanted, a single line is tried with the spindle on
 }
 
-void AppControl::StopAll()
+bool AppControl::StartShapeCutting(stShapeCuttingInfo* pInfo)
 {
-    m_bAbandoned.Exchange(true);   // before the pause goes: the worker that wakes must see it
-    m_bPause = false;
-    CAllAxisCtrl::StopAutoMode();
-    CAllAxisCtrl::WaitForAutoModeEnd();
-    for (int axis = 0; axis < AxesInUse(); ++axis) m_AxisCtrl[axis].Stop();
+    if (!ClaimForJob()) return false;
+    m_pShapeCuttingInfo = pInfo;
+    return LaunchJob(OP_SHAPES, !AppConfig::m_bSimulationMode);
 }
 
-bool AppControl::IsMachineIdle() const
+bool AppControl::StartImgCarving()
 {
-    return std::none_of(m_AxisCtrl, m_AxisCtrl + AxesInUse(), [](const AxisCtrl& ctrl) { return ctrl.GetAxisState(); });
-}
-
-// ---- Messages and log -----------------------------------------------------------------------------------------------
-
-static QString TakeNewest(QMutex& mutex, QList<QString>& list)
-{
-    const QMutexLocker lock(&mutex);
-    return list.isEmpty() ? QString() : list.takeLast();
-}
-
-QString AppControl::GetErrMsg()
-{
-    return TakeNewest(m_MsgMutex, m_lstErrMsg);
-}
-QString AppControl::GetInfoMsg()
-{
-    return TakeNewest(m_MsgMutex, m_lstInfoMsg);
-}
-void AppControl::PushErrMsg(const QString& strMsg)
-{
-    const QMutexLocker lock(&m_MsgMutex);
-    m_lstErrMsg.append(strMsg);
-}
-void AppControl::PushInfoMsg(const QString& strMsg)
-{
-    const QMutexLocker lock(&m_MsgMutex);
-    m_lstInfoMsg.append(strMsg);
-}
-
-void AppControl::WriteLog(QString strText)
-{
-    QFile file(CPaths::Map(HOME_FOLDER + QStringLiteral("/vantor_log/") + QDate::currentDate().toString(Qt::TextDate) +
-                           QStringLiteral(".txt")));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) return;   // no folder, no log
-    // No line end: wanted, callers that write lines bring their own.
-    const QString strTime = QTime::currentTime().toString(Qt::TextDate);
-    file.write((QStringLiteral("[") + strTime + QStringLiteral("]") + strText).toUtf8());
+    if (!ClaimForJob()) return false;
+    if (const QString strWhy = WhyNotStarted(m_stImgCarvingData); !strWhy.isEmpty()) return Refuse(strWhy);
+    return LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode);
 }
 
 // ---- The worker -----------------------------------------------------------------------------------------------------
@@ -178,15 +160,9 @@ void AppControl::WriteLog(QString strText)
 void AppControl::run()
 {
     const auto eCode = static_cast<eOperation>(static_cast<qint32>(m_eOperation));
-    WriteProgramStatus(1);
-    // A stop that came before this thread has already written its 0.
-    if (IsStopRequested()) WriteProgramStatus(0);
-    try {
-        RunOperation(eCode);
-    } catch (...) {
-        PushErrMsg(QStringLiteral("Operation ended by an unexpected error"));
-    }
-    AfterOperationFinish(eCode);
+    m_iWorkLine = -1;
+    Watched([=] { return stWorkCommand{.eKind = WORK_OPERATION, .fValue = static_cast<double>(eCode)}; },
+            [&] { RunOperation(eCode); });
 }
 
 struct AppControl::stWork
@@ -198,7 +174,7 @@ struct AppControl::stWork
     void (AppControl::*pDo)();
 };
 
-void AppControl::RunOperation(eOperation eCode)
+void AppControl::DoOperation(eOperation eCode)
 {
     static constexpr stWork lstWork[] = {
         {OP_Z_PROBE, false, false, false, &AppControl::SetZ0usingZProbe},
@@ -219,22 +195,34 @@ void AppControl::RunOperation(eOperation eCode)
     (this->*work->pDo)();
 }
 
+void AppControl::RunOperation(eOperation eCode)
+{
+    WriteProgramStatus(1);
+    // A stop that came before this thread has already written its 0.
+    if (IsStopRequested()) WriteProgramStatus(0);
+    try {
+        DoOperation(eCode);
+    } catch (...) {
+        PushErrMsg(QStringLiteral("Operation ended by an unexpected error"));
+    }
+    AfterOperationFinish(eCode);
+}
+
 bool AppControl::StartJobMotion(bool bWorkZeroFirst)
 {
     if (bWorkZeroFirst && !m_bExecSingleLine && !MoveWorkZeroAll()) return false;
     CAllAxisCtrl::StartAutoMode(this);
     // A StopAll in between has ended an auto mode that was not there yet.
-    if (!m_bAbandoned.Ordered() && !AppConfig::m_bEmergencyStopON.Ordered()) return true;
+    if (!IsStopRequestedBehind()) return true;
     CAllAxisCtrl::StopAutoMode();
     return false;
 }
 
 void AppControl::RunProgram()
 {
-    if (m_bExecSingleLine)
-        (void)ExecGCodeLine(m_iSingleLineNo);
-    else
-        RunGCode();
+    if (!m_bExecSingleLine) return RunGCode();
+    m_iWorkLine = m_iSingleLineNo;
+    (void)ExecGCodeLine(m_iSingleLineNo);
 }
 
 void AppControl::AfterOperationFinish(eOperation eCode)
@@ -245,8 +233,7 @@ void AppControl::AfterOperationFinish(eOperation eCode)
     WriteProgramStatus(0);
     if (AppConfig::m_bShutdownRPI) StartDetached(QStringLiteral("sudo shutdown now"));
     m_bExecSingleLine = false;
-    m_bWorkerBusy = false;
-    m_bOperationFinished = true;
+    Leave(true);
 }
 
 void AppControl::EndMotion(eOperation eCode)
@@ -271,33 +258,5 @@ void AppControl::EndStoppedOperation()
         WriteProgramStatus(0);
         CAllAxisCtrl::WaitForAutoModeEnd();
     }
-    m_bWorkerBusy = false;
-}
-
-bool AppControl::IsAnyMoving(const signed char* pSelection) const
-{
-    for (int axis = 0; axis < AxesInUse(); ++axis)
-        if (pSelection[axis] && m_AxisCtrl[axis].GetAxisState()) return true;
-    return false;
-}
-
-bool AppControl::WaitForMotionFinish(const signed char* pSelection)
-{
-    if (std::none_of(pSelection, pSelection + AxesInUse(), [](signed char cFlag) { return cFlag != 0; })) return true;
-    bool bStop = false;
-    const bool bEnded = CWait::SpinUntil(
-        [&] {
-            bStop = IsStopRequested();
-            return bStop || !IsAnyMoving(pSelection);
-        },
-        MOTION_TIMEOUT_NS);
-    if (bEnded && !bStop) return true;
-    for (int axis = 0; axis < AxesInUse(); ++axis) {
-        if (!pSelection[axis] || !m_AxisCtrl[axis].GetAxisState()) continue;
-        if (!bStop)
-            PushErrMsg(QStringLiteral("Error:") + AppConfig::m_strAxisNames[axis] + QStringLiteral(" Motion Timeout"));
-        else if (m_bAbandoned)
-            m_AxisCtrl[axis].Stop();   // started just behind the StopAll that has ended the operation
-    }
-    return false;
+    Leave(false);
 }

@@ -160,6 +160,38 @@ void CMotorSettings::UseG01FeedForJog(bool bUse)
     if (bUse) std::copy_n(A::m_fAxisFeed, std::min<int>(A::m_iMchType, MAX_AXES), A::m_fAxisJogFeed);
 }
 
+// ---- Overrides ------------------------------------------------------------------------------------------------------
+
+void CMotorSettings::Run(eAxis axis)
+{
+    Axis(axis).SetVelocityAcc(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis]);
+}
+
+void CMotorSettings::SetFeedOverride(short iPercentage, bool bRebuild)
+{
+    const double fFactor = iPercentage / 100.0;
+    const int iAxes = std::min<int>(A::m_iMchType, MAX_AXES);
+    for (int axis = 0; axis < iAxes; ++axis) {
+        A::m_fAxisFeed[axis] = fFactor * A::m_fUserAxisFeed[axis];
+        if (A::m_bUseG01FeedForJog) A::m_fAxisJogFeed[axis] = A::m_fAxisFeed[axis];
+        if (bRebuild) Run(static_cast<eAxis>(axis));
+    }
+    // Behind the feeds of all axes: a measurement that sees the new factor takes these feeds.
+    for (int axis = 0; axis < iAxes; ++axis) A::m_fAxisFeedPercent[axis] = fFactor;
+}
+
+void CMotorSettings::SetRapidOverride(short iPercentage, bool bRebuild)
+{
+    const double fFactor = iPercentage / 100.0;
+    for (const eAxis axis : {Z_AXIS, Y_AXIS, X_AXIS}) {
+        A::m_fAxisFeedPercent[axis] = fFactor;
+        A::m_fMaxAxisFeed[axis] = fFactor * A::m_fUserAxisFeed[axis];
+    }
+    if (!bRebuild) return;
+    // All five, whatever the machine: wanted.
+    for (int axis = 0; axis < MAX_AXES; ++axis) Run(static_cast<eAxis>(axis));
+}
+
 // ---- Limits, sensors, board -----------------------------------------------------------------------------------------
 
 QString CMotorSettings::Config(eAxis axis)

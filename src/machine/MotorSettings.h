@@ -39,6 +39,12 @@ public:
     // The jog feeds become the working feeds, now and with every change of the override.
     void UseG01FeedForJog(bool bUse);
 
+    // ---- The operator's overrides, percent of the user feeds ----
+    // bRebuild: no job runs, and the axes take their new speeds at once; while one runs its planning reads the factor
+    // itself. The caller lets one override in at a time.
+    void SetFeedOverride(short iPercentage, bool bRebuild);
+    void SetRapidOverride(short iPercentage, bool bRebuild);
+
     // ---- Limits, directions, sensors, board ----
     // Refused: a positive limit not above the negative one, and the other way round.
     QString SetPosLimit(eAxis axis, double fLimit);
@@ -52,6 +58,7 @@ public:
 private:
     QString RebuildAll();
     QString Config(eAxis axis);
+    void Run(eAxis axis);   // at its working feed
     AxisCtrl& Axis(eAxis axis) { return m_Machine.m_AxisCtrl[axis]; }
 
     CMachineAxes& m_Machine;

@@ -30,6 +30,11 @@ void CMoveRecording::BeginCounting()
     m_Path = {};
 }
 
+void CMoveRecording::OnWork(const stWorkCommand& command)
+{
+    m_lLine = command.iLine + 1;
+    if (command.eKind == WORK_MOVE) m_bRapid = command.eCmnd == G00_MOVE;
+}
 void CMoveRecording::OnAxisMove(int iAxis)
 {
     Begin(1 + iAxis);

@@ -1,5 +1,6 @@
 #pragma once
 #include "common/Shared.h"
+#include "machine/WorkObserver.h"
 #include "motion/MachineAxes.h"
 #include "motion/MotionObserver.h"
 #include "preview/ToolPath.h"
@@ -20,23 +21,21 @@ struct stMoveFigures
     bool bEnvelope = false;
 };
 
-// Watches the moves of a run: figures, the tool path, and a CSV row a move. Moves are told by the worker and, on the
-// real clock, their ends by the threads that make the pulses.
-class CMoveRecording : public CMotionObserver
+// Watches the moves of a run: figures, the tool path, and a CSV row a move. Commands and moves are told by the worker
+// and, on the real clock, the ends of moves by the threads that make the pulses.
+class CMoveRecording : public CMotionObserver, public CWorkObserver
 {
 public:
     explicit CMoveRecording(CMachineAxes& axes) : m_Axes(axes) {}
     // lBegin: zero of the times, ns of CWait::Now. False: the file cannot be written.
     bool Open(const QString& strPath, qint64 lBegin);
-    // The program's line (1-based) that commands the coming moves; 0: none.
-    void SetLine(qint64 lLine) { m_lLine = lLine; }
-    void SetRapid(bool bRapid) { m_bRapid = bRapid; }
     // Figures and path begin anew here; the rows go on.
     void BeginCounting();
     // Each straight move as made, mm, with the recording's lock held.
     std::function<void(const stFloatPoint& from, const stFloatPoint& to)> m_fnOnMove;
     void KeepPath(bool bKeep) { m_bKeepPath = bKeep; }
 
+    void OnWork(const stWorkCommand& command) override;
     void OnAxisMove(int iAxis) override;
     void OnCoordinatedMove() override;
     void OnMoveEnd(int iAxis) override;
@@ -65,7 +64,7 @@ private:
     void WriteRow(const stMove& move);
 
     CMachineAxes& m_Axes;
-    CShared<qint64> m_lLine = 0;
+    CShared<qint64> m_lLine = 0;   // of the program (1-based) that commands the coming moves; 0: none
     CShared<bool> m_bRapid = false;
     std::mutex m_Mutex;
     std::deque<stMove> m_lstOpen;   // in the order of their numbers; the first one has not ended

@@ -20,17 +20,6 @@ static constexpr qint64 TICK_US = 34'000;   // of the supervision loop on the re
 static CShared<int> g_iSignal = 0;
 static CShared<CVirtualTime*> g_pTime = nullptr;
 
-bool CRunControl::G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
-{
-    m_Moves.SetRapid(true);
-    return AppControl::G00_Move(target, bSetAccVel, bWait);
-}
-bool CRunControl::G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait)
-{
-    m_Moves.SetRapid(false);
-    return AppControl::G01_Move(target, bSetAccVel, bWait);
-}
-
 CRunner::CRunner(const stRunOptions& options) : m_Options(options) {}
 
 CRunner::~CRunner()
@@ -125,7 +114,8 @@ void CRunner::PrintUnlessQuiet(const QString& strText) const
 bool CRunner::SetUpMachine()
 {
     if (!m_Options.bRealTime) m_pTime = std::make_unique<CVirtualTime>();
-    m_pApp = std::make_unique<CRunControl>();
+    m_pApp = std::make_unique<AppControl>();
+    m_pMoves = std::make_unique<CMoveRecording>(*m_pApp);
     CVANTORGPIO::InitGpio();
     if (AppConfig::m_bPWMCtrlUsed) CVANTORGPIO::PwmStart();
     m_pMachine = std::make_unique<CVirtualMachine>(MachineOfSettings(AppConfig::m_bHomeSensorsUsed));
@@ -144,11 +134,11 @@ bool CRunner::SetUpMachine()
 
 bool CRunner::OpenRecordings()
 {
-    CMoveRecording& moves = m_pApp->m_Moves;
-    CMotionObserver::Set(&moves);
-    moves.KeepPath(!m_Options.strPicture.isEmpty());
+    CMotionObserver::Set(m_pMoves.get());
+    m_pApp->m_pWorkObserver = m_pMoves.get();
+    m_pMoves->KeepPath(!m_Options.strPicture.isEmpty());
     if (!m_Options.strRelief.isEmpty()) m_pRelief = std::make_unique<CRelief>(AppConfig::m_fEndMillDia);
-    if (!m_Options.strMoves.isEmpty() && !moves.Open(m_Options.strMoves, m_lBegin))
+    if (!m_Options.strMoves.isEmpty() && !m_pMoves->Open(m_Options.strMoves, m_lBegin))
         return Fail(m_Options.strMoves + QStringLiteral(": cannot be written"));
     if (m_Options.strEdges.isEmpty()) return true;
     m_pEdges = std::make_unique<CEdgeRecording>(*m_pApp);
@@ -162,7 +152,7 @@ void CRunner::HookWorker()
 {
     if (m_pJob) {
         m_pScreen->SetLines(m_pJob->Lines());
-        m_pApp->m_Moves.m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
+        m_pMoves->m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
             if (!m_bJobRuns) return;
             m_pJob->OnMove(from, to);
             if (m_pRelief) FollowCarriages();
@@ -173,7 +163,6 @@ void CRunner::HookWorker()
         [this](unsigned uLine) {
             ++m_lLinesRun;
             m_pScreen->SetLine(static_cast<qint64>(uLine) + 1);
-            m_pApp->m_Moves.SetLine(static_cast<qint64>(uLine) + 1);
             if (m_pTime) m_pScreen->ShowProgress();
         },
         Qt::DirectConnection);
@@ -283,7 +272,7 @@ void CRunner::RunMakeProfile()
 void CRunner::RunJob()
 {
     if (!m_pJob || m_eFailed != EXIT_DONE) return;
-    m_pApp->m_Moves.BeginCounting();
+    m_pMoves->BeginCounting();
     for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS})
         AxisOf(m_WorkZero, axis) = m_pMachine->CarriageMm(axis) - m_pApp->GetCurPos(axis);
     if (m_pRelief) FollowCarriages();
@@ -309,7 +298,7 @@ stSummary CRunner::Summarize() const
     summary.fMachineTime = static_cast<double>(CWait::Now() - m_lBegin) / 1e9;
     summary.fWallTime = static_cast<double>(m_Wall.nsecsElapsed()) / 1e9;
     summary.iAxes = AppConfig::m_iMchType;
-    summary.figures = m_pApp->m_Moves.Figures();
+    summary.figures = m_pMoves->Figures();
     for (int axis = 0; axis < summary.iAxes; ++axis) {
         summary.ends[static_cast<size_t>(axis)] = m_pApp->m_AxisCtrl[axis].GetCurPosLong();
         summary.carriages[static_cast<size_t>(axis)] = m_pMachine->Carriage(axis);
@@ -329,14 +318,14 @@ void CRunner::SavePicture(const QString& strPath, const QImage& image)
 eExit CRunner::Finish()
 {
     m_pScreen->EndProgress();
-    if (!m_pApp->m_Moves.Close()) Fail(m_Options.strMoves + QStringLiteral(": could not be written whole"));
+    if (!m_pMoves->Close()) Fail(m_Options.strMoves + QStringLiteral(": could not be written whole"));
     stSummary summary = Summarize();
     if (m_pEdges && !m_pEdges->Close()) Fail(m_Options.strEdges + QStringLiteral(": could not be written whole"));
     if (!m_Options.strPicture.isEmpty()) {
         const QString strNote = QStringLiteral("machine time %1    path %2 mm")
                                     .arg(ClockTime(summary.fMachineTime))
                                     .arg(summary.figures.fFeedPath + summary.figures.fRapidPath, 0, 'f', 1);
-        const QImage image = DrawToolPath(m_pApp->m_Moves.Path(), QFileInfo(summary.strFile).fileName(), strNote);
+        const QImage image = DrawToolPath(m_pMoves->Path(), QFileInfo(summary.strFile).fileName(), strNote);
         SavePicture(m_Options.strPicture, image);
     }
     if (m_pRelief) SavePicture(m_Options.strRelief, m_pRelief->Draw(m_pJob ? m_pJob->Block() : stReliefBlock()));

@@ -14,16 +14,6 @@
 #include <functional>
 #include <memory>
 
-// The worker with a note of how each move is made.
-class CRunControl : public AppControl
-{
-public:
-    CRunControl() : m_Moves(*this) {}
-    bool G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override;
-    bool G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override;
-    CMoveRecording m_Moves;
-};
-
 // One call of vantor-run, from the files to the summary. Once a process: the machine's statics are not put back.
 // Main thread.
 class CRunner
@@ -79,7 +69,8 @@ private:
     std::unique_ptr<CVirtualTime> m_pTime;
     std::unique_ptr<CHeadlessScreen> m_pScreen;
     std::unique_ptr<CJobKind> m_pJob;   // null: only operations without a job
-    std::unique_ptr<CRunControl> m_pApp;
+    std::unique_ptr<CMoveRecording> m_pMoves;
+    std::unique_ptr<AppControl> m_pApp;
     std::unique_ptr<CVirtualMachine> m_pMachine;
     std::unique_ptr<CEdgeRecording> m_pEdges;
     std::unique_ptr<CRelief> m_pRelief;

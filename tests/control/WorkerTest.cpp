@@ -126,7 +126,6 @@ TEST_F(Worker, RunRaisesTheStatusOutputUnlessSimulatingAndShutsTheComputerDown)
         m_App.m_fnWorkZero = [=] {
             EXPECT_EQ(StatusLevel(), bSimulation ? 0 : 1);
             CVirtualPins::SetInput(AppConfig::m_iPgmStatusOutput, 1);
-            return true;
         };
         m_App.RunAs(OP_WORK_HOME);
         EXPECT_EQ(StatusLevel(), bSimulation ? 1 : 0);
@@ -152,10 +151,7 @@ TEST_F(Worker, AnOperationResetsTheSpeedsAndGoesToWorkZeroFirstByItsCode)
         m_App.m_bExecSingleLine = frame.bSingleLine;
         m_App.m_iWorkZeroMoves = 0;
         m_App.m_AxisCtrl[X_AXIS].SetVelocityAcc(3.0, 600.0);
-        m_App.m_fnWorkZero = [&] {
-            EXPECT_EQ(NextFeed(X_AXIS), frame.bResets ? 15.0 : 3.0) << frame.eCode;
-            return true;
-        };
+        m_App.m_fnWorkZero = [&] { EXPECT_EQ(NextFeed(X_AXIS), frame.bResets ? 15.0 : 3.0) << frame.eCode; };
         m_App.RunAs(frame.eCode);
         EXPECT_EQ(m_App.m_iWorkZeroMoves, frame.iWorkZeroMoves) << frame.eCode;
         EXPECT_FALSE(CAllAxisCtrl::m_bAutoModeRunning);
@@ -183,9 +179,9 @@ TEST_P(WorkerStop, EndsTheOperationWithoutMoveShutDownOrFinish)
         m_App.StopAll();
         m_App.m_eOperation = OP_NONE;
         if (GetParam().bReleased) AppConfig::m_bEmergencyStopON = false;
-        return true;
+        m_App.m_lstMoves.clear();   // those to work zero
     };
-    m_App.m_fnWorkZero = Stop;
+    m_App.m_fnAtWorkZero = Stop;
     m_App.m_bExecSingleLine = false;
     m_App.RunAs(OP_GCODE);   // goes on to start the auto mode, behind the StopAll
     EXPECT_FALSE(CAllAxisCtrl::m_bAutoMode);
@@ -229,7 +225,7 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     AppConfig::m_bAutoSpindleOnCCW = job.bCcw;
     const GCodeProgram program(3);
     m_App.m_bExecSingleLine = true;   // left behind by a line that was given up
-    m_App.m_fnWorkZero = [] { return false; };
+    AppConfig::m_fZSafePos = 1e9;     // no way to work zero
     stShapeCuttingInfo shapes;
     if (job.eWhat == eJob::LINE)
         m_App.StartExecGCodeLine(&program, 2);

@@ -12,11 +12,12 @@ const QString KIND = QStringLiteral("carving");
 class CCarvingSpy : public CShapeSpy
 {
 public:
-    bool ImgCarving() override
+    void OnWork(const stWorkCommand& command) override
     {
         const stImgCarvingInfo& info = *m_stImgCarvingData.pInfo;
-        m_lstCalls.push_back({{"cmd", "PASS"}, {"depth", info.fDepth}, {"zstep", info.fZStep}});
-        return CShapeSpy::ImgCarving();
+        if (command.eKind == WORK_CARVING_PASS)
+            m_lstCalls.push_back({{"cmd", "PASS"}, {"depth", info.fDepth}, {"zstep", info.fZStep}});
+        CShapeSpy::OnWork(command);
     }
 };
 

@@ -16,7 +16,7 @@
 
 namespace {
 // Notes what the worker does as a case's trace tells it.
-class CTraceSpy : public AppControl, public CPinObserver
+class CTraceSpy : public AppControl, public CPinObserver, public CWorkObserver
 {
 public:
     using AppControl::run;
@@ -24,6 +24,7 @@ public:
     CTraceSpy()
     {
         CVirtualPins::SetObserver(this);
+        m_pWorkObserver = this;
         connect(this, &AppControl::SelNxtGCodeLine, this, [this](unsigned uLine) {
             m_iLine = static_cast<int>(uLine);
             Note({{"ev", "next"}, {"n", m_iLine}}, false);
@@ -36,61 +37,42 @@ public:
     }
     ~CTraceSpy() override { CVirtualPins::SetObserver(nullptr); }
 
-    bool MoveWorkZeroAll() override
+    void OnWork(const stWorkCommand& command) override
     {
-        Note({{"ev", "work_zero"}});
-        return Inside([&] { return AppControl::MoveWorkZeroAll(); });
-    }
-    bool SetAccAndVel(stFloatPoint from, stFloatPoint to, eGMoveCmnd eCmnd) override
-    {
-        m_PlanFrom = from;
-        m_ePlan = eCmnd;
-        return AppControl::SetAccAndVel(from, to, eCmnd);
-    }
-    bool G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override
-    {
-        NoteMove("G00", target, bSetAccVel, G00_MOVE);
-        return AppControl::G00_Move(target, bSetAccVel, bWait);
-    }
-    bool G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override
-    {
-        NoteMove("G01", target, bSetAccVel, G01_MOVE);
-        return AppControl::G01_Move(target, bSetAccVel, bWait);
-    }
-    bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait) override
-    {
-        if (m_iInside == 0) Note({{"ev", "axis"}, {"axis", axis}, {"to", fPos}});
-        return AppControl::EngMoveAxisAbs(axis, fPos, bWait);
-    }
-    void SetAxisFeed(double fFeed) override
-    {
-        AppControl::SetAxisFeed(fFeed);
-        Note({{"ev", "feed"}, {"value", AppConfig::m_GCodeRunSettings.fFeed}});
-    }
-    void SetSpindleSpeed(int iSpeed) override
-    {
-        const qsizetype iEvent = m_Trace.size();
-        if (AppConfig::m_GCodeRunSettings.bUsePrgmSpindleSpeed) Note({{"ev", "spindle"}, {"speed", iSpeed}});
-        AppControl::SetSpindleSpeed(iSpeed);   // sets the frequency and sleeps
-        for (qsizetype n = iEvent; n < m_Trace.size(); ++n) {
-            QJsonObject event = m_Trace[n].toObject();
-            if (event["ev"] == QLatin1String("spindle")) event["freq"] = int(AppConfig::m_stPwmSpndlSettings.iCurFreq);
-            m_Trace[n] = event;
+        switch (command.eKind) {
+        case WORK_ZERO:
+            Note({{"ev", "work_zero"}});
+            ++m_iInside;
+            break;
+        case WORK_ARC: ++m_iInside; break;
+        case WORK_PLAN:
+            m_PlanFrom = command.from;
+            m_ePlan = command.eCmnd;
+            break;
+        case WORK_MOVE: NoteMove(command); break;
+        case WORK_AXIS_TO:
+            if (m_iInside == 0) Note({{"ev", "axis"}, {"axis", command.axis}, {"to", command.fValue}});
+            break;
+        case WORK_SPINDLE_SPEED:
+            if (AppConfig::m_GCodeRunSettings.bUsePrgmSpindleSpeed)
+                Note({{"ev", "spindle"}, {"speed", int(command.fValue)}});
+            m_iSpindleEvent = m_Trace.size() - 1;
+            break;
+        default: break;
         }
     }
-    bool CutArc(unsigned uLine, stGCodeEllipseInfo& info) override
+    void OnWorkEnd(const stWorkCommand& command, bool bOk) override
     {
-        if (!Inside([&] { return AppControl::CutArc(uLine, info); })) return false;
-        Note({{"ev", "arc"},
-              {"plane", int(AppConfig::m_PlaneSel)},
-              {"dir", info.eDir},
-              {"start", PointArray(info.stStart)},
-              {"end", PointArray(info.stEnd)},
-              {"centre", PointArray(info.stCenter)},
-              {"radius", info.fRadius},
-              {"full", info.bFullCircle},
-              {"feed", AppConfig::m_GCodeRunSettings.fFeed}});
-        return true;
+        switch (command.eKind) {
+        case WORK_ZERO: --m_iInside; break;
+        case WORK_ARC:
+            --m_iInside;
+            if (bOk) NoteArc(*command.pArc);
+            break;
+        case WORK_PRGM_FEED: Note({{"ev", "feed"}, {"value", AppConfig::m_GCodeRunSettings.fFeed}}); break;
+        case WORK_SPINDLE_SPEED: NoteFrequency(); break;
+        default: break;
+        }
     }
     void OnWrite(int iPin, int iLevel) override
     {
@@ -125,24 +107,38 @@ public:
     int m_iAxes = 3;
 
 private:
-    template <class F> bool Inside(F&& fn)
-    {
-        ++m_iInside;
-        const bool bOk = fn();
-        --m_iInside;
-        return bOk;
-    }
-    void NoteMove(const char* szCmd, const stFloatPoint& target, bool bSetAccVel, eGMoveCmnd eCmnd)
+    void NoteMove(const stWorkCommand& move)
     {
         if (m_iInside > 0) return;
         stFloatPoint from = m_PlanFrom;
-        if (bSetAccVel) GetAllAxisCurPos(from);
+        if (move.bPlan) GetAllAxisCurPos(from);
         Note({{"ev", "move"},
-              {"cmd", szCmd},
-              {"plan", (bSetAccVel ? eCmnd : m_ePlan) == G00_MOVE ? "G00" : "G01"},
+              {"cmd", move.eCmnd == G00_MOVE ? "G00" : "G01"},
+              {"plan", (move.bPlan ? move.eCmnd : m_ePlan) == G00_MOVE ? "G00" : "G01"},
               {"from", PointArray(from, m_iAxes)},
-              {"to", PointArray(target, m_iAxes)},
+              {"to", PointArray(move.to, m_iAxes)},
               {"feed", AppConfig::m_GCodeRunSettings.fFeed}});
+    }
+    void NoteArc(const stGCodeEllipseInfo& info)
+    {
+        Note({{"ev", "arc"},
+              {"plane", int(AppConfig::m_PlaneSel)},
+              {"dir", info.eDir},
+              {"start", PointArray(info.stStart)},
+              {"end", PointArray(info.stEnd)},
+              {"centre", PointArray(info.stCenter)},
+              {"radius", info.fRadius},
+              {"full", info.bFullCircle},
+              {"feed", AppConfig::m_GCodeRunSettings.fFeed}});
+    }
+    // A change of speed ends with its run-up.
+    void NoteFrequency()
+    {
+        for (qsizetype n = m_iSpindleEvent; n < m_Trace.size(); ++n) {
+            QJsonObject event = m_Trace[n].toObject();
+            if (event["ev"] == QLatin1String("spindle")) event["freq"] = int(AppConfig::m_stPwmSpndlSettings.iCurFreq);
+            m_Trace[n] = event;
+        }
     }
     // The window's part: a tool change presses pause, and whoever waits for the start button gets it.
     void Supervise()
@@ -169,6 +165,7 @@ private:
     }
 
     int m_iInside = 0;
+    qsizetype m_iSpindleEvent = 0;
     bool m_bSleeping = false;
     stFloatPoint m_PlanFrom;
     eGMoveCmnd m_ePlan = G01_MOVE;

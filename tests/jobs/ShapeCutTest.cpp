@@ -43,11 +43,10 @@ stEngShape Ellipse(double fMajor, double fMinor, double fTurn, double fStart, do
 class CArcSpy : public CShapeSpy
 {
 public:
-    bool CutArc(unsigned int uLine, stGCodeEllipseInfo& info) override
+    void OnWorkEnd(const stWorkCommand& command, bool bOk) override
     {
-        const bool bOk = CShapeSpy::CutArc(uLine, info);
-        m_lstArcs.push_back(info);
-        return bOk;
+        CShapeSpy::OnWorkEnd(command, bOk);
+        if (command.eKind == WORK_ARC) m_lstArcs.push_back(*command.pArc);
     }
     std::vector<stGCodeEllipseInfo> m_lstArcs;
 };

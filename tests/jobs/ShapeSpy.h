@@ -8,33 +8,29 @@
 class CShapeSpy : public CMoveSpy
 {
 public:
-    bool G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override
+    void OnWork(const stWorkCommand& command) override
     {
-        return NoteMove("G00", target, bSetAccVel, bWait,
-                        [&] { return CMoveSpy::G00_Move(target, bSetAccVel, bWait); });
+        switch (command.eKind) {
+        case WORK_MOVE: NoteMove(command); break;
+        case WORK_PLAN:
+            if (!m_bInMove)
+                m_lstCalls.push_back({{"cmd", "PLAN"},
+                                      {"from", PointArray(command.from, m_iAxes)},
+                                      {"to", PointArray(command.to, m_iAxes)}});
+            break;
+        case WORK_RESET_SPEEDS: m_lstCalls.push_back({{"cmd", "RESET"}}); break;
+        case WORK_AXIS_SPEED:
+            EXPECT_EQ(command.axis, Z_AXIS);
+            m_lstCalls.push_back({{"cmd", "ZVEL"}, {"vel", command.fValue}, {"acc", command.fAcc}});
+            break;
+        default: break;
+        }
     }
-    bool G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override
+    void OnWorkEnd(const stWorkCommand& command, bool) override
     {
-        return NoteMove("G01", target, bSetAccVel, bWait,
-                        [&] { return CMoveSpy::G01_Move(target, bSetAccVel, bWait); });
-    }
-    bool SetAccAndVel(stFloatPoint from, stFloatPoint to, eGMoveCmnd eCmnd) override
-    {
-        if (!m_bInMove)
-            m_lstCalls.push_back(
-                {{"cmd", "PLAN"}, {"from", PointArray(from, m_iAxes)}, {"to", PointArray(to, m_iAxes)}});
-        return CMoveSpy::SetAccAndVel(from, to, eCmnd);
-    }
-    void ResetAccVel() override
-    {
-        m_lstCalls.push_back({{"cmd", "RESET"}});
-        CMoveSpy::ResetAccVel();
-    }
-    void SetVelocityAcc(eAxis axis, double fVel, double fAcc) override
-    {
-        EXPECT_EQ(axis, Z_AXIS);
-        m_lstCalls.push_back({{"cmd", "ZVEL"}, {"vel", fVel}, {"acc", fAcc}});
-        CMoveSpy::SetVelocityAcc(axis, fVel, fAcc);
+        if (command.eKind != WORK_MOVE) return;
+        m_bInMove = false;
+        if (m_fnBehindMove) m_fnBehindMove(m_lstTargets.size());
     }
 
     size_t CallCount() const { return m_lstCalls.size(); }
@@ -64,15 +60,15 @@ protected:
     std::vector<QJsonObject> m_lstCalls;
 
 private:
-    template <class F> bool NoteMove(const char* szCmd, const stFloatPoint& to, bool bSetAccVel, bool bWait, F&& fnMove)
+    void NoteMove(const stWorkCommand& move)
     {
         if (m_fnOnMove) m_fnOnMove(m_lstTargets.size());
-        m_lstCalls.push_back({{"cmd", szCmd}, {"to", PointArray(to, m_iAxes)}, {"set", bSetAccVel}, {"wait", bWait}});
+        m_lstCalls.push_back({{"cmd", move.eCmnd == G00_MOVE ? "G00" : "G01"},
+                              {"to", PointArray(move.to, m_iAxes)},
+                              {"set", move.bPlan},
+                              {"wait", move.bWait}});
         m_bInMove = true;
-        const bool bOk = fnMove();
-        m_bInMove = false;
-        if (m_fnBehindMove) m_fnBehindMove(m_lstTargets.size());
-        return bOk;
+        CMoveSpy::OnWork(move);
     }
     bool m_bInMove = false;
 };

@@ -49,7 +49,7 @@ TEST_P(ZProfileCase, ProbesTheGrid)
         m_pMachine->SetSurface([a = s[0].toDouble(), b = s[1].toDouble(), c = s[2].toDouble()](double x, double y) {
             return a * x + b * y + c;
         });
-    m_App.m_fnWorkZero = [] { return true; };   // the case begins behind that move
+    m_App.m_fnAtWorkZero = [this] { m_App.m_lstMoves.clear(); };   // the case begins behind that move
     m_App.CreateZProfile();
 
     QStringList lstCommands;

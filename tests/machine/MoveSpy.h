@@ -7,20 +7,15 @@
 #include <utility>
 
 // The worker with the moves noted that it makes, and where the axes stood behind each.
-class CMoveSpy : public AppControl
+class CMoveSpy : public AppControl, public CWorkObserver
 {
 public:
     using AppControl::run;
 
-    bool G00_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override
+    CMoveSpy() { m_pWorkObserver = this; }
+    void OnWork(const stWorkCommand& command) override
     {
-        Note(target);
-        return AppControl::G00_Move(target, bSetAccVel, bWait);
-    }
-    bool G01_Move(stFloatPoint target, bool bSetAccVel, bool bWait) override
-    {
-        Note(target);
-        return AppControl::G01_Move(target, bSetAccVel, bWait);
+        if (command.eKind == WORK_MOVE) Note(command.to);
     }
     stFloatPoint Position() const
     {

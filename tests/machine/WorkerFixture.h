@@ -1,4 +1,5 @@
 #pragma once
+#include "common/OperatorScreen.h"
 #include "control/AppControl.h"
 #include "motion/AllAxisCtrl.h"
 #include "platform/virtual/VirtualMachine.h"
@@ -31,30 +32,30 @@ public:
 };
 
 // The worker with its single-axis commands noted, such as "Z 1.5" and "Z +-3".
-class CWorker : public AppControl
+class CWorker : public AppControl, public CWorkObserver
 {
 public:
     using AppControl::AfterOperationFinish;
+    using AppControl::run;
 
-    void run() override
+    CWorker() { m_pWorkObserver = this; }
+    ~CWorker() override
     {
-        AppControl::run();
-        CWait::SleepUs(m_iLeavingUs);
+        StopAll();
+        wait();
     }
-    bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait) override
+    void OnWork(const stWorkCommand& command) override
     {
-        Note(axis, Number("%.10g", fPos));
-        return AppControl::EngMoveAxisAbs(axis, fPos, bWait);
-    }
-    bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait) override
-    {
-        Note(axis, Number("+%.10g", fDist));
-        return AppControl::EngMoveAxisRel(axis, fDist, bWait);
-    }
-    bool MoveWorkZeroAll() override
-    {
+        if (command.eKind == WORK_AXIS_TO) Note(command.axis, Number("%.10g", command.fValue));
+        if (command.eKind == WORK_AXIS_BY) Note(command.axis, Number("+%.10g", command.fValue));
+        if (command.eKind != WORK_ZERO) return;
         ++m_iWorkZeroMoves;
-        return m_fnWorkZero ? m_fnWorkZero() : AppControl::MoveWorkZeroAll();
+        if (m_fnWorkZero) m_fnWorkZero();
+    }
+    void OnWorkEnd(const stWorkCommand& command, bool) override
+    {
+        if (command.eKind == WORK_ZERO && m_fnAtWorkZero) m_fnAtWorkZero();
+        if (command.eKind == WORK_OPERATION) CWait::SleepUs(m_iLeavingUs);
     }
     void RunAs(eOperation eCode)
     {
@@ -65,8 +66,8 @@ public:
 
     QStringList m_lstMoves;
     int m_iWorkZeroMoves = 0;
-    int m_iLeavingUs = 0;                 // how long the thread takes behind the operation
-    std::function<bool()> m_fnWorkZero;   // in place of the move
+    int m_iLeavingUs = 0;                                 // how long the thread takes behind the operation
+    std::function<void()> m_fnWorkZero, m_fnAtWorkZero;   // before the move, behind it
 
 private:
     static QString Number(const char* szFormat, double fValue)   // shows the sign of zero, which Qt's own does not

@@ -1,10 +1,10 @@
+#include "machine/SurfaceMoves.h"
+
 #include "common/UnitConverter.h"
-#include "control/AppControl.h"
+#include "config/AppConfig.h"
 
 #include <algorithm>
 #include <cmath>
-
-// Feed moves that follow a measured surface: cut into pieces, each at the height of the nearest node.
 
 namespace {
 constexpr double SAME = SMALL_NUMBER_TO_AVOID_ROUND_ERRORS;   // mm
@@ -83,16 +83,13 @@ bool Usable(const Grid& rows)
 }
 }   // namespace
 
-// A feed move along the surface where the profile is in use, else a plain one. The height used stays in to.z: wanted,
-// the program goes on from where the tool is.
-bool AppControl::CutOrFollowSurface(stFloatPoint from, stFloatPoint& to)
+bool CSurfaceMoves::CutOrFollow(const stFloatPoint& from, stFloatPoint& to)
 {
     if (AppConfig::m_bUseZProfile && AppConfig::m_ZProfileInfo.lstPoints.size() > 1) return ZProfileMove(from, to);
-    SetAccAndVel(from, to, G01_MOVE);
-    return G01_Move(to, false, false);
+    return m_Moves.Cut(from, to);
 }
 
-bool AppControl::ZProfileMove(stFloatPoint start, stFloatPoint& end)
+bool CSurfaceMoves::ZProfileMove(const stFloatPoint& start, stFloatPoint& end)
 {
     const double dx = std::abs(CUnitConverter::Distance(start.x, end.x));
     const double dy = std::abs(CUnitConverter::Distance(start.y, end.y));
@@ -103,17 +100,16 @@ bool AppControl::ZProfileMove(stFloatPoint start, stFloatPoint& end)
     if ((bWalk || bPlunge) && CUnitConverter::FitsLong(end.x) && CUnitConverter::FitsLong(end.y)) {
         const Grid& rows = AppConfig::m_ZProfileInfo.lstPoints;
         if (!Usable(rows)) {
-            PushErrMsg(QStringLiteral("Z-Profile is not usable: a row has no points"));
+            m_Messages.PushErrMsg(QStringLiteral("Z-Profile is not usable: a row has no points"));
             return false;
         }
-        if (bWalk) return SurfaceWalk(start, end);
+        if (bWalk) return Walk(start, end);
         end.z = NearestHeight(rows, PlungeCell(rows, end.x, end.y), start.x, start.y);
     }
-    SetAccAndVel(start, end, G01_MOVE);
-    return G01_Move(end, false, false);
+    return m_Moves.Cut(start, end);
 }
 
-bool AppControl::SurfaceWalk(stFloatPoint start, stFloatPoint& end)
+bool CSurfaceMoves::Walk(const stFloatPoint& start, stFloatPoint& end)
 {
     const Grid& rows = AppConfig::m_ZProfileInfo.lstPoints;
     const double dx = std::abs(CUnitConverter::Distance(start.x, end.x));
@@ -125,7 +121,7 @@ bool AppControl::SurfaceWalk(stFloatPoint start, stFloatPoint& end)
     const double fDir = fStart > fEnd ? -1.0 : 1.0;
     const double fXYStep = AppConfig::m_ZProfileInfo.fXYStep;
     if (!(std::abs(fEnd - fStart) / (fXYStep / 2.0) < MAX_PIECES) || !(fXYStep > 0.0)) {
-        PushErrMsg(QStringLiteral("X-Y Step of the Z-Profile is too small"));
+        m_Messages.PushErrMsg(QStringLiteral("X-Y Step of the Z-Profile is too small"));
         return false;
     }
 
@@ -144,8 +140,7 @@ bool AppControl::SurfaceWalk(stFloatPoint start, stFloatPoint& end)
             p.y = dy > SAME ? p.x * fSlope + fIntercept : end.y;
         }
         p.z = NearestHeight(rows, WalkCell(rows, p.x, p.y), p.x, p.y);
-        SetAccAndVel(prev, p, G01_MOVE);
-        if (!G01_Move(p, false, false)) return false;
+        if (!m_Moves.Cut(prev, p)) return false;
         prev = p;
         fCur = AxisOf(prev, iDrive);
     }

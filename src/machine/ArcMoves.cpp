@@ -1,24 +1,26 @@
+#include "machine/ArcMoves.h"
+
+#include "common/OperatorScreen.h"
 #include "common/UnitConverter.h"
-#include "control/AppControl.h"
-#include "gcode/GCodeWords.h"
+#include "config/AppConfig.h"
 #include "machine/ArcWalk.h"
 #include "motion/AllAxisCtrl.h"
-#include "time/Wait.h"
 
 #include <QtMath>
 
-#include <algorithm>
 #include <cmath>
 
-// Arcs: a chain of short straight moves, built whole before the first one runs.
-
-namespace {
-struct stPlane
+static bool BelowPulse(double fDist, int axis)
 {
-    int iFirst, iSecond, iThird;
-};
+    return std::abs(fDist) < AppConfig::m_fAxisMovPerPulse[axis];
+}
 
-stPlane SelectedPlane()
+static stArcPoint InPlane(const stFloatPoint& pos, const stArcPlane& plane)
+{
+    return {AxisOf(pos, plane.iFirst), AxisOf(pos, plane.iSecond)};
+}
+
+stArcPlane stArcPlane::Selected()
 {
     switch (AppConfig::m_PlaneSel) {
     case 17: return {X_AXIS, Y_AXIS, Z_AXIS};
@@ -27,62 +29,21 @@ stPlane SelectedPlane()
     }
 }
 
-bool BelowPulse(double fDist, int axis)
+void CArcMoves::Begin(stGCodeEllipseInfo& info) const
 {
-    return std::abs(fDist) < AppConfig::m_fAxisMovPerPulse[axis];
-}
-
-stArcPoint InPlane(const stFloatPoint& pos, const stPlane& plane)
-{
-    return {AxisOf(pos, plane.iFirst), AxisOf(pos, plane.iSecond)};
-}
-}   // namespace
-
-// False: refused and told.
-bool AppControl::ReadArcWords(unsigned int uLine, stGCodeEllipseInfo& info)
-{
-    const qint32 iAbsRel = AppConfig::m_GCodeRunSettings.sAbsRel;
-    for (const std::string& strToken : m_pGCodeProgram->at(uLine)) {
-        if (IsComment(strToken)) break;
-        const char cLetter = TokenLetter(strToken);
-        const double fValue = TokenFloat(strToken);
-        if (cLetter >= 'X' && cLetter <= 'Z') {
-            const int axis = cLetter - 'X';
-            AxisOf(info.stEnd, axis) = (iAbsRel * m_AxisCtrl[axis].GetCurPos() + fValue) * m_fUnitFactor;
-        } else if (cLetter >= 'I' && cLetter <= 'K') {
-            const int axis = cLetter - 'I';
-            const double fOffset = fValue * m_fUnitFactor;   // from the start point, in G90 too
-            AxisOf(info.stCenter, axis) =
-                BelowPulse(fOffset, axis) ? m_AxisCtrl[axis].GetCurPos() : AxisOf(info.stStart, axis) + fOffset;
-        } else if (cLetter == 'R') {
-            info.fRadius = fValue * m_fUnitFactor;
-            if (BelowPulse(info.fRadius, X_AXIS) || BelowPulse(info.fRadius, Y_AXIS)) {
-                PushErrMsg(ARC_TOO_SMALL);
-                return false;
-            }
-            FindArcCenter(info);   // sees the end words read so far: the order of the words matters
-            info.fRadius = std::abs(info.fRadius);
-        } else if (cLetter == 'F') {
-            if (!TakePrgmFeed(fValue, uLine)) return false;
-        } else if (cLetter == 'S') {
-            SetSpindleSpeed(CutTo<int>(fValue));
-        }
-    }
-    return true;
-}
-
-bool AppControl::CutArc(unsigned int uLine, stGCodeEllipseInfo& info)
-{
-    const stPlane plane = SelectedPlane();
-    for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) AxisOf(info.stStart, axis) = m_AxisCtrl[axis].GetCurPos();
+    for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) AxisOf(info.stStart, axis) = m_Axes.m_AxisCtrl[axis].GetCurPos();
     // End words of the plane that are not named count as 0.0, not as the present position: wanted.
-    AxisOf(info.stEnd, plane.iThird) = AxisOf(info.stStart, plane.iThird);
-    if (!ReadArcWords(uLine, info)) return false;
+    const int iThird = stArcPlane::Selected().iThird;
+    AxisOf(info.stEnd, iThird) = AxisOf(info.stStart, iThird);
+}
 
+bool CArcMoves::Cut(stGCodeEllipseInfo& info)
+{
+    const stArcPlane plane = stArcPlane::Selected();
     const stArcPoint center = InPlane(info.stCenter, plane), end = InPlane(info.stEnd, plane);
-    if (BelowPulse(center.fFirst - m_AxisCtrl[plane.iFirst].GetCurPos(), plane.iFirst) &&
-        BelowPulse(center.fSecond - m_AxisCtrl[plane.iSecond].GetCurPos(), plane.iSecond)) {
-        PushErrMsg(ARC_TOO_SMALL);
+    if (BelowPulse(center.fFirst - m_Axes.m_AxisCtrl[plane.iFirst].GetCurPos(), plane.iFirst) &&
+        BelowPulse(center.fSecond - m_Axes.m_AxisCtrl[plane.iSecond].GetCurPos(), plane.iSecond)) {
+        m_Messages.PushErrMsg(ARC_TOO_SMALL);
         return false;
     }
     // An end at the zero point of the plane counts as not given: such an arc runs as a full circle, on purpose.
@@ -100,8 +61,7 @@ bool AppControl::CutArc(unsigned int uLine, stGCodeEllipseInfo& info)
     return G02_G03_Move(&info);
 }
 
-// In X and Y, whatever the plane. Ends level in Y divide by zero; the arc is then refused for its centre.
-void AppControl::FindArcCenter(stGCodeEllipseInfo& info)
+void CArcMoves::FindArcCenter(stGCodeEllipseInfo& info)
 {
     const double dx = info.stEnd.x - info.stStart.x, dy = info.stEnd.y - info.stStart.y, R = info.fRadius;
     const double h = (dx * dx + dy * dy) * 0.5;
@@ -115,9 +75,9 @@ void AppControl::FindArcCenter(stGCodeEllipseInfo& info)
     info.stCenter.y = info.stStart.y + (bFirst ? b1 : b2);
 }
 
-bool AppControl::G02_G03_Move(stGCodeEllipseInfo* pInfo)
+bool CArcMoves::G02_G03_Move(stGCodeEllipseInfo* pInfo)
 {
-    const stPlane plane = SelectedPlane();
+    const stArcPlane plane = stArcPlane::Selected();
     std::vector<stArcPoint> chain;
     QString strWhy;
     if (!WalkArc({.start = InPlane(pInfo->stStart, plane),
@@ -128,29 +88,29 @@ bool AppControl::G02_G03_Move(stGCodeEllipseInfo* pInfo)
                   .bFullCircle = pInfo->bFullCircle,
                   .fStep = AppConfig::m_GCodeRunSettings.fAxisStep},
                  chain, strWhy)) {
-        PushErrMsg(strWhy);
+        m_Messages.PushErrMsg(strWhy);
         return false;
     }
     stFloatPoint from;
-    for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) AxisOf(from, axis) = m_AxisCtrl[axis].GetCurPos();
+    for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) AxisOf(from, axis) = m_Axes.m_AxisCtrl[axis].GetCurPos();
     // A and B are 0.0 in every point of the chain: wanted. An operator who left them elsewhere is told.
     if (AppConfig::m_iMchType == 5 &&
-        (m_AxisCtrl[A_AXIS].GetCurPosLong() != 0 || m_AxisCtrl[B_AXIS].GetCurPosLong() != 0))
-        COperatorScreen::Get().AddLogMsg(QStringLiteral("Arc moves A-Axis and B-Axis to 0.0000"), MSG_NOTICE);
+        (m_Axes.m_AxisCtrl[A_AXIS].GetCurPosLong() != 0 || m_Axes.m_AxisCtrl[B_AXIS].GetCurPosLong() != 0))
+        TellNotice(QStringLiteral("Arc moves A-Axis and B-Axis to 0.0000"));
 
     const double fThird = AxisOf(from, plane.iThird), fThirdEnd = AxisOf(pInfo->stEnd, plane.iThird);
     const double fRise = fThirdEnd - AxisOf(pInfo->stStart, plane.iThird);
     const bool bHelix = std::abs(fRise) > AppConfig::m_fAxisMovPerPulse[plane.iThird];
     const double fPoints = static_cast<double>(chain.size());
     for (size_t n = 0; n < chain.size(); ++n) {
-        if (!WaitWhilePaused() || IsStopRequested()) return false;
+        if (!m_Handshake.WaitWhilePaused() || m_Handshake.IsStopRequested()) return false;
         stFloatPoint point;
         AxisOf(point, plane.iFirst) = chain[n].fFirst;
         AxisOf(point, plane.iSecond) = chain[n].fSecond;
         const double fSpread =
             n + 1 == chain.size() ? fThirdEnd : fThird + static_cast<double>(n + 1) * fRise / fPoints;
         AxisOf(point, plane.iThird) = bHelix ? fSpread : fThird;
-        if (!CutOrFollowSurface(from, point)) return false;
+        if (!m_Surface.CutOrFollow(from, point)) return false;
         from = point;
     }
     CAllAxisCtrl::WaitForMotion();

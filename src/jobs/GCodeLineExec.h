@@ -1,13 +1,13 @@
 #pragma once
-#include "control/AppControl.h"
+#include "jobs/ProgramRun.h"
 
-// Runs one line of a program, word by word, for AppControl::ExecGCodeLine: tables of letters and of G and M numbers,
+// Runs one line of a program, word by word, for CProgramRun::ExecGCodeLine: tables of letters and of G and M numbers,
 // each with a small handler. Lives on the worker's stack for the time of the line.
 class CGCodeLineExec
 {
 public:
-    CGCodeLineExec(AppControl& app, int iLine)
-        : m_App(app), m_iLine(iLine), m_Tokens(app.m_pGCodeProgram->at(static_cast<size_t>(iLine)))
+    CGCodeLineExec(CProgramRun& run, CMachine& machine, int iLine)
+        : m_Run(run), m_Machine(machine), m_iLine(iLine), m_Tokens(run.m_pGCodeProgram->at(static_cast<size_t>(iLine)))
     {
     }
     // True: go on with the next line. False: the run ends, and what is to be said has been said.
@@ -57,6 +57,7 @@ private:
     // G words
     eNext Rapid();
     eNext Feed();
+    template <class F> eNext StraightMove(eGMoveCmnd eCmnd, F&& fnMove);
     eNext Arc();
     eNext Plane();
     eNext Units();
@@ -64,7 +65,6 @@ private:
     eNext WorkZero();
     eNext AbsoluteOrRelative();
     eNext RunArc(eDirection eDir);
-    AppControl::eWords ReadTarget(stFloatPoint& target);
     eNext MoveDone(bool bOk, const stFloatPoint& target);
 
     // M words
@@ -85,12 +85,10 @@ private:
     eNext CallSubProgram();
     eNext ReturnFromSubProgram();
 
-    static void Write(int iCode, quint8 ucLevel);
-
-    AppControl& m_App;
+    CProgramRun& m_Run;
+    CMachine& m_Machine;
     const int m_iLine;
     const GCodeTokens& m_Tokens;
     size_t m_uToken = 0;
-    int m_iNumber = 0;               // of the G or M word
-    bool m_bNothingToMove = false;   // a walk over the line has found no word that a move takes
+    int m_iNumber = 0;   // of the G or M word
 };

@@ -1,4 +1,7 @@
-#include "control/AppControl.h"
+#include "jobs/SurfaceProbe.h"
+
+#include "common/OperatorScreen.h"
+#include "config/AppConfig.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,25 +11,13 @@ static double XYFeedPercent()
     return AppConfig::m_fAxisFeedPercent[X_AXIS];
 }
 
-static bool CheckProfileSettings(AppControl& app)
+QString CSurfaceProbe::WhyNotMeasured()
 {
-    if (!(AppConfig::m_ZProfileInfo.fXYStep > 0.0)) {
-        app.PushErrMsg(QStringLiteral("Z-Profile: X-Y Step must be greater than zero"));
-        return false;
-    }
-    if (!(AppConfig::m_ZProfileInfo.fZRange > 0.0)) {
-        app.PushErrMsg(QStringLiteral("Z-Profile: Z Range must be greater than zero"));
-        return false;
-    }
-    return true;
-}
-
-void AppControl::RunZProfile()
-{
-    if (!IsMachineIdle() || m_eOperation != OP_NONE) return PushErrMsg(QStringLiteral("Axis in use"));
-    if (!CheckProfileSettings(*this) || !ClaimWorker()) return;
-    TurnOnOffSpindle(false, DIR_CW);
-    LaunchOperation(OP_Z_PROFILE);
+    if (!(AppConfig::m_ZProfileInfo.fXYStep > 0.0))
+        return QStringLiteral("Z-Profile: X-Y Step must be greater than zero");
+    if (!(AppConfig::m_ZProfileInfo.fZRange > 0.0))
+        return QStringLiteral("Z-Profile: Z Range must be greater than zero");
+    return {};
 }
 
 namespace {
@@ -34,21 +25,24 @@ namespace {
 class CSurfaceWalk
 {
 public:
-    explicit CSurfaceWalk(AppControl& app) : m_App(app), m_bWatchZProbe(app.m_AxisCtrl[Z_AXIS].m_bWatchZProbe) {}
+    explicit CSurfaceWalk(CMachine& machine)
+        : m_Machine(machine), m_bWatchZProbe(machine.m_AxisCtrl[Z_AXIS].m_bWatchZProbe)
+    {
+    }
     ~CSurfaceWalk() { m_bWatchZProbe = false; }
 
     bool Run()
     {
-        if (!m_App.MoveWorkZeroAll()) return false;
+        if (!m_Machine.m_Homing.MoveWorkZeroAll()) return false;
         m_bWatchZProbe = true;
         while (ProbeRow()) {
             m_Info.lstPoints.push_back(m_Row);
             if (!Lift()) return false;
             if (m_fY >= m_Info.fWidth) return true;
             m_fY = std::min(m_fY + m_Info.fXYStep, m_Info.fWidth);
-            if (!m_App.EngMoveAxisAbs(Y_AXIS, m_fY, true) || !Probe()) return false;
-            m_Node.y = m_App.GetCurPos(Y_AXIS);
-            m_Node.z = m_App.GetCurPos(Z_AXIS);
+            if (!m_Machine.m_AxisCommands.EngMoveAxisAbs(Y_AXIS, m_fY, true) || !Probe()) return false;
+            m_Node.y = m_Machine.m_Position.GetCurPos(Y_AXIS);
+            m_Node.z = m_Machine.m_Position.GetCurPos(Z_AXIS);
             m_fStep = -m_fStep;
             m_Row.clear();
         }
@@ -66,21 +60,21 @@ private:
             m_fX += m_fStep;
             if (m_fX > m_Info.fLength) m_fX = m_Info.fLength;   // the far border is always measured
             if (m_fX < 0.0) m_fX = 0.0;
-            if (!Lift() || !m_App.EngMoveAxisAbs(X_AXIS, m_fX, true) || !Probe()) return false;
-            m_Node.x = m_App.GetCurPos(X_AXIS);
-            m_Node.z = m_App.GetCurPos(Z_AXIS);
+            if (!Lift() || !m_Machine.m_AxisCommands.EngMoveAxisAbs(X_AXIS, m_fX, true) || !Probe()) return false;
+            m_Node.x = m_Machine.m_Position.GetCurPos(X_AXIS);
+            m_Node.z = m_Machine.m_Position.GetCurPos(Z_AXIS);
         }
     }
 
     bool Lift()
     {
         m_bWatchZProbe = false;
-        return m_App.EngMoveAxisAbs(Z_AXIS, m_fSafe, true);
+        return m_Machine.m_AxisCommands.EngMoveAxisAbs(Z_AXIS, m_fSafe, true);
     }
     bool Probe()
     {
         m_bWatchZProbe = true;
-        return m_App.EngMoveAxisRel(Z_AXIS, -m_Info.fZRange, true);
+        return m_Machine.m_AxisCommands.EngMoveAxisRel(Z_AXIS, -m_Info.fZRange, true);
     }
 
     // The operator may change the speed during the measurement.
@@ -89,11 +83,11 @@ private:
         const double fPercent = XYFeedPercent();
         if (!(std::abs(fPercent - m_fPercent) > SMALL_NUMBER_TO_AVOID_ROUND_ERRORS)) return;
         for (int axis = X_AXIS; axis <= Z_AXIS; ++axis)
-            m_App.m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
+            m_Machine.m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
         m_fPercent = fPercent;
     }
 
-    AppControl& m_App;
+    CMachine& m_Machine;
     CShared<bool>& m_bWatchZProbe;
     stZProfileInfo& m_Info = AppConfig::m_ZProfileInfo;
     const double m_fSafe = m_Info.fZRange / 2.0;   // height of travel between the nodes
@@ -104,14 +98,13 @@ private:
 };
 }   // namespace
 
-void AppControl::CreateZProfile()
+void CSurfaceProbe::CreateZProfile()
 {
-    if (!CheckProfileSettings(*this)) return;
+    if (const QString strWhy = WhyNotMeasured(); !strWhy.isEmpty()) return m_Machine.PushErrMsg(strWhy);
     auto& grid = AppConfig::m_ZProfileInfo.lstPoints;
     if (!grid.empty())   // wanted: only loading a file replaces a grid
-        COperatorScreen::Get().AddLogMsg(
-            QStringLiteral("New Z-Profile rows are added behind the old ones, which stay in force"), MSG_NOTICE);
-    if (!CSurfaceWalk(*this).Run()) return;
+        TellNotice(QStringLiteral("New Z-Profile rows are added behind the old ones, which stay in force"));
+    if (!CSurfaceWalk(m_Machine).Run()) return;
 
     if (grid.size() <= 1 || grid.front().size() <= 1) grid.clear();   // no cell to look up a height in
     const double fOffset = AppConfig::m_ZProfileInfo.fZStart;

@@ -1,62 +1,53 @@
+#include "jobs/Carver.h"
+
 #include "carving/CarvingToGCode.h"
 #include "carving/CarvingWalk.h"
-#include "control/AppControl.h"
+#include "common/OperatorScreen.h"
+#include "common/UnitConverter.h"
+#include "config/AppConfig.h"
 #include "motion/AllAxisCtrl.h"
 
 #include <QFile>
 
 #include <new>
 
-// A relief out of a picture: carved on the worker, or written as a program.
-
 // Of an export, beside its target, so that it can take its place.
 static const QString PART = QStringLiteral(".part");
 
-void AppControl::StartImgCarving()
-{
-    if (!ClaimForJob()) return;
-    if (const QString strWhy = WhyNotStarted(m_stImgCarvingData); !strWhy.isEmpty()) return PushErrMsg(strWhy);
-    LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode);
-}
-
-void AppControl::GetMinMaxValue(QImage& img, unsigned char& iMin, unsigned char& iMax)
-{
-    FindGreyLevels(img, iMin, iMax);
-}
-
-void AppControl::CreateImgZProfile()
+void CCarver::CreateImgZProfile()
 {
     stImgZProfileInfo map;
     MakeDepthMap(*m_stImgCarvingData.pImage, m_stImgCarvingData.pInfo->fDepth, map);
     CreateCarvingZProfile(&map);
 }
 
-void AppControl::CreateCarvingZProfile(stImgZProfileInfo* pMap)
+void CCarver::CreateCarvingZProfile(stImgZProfileInfo* pMap)
 {
     MakeCarvingGrid(*pMap, *m_stImgCarvingData.pInfo);
 }
 
-// The other axes keep their present positions in every target.
-class AppControl::CCarver
+namespace {
+// Does on the machine what the walk over the grid says. The other axes keep their present positions in every target.
+class CCarvingTool
 {
 public:
-    explicit CCarver(AppControl& app) : m_App(app) {}
+    CCarvingTool(CMachine& machine, CShared<quint16>& iCurRow) : m_Machine(machine), m_iCurRow(iCurRow) {}
 
     bool Open(double fX, double fY)
     {
-        return Rapid(Z_AXIS, SafeHeight()) && Rapid(X_AXIS, fX) && Rapid(Y_AXIS, fY) && Rapid(Z_AXIS, 0.0);
+        return Rapid(Z_AXIS, CPosition::SafeHeight()) && Rapid(X_AXIS, fX) && Rapid(Y_AXIS, fY) && Rapid(Z_AXIS, 0.0);
     }
-    void BeginRow(quint16 uImageRow) { m_App.m_iCurCarvingRow = uImageRow; }
-    double Height() const { return m_App.GetCurPos(Z_AXIS); }
+    void BeginRow(quint16 uImageRow) { m_iCurRow = uImageRow; }
+    double Height() const { return m_Machine.m_Position.GetCurPos(Z_AXIS); }
     void BeginLevel() { CAllAxisCtrl::WaitForMotion(); }
     bool Plunge(double fZ)
     {
-        m_App.SetVelocityAcc(Z_AXIS, AppConfig::m_fPlungeFeed, AppConfig::m_fAxisAcc[Z_AXIS]);
-        if (!m_App.G01_Move(m_App.HereBut(Z_AXIS, fZ), false, true)) return false;
-        m_App.GetAllAxisCurPos(m_Last);
+        m_Machine.m_AxisCommands.SetVelocityAcc(Z_AXIS, AppConfig::m_fPlungeFeed, AppConfig::m_fAxisAcc[Z_AXIS]);
+        if (!m_Machine.m_JobMoves.G01_Move(m_Machine.m_Position.HereBut(Z_AXIS, fZ), false, true)) return false;
+        m_Machine.m_Position.GetAllAxisCurPos(m_Last);
         return true;
     }
-    bool MayGoOn() { return m_App.WaitWhilePaused(); }
+    bool MayGoOn() { return m_Machine.WaitWhilePaused(); }
     double LastX() const { return m_Last.x; }
     bool AlongX(double fX) { return Raster(fX, m_Last.z); }
     bool AlongZ(double fZ) { return Raster(m_Last.x, fZ); }
@@ -64,58 +55,68 @@ public:
     bool EndRow() { return Feed(Z_AXIS, 0.0); }
     bool StepY(double fStep)
     {
-        const qint64 lY = m_App.m_AxisCtrl[Y_AXIS].GetCurPosLong();
+        const qint64 lY = m_Machine.m_AxisCtrl[Y_AXIS].GetCurPosLong();
         return GoToY(CUnitConverter::GetDouble(static_cast<long long>(lY - CUnitConverter::GetLong(fStep))));
     }
     bool GoToY(double fY) { return Feed(Y_AXIS, fY); }
     void End() { CAllAxisCtrl::WaitForMotion(); }
 
 private:
-    bool Rapid(eAxis axis, double fPos) { return m_App.G00_Move(m_App.HereBut(axis, fPos), true, true); }
-    bool Feed(eAxis axis, double fPos) { return m_App.G01_Move(m_App.HereBut(axis, fPos), true, true); }
+    bool Rapid(eAxis axis, double fPos) { return m_Machine.m_JobMoves.MoveAxis(axis, fPos, G00_MOVE); }
+    bool Feed(eAxis axis, double fPos) { return m_Machine.m_JobMoves.MoveAxis(axis, fPos, G01_MOVE); }
     // Prepared while the move before it runs, and not waited for.
     bool Raster(double fX, double fZ)
     {
         stFloatPoint target = m_Last;
         target.x = fX;
         target.z = fZ;
-        m_App.SetAccAndVel(m_Last, target, G01_MOVE);
-        if (!m_App.G01_Move(target, false, false)) return false;
+        if (!m_Machine.m_JobMoves.Cut(m_Last, target)) return false;
         m_Last = target;
         return true;
     }
 
-    AppControl& m_App;
+    CMachine& m_Machine;
+    CShared<quint16>& m_iCurRow;
     stFloatPoint m_Last;
 };
+}   // namespace
 
-bool AppControl::ImgCarving()
+// ---- Carving --------------------------------------------------------------------------------------------------------
+
+bool CCarver::ImgCarving()
 {
-    CreateImgZProfile();
-    ResetAccVel();
-    CCarver carver(*this);
-    return CCarvingWalk(*m_stImgCarvingData.pInfo, carver).Run();
+    return m_Machine.Watched([] { return stWorkCommand{.eKind = WORK_CARVING_PASS}; }, [&] { return CarvePass(); });
 }
 
-void AppControl::RunImgCarving()
+bool CCarver::CarvePass()
+{
+    CreateImgZProfile();
+    m_Machine.m_AxisCommands.ResetAccVel();
+    CCarvingTool tool(m_Machine, m_iCurCarvingRow);
+    return CCarvingWalk(*m_stImgCarvingData.pInfo, tool).Run();
+}
+
+void CCarver::RunImgCarving()
 {
     RunCarvingPasses(*m_stImgCarvingData.pInfo, AppConfig::m_bMultipassImgCarving, [this] { return ImgCarving(); });
 }
 
-bool AppControl::AppendImage(const QString& strFile, QString& strWhy)
+// ---- As a program ---------------------------------------------------------------------------------------------------
+
+bool CCarver::AppendImage(const QString& strFile, QString& strWhy)
 {
     CreateImgZProfile();
     const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
-    return AppendCarvingPass(strFile, *m_stImgCarvingData.pInfo, SafeHeight(), fnOnRow, strWhy);
+    return AppendCarvingPass(strFile, *m_stImgCarvingData.pInfo, CPosition::SafeHeight(), fnOnRow, strWhy);
 }
 
-bool AppControl::WriteImageToGCodeFile(QString strFile)
+bool CCarver::WriteImageToGCodeFile(QString strFile)
 {
     QString strWhy;
     return AppendImage(strFile, strWhy);
 }
 
-bool AppControl::ExportImage(const QString& strFile, QString& strWhy)
+bool CCarver::ExportImage(const QString& strFile, QString& strWhy)
 {
     stImgCarvingInfo& info = *m_stImgCarvingData.pInfo;
     strWhy = WhyNotCarved(m_stImgCarvingData);
@@ -131,7 +132,7 @@ bool AppControl::ExportImage(const QString& strFile, QString& strWhy)
     return false;
 }
 
-bool AppControl::CreateGCodeFromImage(QString strFile)
+bool CCarver::CreateGCodeFromImage(QString strFile)
 {
     QString strWhy;
     try {

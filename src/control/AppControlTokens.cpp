@@ -1,7 +1,0 @@
-#include "control/AppControl.h"
-#include "gcode/GCodeTokens.h"
-
-GCodeTokens AppControl::Parse_GCode_Line(const QString& strLine)
-{
-    return TokenizeToolLine(strLine);
-}

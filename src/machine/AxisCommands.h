@@ -1,0 +1,48 @@
+#pragma once
+#include "machine/Handshake.h"
+#include "machine/Messages.h"
+#include "machine/WorkObserver.h"
+#include "motion/MachineAxes.h"
+
+// Commands to single axes, and the waits for them. mm and mm/s. False: refused or stopped; a refusal has been told.
+class CAxisCommands
+{
+public:
+    CAxisCommands(CMachineAxes& axes, CMessages& messages, const CHandshake& handshake, const CWatchedWork& watched)
+        : m_Axes(axes), m_Messages(messages), m_Handshake(handshake), m_Watched(watched)
+    {
+    }
+
+    // ---- Any thread ----
+    bool IsMachineIdle() const;
+    QString GetAxisErrMsg(eAxis axis) const { return m_Axes.m_AxisCtrl[axis].GetErrorMsg(); }
+    void Stop(eAxis axis) { m_Axes.m_AxisCtrl[axis].Stop(); }
+    void StopAxes();
+    void DeccelerateAxis(eAxis axis) { m_Axes.m_AxisCtrl[axis].DeccelerateAxis(); }
+
+    // ---- The thread that commands ----
+    bool MoveAbs(eAxis axis, double fPos);
+    bool MoveRel(eAxis axis, double fDist);
+    void JogPos(eAxis axis);
+    void JogNeg(eAxis axis);
+    bool MoveAxisHome(eAxis axis, bool bWait);
+    bool MoveWorkZero(eAxis axis, bool bWait);
+    // Not behind a stop. Worker.
+    bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait);
+    bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait);
+    // A refused table marks its axis, and the move that needs it fails with the reason.
+    void SetVelocityAcc(eAxis axis, double fVel, double fAcc);
+    void ResetAccVel();   // all axes to their working feeds
+    // Of the axes that are marked, at most five minutes.
+    bool WaitForMotionFinish(const signed char* pSelection);
+
+private:
+    bool PushRefusal(eAxis axis, bool bAccepted);
+    bool WaitForAxis(eAxis axis);
+    bool IsAnyMoving(const signed char* pSelection) const;
+
+    CMachineAxes& m_Axes;
+    CMessages& m_Messages;
+    const CHandshake& m_Handshake;
+    const CWatchedWork& m_Watched;
+};

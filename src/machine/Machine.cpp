@@ -1,0 +1,29 @@
+#include "machine/Machine.h"
+
+#include "motion/AllAxisCtrl.h"
+
+CMachine::CMachine()
+{
+    // All five, also where SetUpAxes sets up three: a settings screen rebuilds every axis, each from its own values.
+    for (int axis = 0; axis < MAX_AXES; ++axis) m_AxisCtrl[axis].m_sAxis = static_cast<qint16>(axis);
+}
+
+void CMachine::SetUpAxes()
+{
+    m_iAxesSetUp = AxesInUse();
+    for (int axis = 0; axis < m_iAxesSetUp; ++axis) {
+        AxisCtrl& ctrl = m_AxisCtrl[axis];
+        ctrl.m_sAxis = static_cast<qint16>(axis);
+        ctrl.ConfigAxis();
+        ctrl.SetWorkZero();
+        if (const QString strWhy = ctrl.GetBuildError(); !strWhy.isEmpty()) PushErrMsg(strWhy);
+    }
+}
+
+void CMachine::StopAll()
+{
+    Abandon();
+    CAllAxisCtrl::StopAutoMode();
+    CAllAxisCtrl::WaitForAutoModeEnd();
+    m_AxisCommands.StopAxes();
+}
