@@ -237,7 +237,7 @@ Exec::eNext Exec::MWord()
 Exec::eNext Exec::ProgramStop()
 {
     m_Machine.RequestStart();
-    CWait::SleepUs(BUTTON_PAUSE_US);
+    (void)m_Machine.SleepUnlessStopped(BUTTON_PAUSE_US);
     return eNext::WORD;
 }
 
@@ -255,7 +255,7 @@ Exec::eNext Exec::SpindleOff()
 Exec::eNext Exec::CoolantOn()
 {
     WriteMCodeOutput(m_iNumber, 1);
-    CWait::SleepUs(OUTPUT_PAUSE_US);
+    (void)m_Machine.SleepUnlessStopped(OUTPUT_PAUSE_US);
     return eNext::WORD;
 }
 
@@ -275,7 +275,7 @@ Exec::eNext Exec::Output80Off()
 Exec::eNext Exec::Output80On()
 {
     WriteMCodeOutput(80, 1);
-    CWait::SleepUs(OUTPUT_PAUSE_US);
+    (void)m_Machine.SleepUnlessStopped(OUTPUT_PAUSE_US);
     return eNext::WORD;
 }
 

@@ -16,6 +16,7 @@ void CMachine::SetUpAxes()
         ctrl.m_sAxis = static_cast<qint16>(axis);
         ctrl.ConfigAxis();
         ctrl.SetWorkZero();
+        ctrl.PutDirection();   // the pins have just been set up
         if (const QString strWhy = ctrl.GetBuildError(); !strWhy.isEmpty()) PushErrMsg(strWhy);
     }
 }
@@ -23,6 +24,7 @@ void CMachine::SetUpAxes()
 void CMachine::StopAll()
 {
     Abandon();
+    m_AxisCommands.RequestStop();   // all at once: none goes on while another is waited for
     CAllAxisCtrl::StopAutoMode();
     CAllAxisCtrl::WaitForAutoModeEnd();
     m_AxisCommands.StopAxes();
