@@ -3,6 +3,7 @@
 //   cmake --build build --target window_tick && QT_QPA_PLATFORM=offscreen build/bin/window_tick
 #include "common/Paths.h"
 #include "config/AppConfig.h"
+#include "gcode/GCodeEditor.h"
 #include "platform/virtual/VirtualPins.h"
 #include "widgets/Look.h"
 #include "window/MainWindow.h"
@@ -56,7 +57,7 @@ struct stRunningWindow
     ~stRunningWindow()
     {
         pWindow.reset();
-        CGCodeStore::ClearProgram();
+        CGCodeEditor::Clear().waitForFinished();
     }
     QTemporaryDir folder;
     std::unique_ptr<MainWindow> pWindow;

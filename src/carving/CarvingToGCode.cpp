@@ -1,12 +1,12 @@
 #include "carving/CarvingToGCode.h"
 
 #include "carving/CarvingWalk.h"
+#include "common/FileWriter.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
 
-#include <filesystem>
+#include <new>
 #include <utility>
 
 namespace {
@@ -20,7 +20,7 @@ QString Number(double fValue)
 class CCarvingWriter
 {
 public:
-    CCarvingWriter(QFile& file, double fSafeHeight, const std::function<void(quint16)>& fnOnRow)
+    CCarvingWriter(QFileDevice& file, double fSafeHeight, const std::function<void(quint16)>& fnOnRow)
         : m_Stream(&file), m_fSafeHeight(fSafeHeight), m_fnOnRow(fnOnRow)
     {
     }
@@ -72,26 +72,15 @@ private:
     stFloatPoint m_Last;
 };
 
-// Whether all that was written is in the file.
-bool IsWhole(QFile& file, bool bTaken, QString& strWhy)
-{
-    if (file.flush() && bTaken) return true;
-    strWhy = file.errorString();
-    return false;
-}
-}   // namespace
-
 // A line end in a folder's name must not begin a line of the program.
-static QString OneLine(QString strText)
+QString OneLine(QString strText)
 {
     return strText.replace(QLatin1Char('\n'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
 }
 
-bool WriteCarvingHeader(const QString& strFile, const stImgCarvingInfo& info, QString& strWhy)
+// Of the record as the operator has set it.
+bool WriteHeader(QFileDevice& file, const stImgCarvingInfo& info)
 {
-    QFile file(strFile);
-    file.remove();
-    if (!file.open(QIODevice::ReadWrite)) return false;
     QTextStream stream(&file);
     stream << GCODE_ORIGIN << "(Image Path:" << OneLine(AppConfig::m_strLastFolderPath) << ")\n";
     const std::pair<const char*, double> lengths[] = {{"Length", info.fLength}, {"Width", info.fWidth},
@@ -101,30 +90,46 @@ bool WriteCarvingHeader(const QString& strFile, const stImgCarvingInfo& info, QS
     stream << "(Carving Type:" << (info.iCarvingType == CARVING_3D ? "3D" : "2.5D") << " Carving)\n"
            << "(End-Mill Diameter:" << Number(AppConfig::m_fEndMillDia) << ")\n\nG21 G90\n";
     stream.flush();
-    return IsWhole(file, stream.status() == QTextStream::Ok, strWhy);
+    return stream.status() == QTextStream::Ok;
+}
+}   // namespace
+
+bool WriteCarvingPass(QFileDevice& file, const stImgCarvingInfo& info, double fSafeHeight,
+                      const std::function<void(quint16)>& fnOnRow)
+{
+    CCarvingWriter writer(file, fSafeHeight, fnOnRow);
+    return CCarvingWalk(info, writer).Run() && writer.IsGood() && file.flush();
 }
 
-bool AppendCarvingPass(const QString& strFile, const stImgCarvingInfo& info, double fSafeHeight,
+static bool WriteWhole(const QString& strFile, stImgCarvingData& data, double fSafeHeight,
                        const std::function<void(quint16)>& fnOnRow, QString& strWhy)
 {
-    QFile file(strFile);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) return false;
-    CCarvingWriter writer(file, fSafeHeight, fnOnRow);
-    const bool bTaken = CCarvingWalk(info, writer).Run() && writer.IsGood();
-    return IsWhole(file, bTaken, strWhy);
+    CFileWriter file(strFile);
+    const auto WritePass = [&] {
+        stImgZProfileInfo map;
+        MakeDepthMap(*data.pImage, data.pInfo->fDepth, map);
+        MakeCarvingGrid(map, *data.pInfo);
+        return WriteCarvingPass(file, *data.pInfo, fSafeHeight, fnOnRow);
+    };
+    bool bWhole = file.Open();
+    if (!bWhole && !QFileInfo::exists(strFile)) return false;
+    bWhole = bWhole && WriteHeader(file, *data.pInfo);
+    if (bWhole) RunCarvingPasses(*data.pInfo, AppConfig::m_bMultipassImgCarving, [&] { return bWhole = WritePass(); });
+    if (bWhole && file.Commit()) return true;
+    if (!bWhole && file.isOpen()) (void)file.flush();   // asks the disk once more why not: the stream's end forgets it
+    strWhy = QStringLiteral("%1 was not written: %2").arg(strFile, file.errorString());
+    return false;
 }
 
-bool PutInPlace(const QString& strWhole, const QString& strFile, QString& strWhy)
+bool ExportCarving(const QString& strFile, stImgCarvingData& data, double fSafeHeight,
+                   const std::function<void(quint16)>& fnOnRow, QString& strWhy)
 {
-    const QFileInfo target(strFile);
-    const QString strTarget = target.exists() ? target.canonicalFilePath() : strFile;   // a link stays one
-    std::error_code error;
-    if (!target.exists() || target.isFile())
-        std::filesystem::rename(strWhole.toStdString(), strTarget.toStdString(), error);
-    else
-        error = std::make_error_code(std::errc::not_supported);   // a folder or a device must not go
-    if (!error) return true;
-    QFile::remove(strWhole);
-    strWhy = QString::fromStdString(error.message());
-    return false;
+    strWhy = WhyNotCarved(data);
+    if (!strWhy.isEmpty()) return false;
+    try {
+        return WriteWhole(strFile, data, fSafeHeight, fnOnRow, strWhy);
+    } catch (const std::bad_alloc&) {
+        strWhy = QStringLiteral("Image is too large for the memory of this computer");
+        return false;
+    }
 }

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 static QString& Root()
@@ -52,11 +51,4 @@ QString CPaths::Establish()
                       QStringLiteral("/vantor"));
     QDir().mkpath(Map(WORKING_FOLDER));
     return HomeFolder();
-}
-
-bool ReplaceFile(const QString& strPath, const QByteArray& content)
-{
-    QSaveFile file(strPath);
-    // A commit does not notice that a buffer could not be emptied: it would put a part in the old file's place.
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush() && file.commit();
 }

@@ -22,7 +22,3 @@ public:
     // Creates it and its working folder; the result is the home folder in force.
     static QString Establish();
 };
-
-// Writes strContent-sized data beside the file and renames it into place, so that a crash leaves the old file or the
-// new one, never a part. False where the disk refuses; the old file then stands.
-bool ReplaceFile(const QString& strPath, const QByteArray& content);

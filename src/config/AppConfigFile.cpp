@@ -1,3 +1,4 @@
+#include "common/FileWriter.h"
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
 #include "config/AppConfig.h"

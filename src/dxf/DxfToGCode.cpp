@@ -1,12 +1,15 @@
 #include "dxf/DxfToGCode.h"
 
+#include "common/FileWriter.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <streambuf>
 
 static constexpr double JOIN_TOLERANCE = 1e-05;   // mm
 static constexpr double NO_VALUE = 1e300;         // no coordinate yet
@@ -72,30 +75,28 @@ static void EmitProgram(std::ostream& out, const std::vector<Path>& lstPaths, co
 // ---- Conversion -----------------------------------------------------------------------------------------------------
 
 namespace {
-// A file that gets its name when it is complete, and leaves nothing behind if it never is.
-class CWholeFile
+// What a stream writes goes to a device, in large pieces.
+class CDeviceBuffer : public std::streambuf
 {
 public:
-    explicit CWholeFile(const std::string& strName) : m_strName(strName), m_Stream(m_strPart) {}
-    ~CWholeFile()
-    {
-        if (!m_bNamed && m_Stream.is_open()) std::remove(m_strPart.c_str());
-    }
-    CWholeFile(const CWholeFile&) = delete;
-    CWholeFile& operator=(const CWholeFile&) = delete;
+    explicit CDeviceBuffer(QIODevice& device) : m_Device(device) { setp(m_lst.data(), m_lst.data() + m_lst.size()); }
 
-    std::ofstream& Stream() { return m_Stream; }
-    bool Complete()
+protected:
+    int_type overflow(int_type c) override
     {
-        m_Stream.flush();
-        return m_Stream.good();
+        if (sync() != 0) return traits_type::eof();
+        return traits_type::eq_int_type(c, traits_type::eof()) ? 0 : sputc(traits_type::to_char_type(c));
     }
-    bool TakeName() { return m_bNamed = std::rename(m_strPart.c_str(), m_strName.c_str()) == 0; }
+    int sync() override
+    {
+        const qint64 lSize = pptr() - pbase();
+        setp(m_lst.data(), m_lst.data() + m_lst.size());
+        return m_Device.write(m_lst.data(), lSize) == lSize ? 0 : -1;
+    }
 
 private:
-    const std::string m_strName, m_strPart = m_strName + ".part";
-    std::ofstream m_Stream;
-    bool m_bNamed = false;
+    QIODevice& m_Device;
+    std::array<char, 1 << 14> m_lst;
 };
 }   // namespace
 
@@ -133,11 +134,12 @@ std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput
     if (fLines * PassesOf(settings.fStepDown, settings.fTotalDepth) > MAX_LINES)
         return "Too many passes for this drawing.";
 
-    CWholeFile output(strOutput);
-    if (!output.Stream()) return "Cannot open output file: " + strOutput;
-    EmitProgram(output.Stream(), lstPaths, settings, LowestOf(lstSegs));
-    if (!output.Complete()) return "Cannot write output file: " + strOutput;
-    if (!output.TakeName()) return "Cannot open output file: " + strOutput;
+    CFileWriter file(QFile::decodeName(strOutput.c_str()));
+    if (!file.Open()) return "Cannot open output file: " + strOutput;
+    CDeviceBuffer buffer(file);
+    std::ostream output(&buffer);
+    EmitProgram(output, lstPaths, settings, LowestOf(lstSegs));
+    if (!output.flush() || !file.Commit()) return "Cannot write output file: " + strOutput;
     return {};
 }
 

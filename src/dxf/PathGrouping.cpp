@@ -60,12 +60,12 @@ private:
         int iCount = 0;
     };
 
-    // + 0.0: the cells of 0 and -0 are one.
-    // Beyond what the quotient can hold only equal points are near, and each is a cell of its own.
+    // Beyond what the quotient can hold only equal points are near, and each is a cell of its own; so it is for a
+    // tolerance of 0. + 0.0: the cells of 0 and -0 are one.
     double CellOf(double f) const
     {
-        const double fCell = std::floor(f / m_fCell) + 0.0;
-        return std::isfinite(fCell) ? fCell : f;
+        const double fCell = std::floor(f / m_fCell);
+        return (std::isfinite(fCell) ? fCell : f) + 0.0;
     }
     stSpan CellsAround(double f) const;
     const Point& End(size_t uEnd) const
@@ -76,7 +76,6 @@ private:
 
     const std::vector<RawSeg>& m_lstSegs;
     const double m_fTol, m_fReach, m_fCell;
-    bool m_bOneCell;   // a tolerance that no grid serves
     std::vector<bool> m_lstUsed;
     // A list of ends for each cell, in ascending order; end 2n is the start of segment n, 2n + 1 its end.
     std::unordered_map<stCell, size_t, stHash> m_Cells;
@@ -85,22 +84,19 @@ private:
 
 CEndIndex::CEndIndex(const std::vector<RawSeg>& lstSegs, double fTol)
     : m_lstSegs(lstSegs), m_fTol(fTol), m_fReach(2.0 * std::abs(fTol)), m_fCell(8.0 * std::abs(fTol)),
-      m_bOneCell(!(std::abs(fTol) >= 1e-100 && std::abs(fTol) <= 1e100)), m_lstUsed(lstSegs.size(), false),
-      m_lstNext(2 * lstSegs.size(), NONE)
+      m_lstUsed(lstSegs.size(), false), m_lstNext(2 * lstSegs.size(), NONE)
 {
-    m_Cells.reserve(m_bOneCell ? 1 : 2 * lstSegs.size());
+    m_Cells.reserve(2 * lstSegs.size());
     for (size_t uEnd = m_lstNext.size(); uEnd-- > 0;) {
         const Point& point = End(uEnd);
-        if (!m_bOneCell && !(std::isfinite(point.x) && std::isfinite(point.y))) continue;   // near nothing
-        const stCell cell = m_bOneCell ? stCell{0, 0} : stCell{CellOf(point.x), CellOf(point.y)};
-        size_t& uFirst = m_Cells.try_emplace(cell, NONE).first->second;
+        if (!std::isfinite(point.x) || !std::isfinite(point.y)) continue;   // near nothing
+        size_t& uFirst = m_Cells.try_emplace({CellOf(point.x), CellOf(point.y)}, NONE).first->second;
         m_lstNext[uEnd] = std::exchange(uFirst, uEnd);
     }
 }
 
 CEndIndex::stSpan CEndIndex::CellsAround(double f) const
 {
-    if (m_bOneCell) return {{0}, 1};
     stSpan span;
     for (const double fCell : {CellOf(f - m_fReach), CellOf(f), CellOf(f + m_fReach)})
         if (span.iCount == 0 || fCell != span.lst[span.iCount - 1]) span.lst[span.iCount++] = fCell;
@@ -126,7 +122,7 @@ size_t CEndIndex::LowestIn(size_t& uFirst, const Point& point, size_t uBelow)
 size_t CEndIndex::LowestNear(const Point& point)
 {
     size_t uLowest = NONE;
-    if (!m_bOneCell && !(std::isfinite(point.x) && std::isfinite(point.y))) return uLowest;
+    if (!std::isfinite(point.x) || !std::isfinite(point.y)) return uLowest;
     const stSpan columns = CellsAround(point.x), rows = CellsAround(point.y);
     for (int c = 0; c < columns.iCount; ++c)
         for (int r = 0; r < rows.iCount; ++r) {

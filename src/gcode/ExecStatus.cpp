@@ -1,5 +1,6 @@
 #include "gcode/ExecStatus.h"
 
+#include "common/FileWriter.h"
 #include "common/Paths.h"
 
 #include <QDataStream>

@@ -1,5 +1,6 @@
 #include "gcode/GCodeEditor.h"
 
+#include "common/Refusals.h"
 #include "gcode/GCodeStore.h"
 
 #include <QStringList>
@@ -43,7 +44,7 @@ QString CGCodeEditor::WhyBusy(bool bTaskRuns, bool bProgramRuns)
     if (Store::m_bGCodeLoading) return QStringLiteral("G-Code Loading. Please wait!");
     if (Store::m_bGCodeCompiling || Store::m_bProgramExchanged || bTaskRuns)
         return QStringLiteral("G-Code Compiling. Please wait!");
-    if (bProgramRuns) return QStringLiteral("Machine in use");
+    if (bProgramRuns) return MACHINE_IN_USE;
     return {};
 }
 

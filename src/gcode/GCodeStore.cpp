@@ -1,12 +1,12 @@
 #include "gcode/GCodeStore.h"
 
+#include "common/FileWriter.h"
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
 #include "gcode/GCodeCompiler.h"
 
 #include <QFile>
 #include <QObject>
-#include <QSaveFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -140,21 +140,13 @@ QString CGCodeStore::SaveFileName(const QString& strName)
 
 bool CGCodeStore::WriteProgram(const QString& strPath, bool* pOpened)
 {
-    QSaveFile file(strPath);
-    const bool bOpened = file.open(QIODevice::WriteOnly);
+    CFileWriter file(strPath);
+    const bool bOpened = file.Open();
     if (pOpened) *pOpened = bOpened;
     if (!bOpened) return false;
     for (const QString& strLine : m_lstOfGCodeLines) {
         const QByteArray line = strLine.toUtf8() + '\n';
         if (file.write(line) != line.size()) return false;
     }
-    // A commit does not notice that the buffer could not be emptied.
-    return file.flush() && file.commit();
-}
-
-void CGCodeStore::ClearProgram()
-{
-    m_lstOfGCodeLines = {};
-    m_lstOfGCodeCmds = {};
-    m_CompilationErrors.clear();
+    return file.Commit();
 }

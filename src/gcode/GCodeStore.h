@@ -44,7 +44,6 @@ public:
     // Writes the text, "\n" behind every line: the file is the old one or the whole new one. False where the disk
     // refuses; pOpened, if given, tells whether it let the file be opened.
     static bool WriteProgram(const QString& strPath, bool* pOpened = nullptr);
-    static void ClearProgram();
 
 private:
     // A T word: the tool-change file of that name is compiled in the program's place.

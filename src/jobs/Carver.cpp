@@ -9,11 +9,6 @@
 
 #include <QFile>
 
-#include <new>
-
-// Of an export, beside its target, so that it can take its place.
-static const QString PART = QStringLiteral(".part");
-
 void CCarver::CreateImgZProfile()
 {
     stImgZProfileInfo map;
@@ -103,44 +98,20 @@ void CCarver::RunImgCarving()
 
 // ---- As a program ---------------------------------------------------------------------------------------------------
 
-bool CCarver::AppendImage(const QString& strFile, QString& strWhy)
-{
-    CreateImgZProfile();
-    const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
-    return AppendCarvingPass(strFile, *m_stImgCarvingData.pInfo, CPosition::SafeHeight(), fnOnRow, strWhy);
-}
-
 bool CCarver::WriteImageToGCodeFile(QString strFile)
 {
-    QString strWhy;
-    return AppendImage(strFile, strWhy);
-}
-
-bool CCarver::ExportImage(const QString& strFile, QString& strWhy)
-{
-    stImgCarvingInfo& info = *m_stImgCarvingData.pInfo;
-    strWhy = WhyNotCarved(m_stImgCarvingData);
-    if (!strWhy.isEmpty()) return false;
-    const QString strPart = strFile + PART;
-    bool bWhole = WriteCarvingHeader(strPart, info, strWhy);
-    if (bWhole)
-        RunCarvingPasses(info, AppConfig::m_bMultipassImgCarving,
-                         [&] { return bWhole = AppendImage(strPart, strWhy); });
-    if (bWhole && PutInPlace(strPart, strFile, strWhy)) return true;
-    QFile::remove(strPart);
-    if (!strWhy.isEmpty()) strWhy = QStringLiteral("%1 was not written: %2").arg(strFile, strWhy);
-    return false;
+    CreateImgZProfile();
+    QFile file(strFile);
+    const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
+    return file.open(QIODevice::WriteOnly | QIODevice::Append) &&
+           WriteCarvingPass(file, *m_stImgCarvingData.pInfo, CPosition::SafeHeight(), fnOnRow);
 }
 
 bool CCarver::CreateGCodeFromImage(QString strFile)
 {
     QString strWhy;
-    try {
-        if (ExportImage(strFile, strWhy)) return true;
-    } catch (const std::bad_alloc&) {
-        QFile::remove(strFile + PART);
-        strWhy = QStringLiteral("Image is too large for the memory of this computer");
-    }
+    const auto fnOnRow = [this](quint16 uRow) { m_iCurCarvingRow = uRow; };
+    if (ExportCarving(strFile, m_stImgCarvingData, CPosition::SafeHeight(), fnOnRow, strWhy)) return true;
     // A file that could not be made is no news here: wanted, the export ends and nothing is said.
     if (!strWhy.isEmpty()) COperatorScreen::Get().AddLogMsg(strWhy, MSG_ERROR);
     return false;

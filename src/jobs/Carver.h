@@ -26,8 +26,6 @@ public:
 
 private:
     bool CarvePass();
-    bool AppendImage(const QString& strFile, QString& strWhy);
-    bool ExportImage(const QString& strFile, QString& strWhy);
 
     CMachine& m_Machine;
 };

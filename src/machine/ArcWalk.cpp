@@ -91,23 +91,26 @@ bool WalkArc(const stArcShape& arc, std::vector<stArcPoint>& points, QString& st
                 .bFullCircle = arc.bFullCircle};
     if (!ClampEnd(arc, walk, strWhy)) return false;
 
-    size_t uPoints = 1;   // counted first: a refused chain takes no memory, a good one is allocated once
-    if (!Walk(walk, [&](double, int) { return ++uPoints <= MAX_ARC_POINTS; })) return false;
-    points.reserve(uPoints);
     const double fSquare = CUnitConverter::GetRndDouble(arc.fRadius * arc.fRadius);
     const double fTurn = Round4(center.fSecond);
-    Walk(walk, [&](double fFirst, int iDir) {
+    const bool bEnds = Walk(walk, [&](double fFirst, int iDir) {
         const double fOff = fFirst - center.fFirst;
         const double fSign = (iDir == 1) == (arc.eDir == DIR_CW) ? 1.0 : -1.0;
         points.push_back(
             {fFirst, iDir == 0 ? fTurn : Round4(fSign * std::sqrt(std::abs(fSquare - fOff * fOff)) + center.fSecond)});
-        return true;
+        return points.size() < MAX_ARC_POINTS;
     });
+    if (!bEnds) {
+        points = {};
+        return false;
+    }
     points.push_back({walk.fEnd, arc.end.fSecond});
     strWhy.clear();
     return true;
 }
 
+// By arithmetic and not by printing, which takes 0.5 us instead of 0.04: the machine stands while a chain is built, and
+// a circle may have 20 000 points.
 double Round4(double fValue)
 {
     if (fValue == 0.0) return 0.0;   // printed without its sign

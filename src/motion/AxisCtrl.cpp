@@ -226,6 +226,32 @@ bool AxisCtrl::Refuse(const QString& strWhy)
     return false;
 }
 
+bool AxisCtrl::RefuseBuild(const QString& strWhy)
+{
+    const QMutexLocker lock(&m_TextMutex);
+    m_strBuildErr = strWhy;
+    return strWhy.isEmpty();
+}
+
+bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
+{
+    const QMutexLocker lock(&m_Mutex);
+    const stRampSettings settings = stRampSettings::OfAxis(m_sAxis);
+    if (!RefuseBuild(WhyNoRamp(settings, fVel, fAcc))) return false;
+
+    const size_t t = 1u - m_ucCurTable;
+    m_fVel[t] = fVel;
+    m_Building.lstHigh.swap(m_lstHighTime[t]);
+    m_Building.lstLow.swap(m_lstLowTime[t]);
+    BuildRamp(settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
+    m_Building.lstHigh.swap(m_lstHighTime[t]);
+    m_Building.lstLow.swap(m_lstLowTime[t]);
+    m_fConstHighTime[t] = m_Building.fConstHigh;
+    m_fConstLowTime[t] = m_Building.fConstLow;
+    m_bNewTable = true;
+    return true;
+}
+
 AxisCtrl::stWay AxisCtrl::Way() const
 {
     const qint64 lDist = static_cast<qint64>(m_lCurPos) - m_lTargetPos;

@@ -2,6 +2,7 @@
 #include "common/MachineTypes.h"
 #include "common/Shared.h"
 #include "motion/PulseLoops.h"
+#include "motion/RampTable.h"
 #include "time/VirtualTime.h"
 
 #include <QElapsedTimer>
@@ -26,9 +27,7 @@ public:
     bool UpdateDutyCycle();
 
     // Builds the ramp tables of the inactive slot for fVel (mm/s) at fAcc (mm/s^2); the next move uses them. Any
-    // thread, also while the axis moves. A refusal changes nothing but the mark below. Refused: an acceleration, speed
-    // or (S-curve) rate of acceleration not above 0, a step below one position unit, a duty not inside 0 to 1, a
-    // sampling time of 0, a ramp of more than MAX_RAMP_ENTRIES.
+    // thread, also while the axis moves. A refusal (WhyNoRamp) changes nothing but the mark below.
     bool SetVelocityAcc(double fVel, double fAcc);
     // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked, and
     // so is one that needs a restart.
@@ -65,8 +64,7 @@ public:
     // not got there.
     void PutDirection();
 
-    static constexpr qint64 MAX_RAMP_ENTRIES = 4'000'000;   // 1.5 MHz at 600 mm/s^2 and 0.001 mm needs 1.9 million
-    static constexpr qint32 NO_LIMIT = 100'000'000;         // 10 m: moves that run until something ends them
+    static constexpr qint32 NO_LIMIT = 100'000'000;   // 10 m: moves that run until something ends them
 
     CShared<bool> m_bHoming = false;   // the loop watches the home sensor, limits are not checked
     qint16 m_sAxis = 0;
@@ -120,13 +118,7 @@ private:
     bool Refuse(const QString& strWhy);
     bool RefuseBuild(const QString& strWhy);
     stAxisRun MakeRun();
-
-    // The ramp of one slot.
-    struct stRampJob;
-    bool CheckRamp(double fVel, double fAcc);
-    void BuildTrapezoid(const stRampJob& job);
-    void BuildSCurve(const stRampJob& job);
-    std::vector<double> m_lstAcc;   // accelerations of the S-curve's first half, replayed in the second
+    stRampTable m_Building;   // gets the memory of a slot while that is built
 
     bool IsDue() const override { return m_bStartPending; }
     qint64 Run(qint64 lStart) override;

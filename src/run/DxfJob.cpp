@@ -1,7 +1,8 @@
 #include "run/DxfJob.h"
 
+#include "common/FileWriter.h"
+
 #include <QFile>
-#include <QSaveFile>
 
 #include <cmath>
 #include <stdexcept>
@@ -42,11 +43,11 @@ bool CDxfJob::Load(const stJobFile& file, QString& strWhy)
 bool CDxfJob::WriteGCode(const QString& strFile)
 {
     QFile program(m_strProgram);
-    QSaveFile file(strFile);
-    if (!program.open(QIODevice::ReadOnly) || !file.open(QIODevice::WriteOnly)) return false;
+    CFileWriter file(strFile);
+    if (!program.open(QIODevice::ReadOnly) || !file.Open()) return false;
     while (!program.atEnd()) {
         const QByteArray part = program.read(1 << 20);
         if (part.isEmpty() || file.write(part) != part.size()) return false;
     }
-    return file.commit();
+    return file.Commit();
 }

@@ -1,6 +1,6 @@
 #include "run/Runner.h"
 
-#include "common/Paths.h"
+#include "common/FileWriter.h"
 #include "config/AppConfig.h"
 #include "config/SettingsTable.h"
 #include "hardware/VantorGpio.h"
@@ -11,7 +11,6 @@
 #include "zprofile/ZProfileFile.h"
 
 #include <QDir>
-#include <QSaveFile>
 
 #include <cstdio>
 
@@ -310,8 +309,8 @@ stSummary CRunner::Summarize() const
 
 void CRunner::SavePicture(const QString& strPath, const QImage& image)
 {
-    QSaveFile file(strPath);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
+    CFileWriter file(strPath);
+    if (!file.Open() || !image.save(&file, "PNG") || !file.Commit())
         Fail(strPath + QStringLiteral(": cannot be written"));
 }
 

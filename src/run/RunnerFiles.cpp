@@ -5,7 +5,6 @@
 #include "zprofile/ZProfileFile.h"
 
 #include <QDir>
-#include <QSaveFile>
 
 #include <cerrno>
 #include <cstdio>

@@ -35,16 +35,13 @@ std::vector<ShapePath> TracePicture(const stPictureToTrace& picture)
     std::vector<cv::Point> references;
     for (const Contour& contour : contours) references.push_back(ReferencePoint(contour));
     const size_t uFirst = Leftmost(contours, references);
-    const stPixelsToMM conversion{picture.stImgOffset.x,
-                                  picture.stImgOffset.y,
-                                  0,
-                                  dark.rows,
-                                  picture.fShapeLength / dark.cols,
-                                  picture.fShapeWidth / dark.rows,
-                                  false};
+    const double fXScale = picture.fShapeLength / dark.cols, fYScale = picture.fShapeWidth / dark.rows;
+    const auto ToMM = [&](const cv::Point& pixel) -> stFloatPoint {
+        return {picture.stImgOffset.x + pixel.x * fXScale, picture.stImgOffset.y + (dark.rows - pixel.y) * fYScale};
+    };
     std::vector<ShapePath> lstPaths;
     for (const Contour& contour : OrderContours(std::move(contours), std::move(references), uFirst))
         if (contour.size() > picture.uMinVertices && contour.size() < picture.uMaxVertices)
-            lstPaths.push_back(ClosedPath(contour, conversion));
+            lstPaths.push_back(ClosedPath(contour, ToMM));
     return lstPaths;
 }

@@ -143,7 +143,5 @@ std::vector<ShapePath> CPocket::Rings(const ShapePath& outline)
 std::vector<ShapePath> MakePocketRings(const ShapePath& outline, const stDisplayScale& scale, double fEndMillDia)
 {
     if (outline.size() <= 2 || scale.size.isEmpty() || !(scale.fPixPerMM > 0.0)) return {};
-    ShapePath closed = outline;
-    if (Differ(closed.back(), closed.front())) closed.push_back(closed.front());
-    return CPocket(scale, fEndMillDia).Rings(closed);
+    return CPocket(scale, fEndMillDia).Rings(outline);
 }

@@ -68,10 +68,12 @@ std::vector<ShapePath> TraceText(const stTextToTrace& text, const stDisplayScale
 
     std::vector<cv::Point> centres;
     const size_t uFirst = Leftmost(contours, centres);
-    const stPixelsToMM conversion{text.stTextPos.x, text.stTextPos.y, scale.iMargin, ink.rows - scale.iMargin,
-                                  scale.fPixPerMM,  scale.fPixPerMM,  true};
+    const auto ToMM = [&](const cv::Point& pixel) -> stFloatPoint {
+        return {text.stTextPos.x + (pixel.x - scale.iMargin) / scale.fPixPerMM,
+                text.stTextPos.y + (ink.rows - scale.iMargin - pixel.y) / scale.fPixPerMM};
+    };
     std::vector<ShapePath> lstPaths;
     for (const Contour& contour : OrderContours(std::move(contours), std::move(centres), uFirst))
-        lstPaths.push_back(ClosedPath(contour, conversion));
+        lstPaths.push_back(ClosedPath(contour, ToMM));
     return lstPaths;
 }

@@ -1,9 +1,9 @@
 #include "shapes/WorkAreaFile.h"
 
+#include "common/FileWriter.h"
 #include "shapes/EllipsePath.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -179,9 +179,7 @@ bool SaveWorkArea(const QString& strFile, const stShapeCuttingInfo& info)
         if (!old.open(QIODevice::ReadWrite)) return false;
         if (old.seek(document.size())) tail = old.readAll();
     }
-    QSaveFile file(strFile);
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    return file.write(document) == document.size() && file.write(tail) == tail.size() && file.commit();
+    return ReplaceFile(strFile, document + tail);
 }
 
 bool LoadWorkArea(const QString& strFile, stShapeCuttingInfo& info, QStringList& lstNotices)

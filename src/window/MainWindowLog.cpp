@@ -1,3 +1,4 @@
+#include "common/FileWriter.h"
 #include "common/Paths.h"
 #include "widgets/ButtonStyle.h"
 #include "window/MainWindowUi.h"

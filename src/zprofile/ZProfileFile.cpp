@@ -1,6 +1,6 @@
 #include "zprofile/ZProfileFile.h"
 
-#include "common/Paths.h"
+#include "common/FileWriter.h"
 #include "config/AppConfig.h"
 
 #include <QFile>

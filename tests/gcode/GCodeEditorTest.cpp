@@ -13,7 +13,7 @@ class GCodeEditor : public CCleanMachine
 protected:
     static void Hold(const QStringList& lstLines)
     {
-        Store::ClearProgram();
+        ClearProgram();
         for (const QString& strLine : lstLines) {
             Store::m_lstOfGCodeLines.push_back(strLine);
             Store::m_lstOfGCodeCmds.push_back(Store::Parse_GCode_Line(strLine));

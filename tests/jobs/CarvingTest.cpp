@@ -74,7 +74,7 @@ TEST_F(CarvingProgram, MakesTheSameMovesAsCarving)
         const auto carved = std::exchange(m_App.m_lstTargets, {});
         uMoves += carved.size();
 
-        CGCodeStore::ClearProgram();
+        ClearProgram();
         for (const QString& strLine : strText.split('\n')) {
             CGCodeStore::m_lstOfGCodeLines.push_back(strLine);
             CGCodeStore::m_lstOfGCodeCmds.push_back(CGCodeStore::Parse_GCode_Line(strLine));

@@ -1,3 +1,4 @@
+#include "common/FileWriter.h"
 #include "common/Paths.h"
 #include "config/SettingsTable.h"
 #include "gcode/ExecStatus.h"

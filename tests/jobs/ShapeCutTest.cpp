@@ -72,7 +72,7 @@ protected:
     std::unique_ptr<CArcSpy> RunProgram()
     {
         Write();
-        CGCodeStore::ClearProgram();
+        ClearProgram();
         CGCodeStore::LoadGCode(m_Home.filePath("job.txt"), nullptr);
         CGCodeStore::m_CompilationErrors.clear();
         CGCodeStore::CompileGCode(nullptr);

@@ -58,6 +58,13 @@ const Restores& InitialValues()
 }
 }   // namespace
 
+void ClearProgram()
+{
+    CGCodeStore::m_lstOfGCodeLines = {};
+    CGCodeStore::m_lstOfGCodeCmds = {};
+    CGCodeStore::m_CompilationErrors.clear();
+}
+
 void ResetStatics()
 {
     for (const auto& fnRestore : InitialValues()) fnRestore();
@@ -66,7 +73,7 @@ void ResetStatics()
     CAllAxisCtrl::m_bStartMotion = false;
     CAllAxisCtrl::m_bAutoModeRunning = false;
     CAllAxisCtrl::m_lstAxisToMov = {};
-    CGCodeStore::ClearProgram();
+    ClearProgram();
     CGCodeStore::m_bGCodeLoading = false;
     CGCodeStore::m_bGCodeCompiling = false;
     CGCodeStore::m_bToolChgCompiling = false;

@@ -14,3 +14,4 @@ protected:
 
 // The same for a fixture that is not a test.
 void ResetStatics();
+void ClearProgram();   // the store of the program

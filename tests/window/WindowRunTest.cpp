@@ -103,7 +103,7 @@ TEST_F(WindowRun, IsRefusedInTheOrderOfItsChecks)
     AppConfig::m_bEmergencyStopON = false;
     CGCodeStore::m_bGCodeCompiling = false;
     TouchButton("Btn_GCode");
-    CGCodeStore::ClearProgram();
+    ClearProgram();
     EXPECT_EQ(RefusedStart(), "No G-Code added");
     EXPECT_EQ(Machine().m_eOperation, OP_NONE);
 }

@@ -10,7 +10,7 @@ CWindowTest::CWindowTest()
 CWindowTest::~CWindowTest()
 {
     Close();
-    CGCodeStore::ClearProgram();
+    ClearProgram();
     CGCodeStore::m_bGCodeLoading = CGCodeStore::m_bGCodeCompiling = false;
     CVirtualPins::SetObserver(nullptr);
 }
@@ -75,7 +75,7 @@ void CWindowTest::ExpectLogged(const QString& strText)
 
 void CWindowTest::Hold(const QStringList& lstLines)
 {
-    CGCodeStore::ClearProgram();
+    ClearProgram();
     for (const QString& strLine : lstLines) {
         CGCodeStore::m_lstOfGCodeLines.push_back(strLine);
         CGCodeStore::m_lstOfGCodeCmds.push_back(CGCodeStore::Parse_GCode_Line(strLine));

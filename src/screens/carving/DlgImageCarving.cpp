@@ -2,6 +2,7 @@
 
 #include "carving/PixelFit.h"
 #include "common/Paths.h"
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "screens/host/PressedBtn.h"
@@ -302,8 +303,8 @@ void CDlgImageCarving::on_Btn_EndMillDia_clicked()
 
 QString CDlgImageCarving::WhyNotStarted()
 {
-    if (!Host().IsMachineFree() || Host().Machine().isRunning()) return QStringLiteral("Machine in use");
-    if (!Host().Machine().GetHomeDone()) return QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings");
+    if (!Host().IsMachineFree() || Host().Machine().isRunning()) return MACHINE_IN_USE;
+    if (!Host().Machine().GetHomeDone()) return HOMING_NOT_DONE_SHOWN;
     return ::WhyNotStarted(Data());
 }
 

@@ -1,5 +1,6 @@
 #include "screens/gcode/DlgGCode.h"
 
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "screens/gcode/DlgGCodeSettings.h"
@@ -22,10 +23,6 @@ static constexpr int LINE_ROLE = Qt::UserRole;
 static constexpr int ROW_HEIGHT = 22, NUMBER_WIDTH = 66;   // pixels
 static const QColor FAULTY(255, 150, 0);                   // as errors in the log
 
-static QString NoHoming()
-{
-    return QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings");
-}
 static QString NothingLoaded()
 {
     return QStringLiteral("No G-Code Loaded");
@@ -133,7 +130,7 @@ QString CdlgGCode::WhyNoRun(const QString& strNoProgram) const
     if (const QString strBusy = WhyBusy(); !strBusy.isEmpty()) return strBusy;
     if (CGCodeEditor::LineCount() == 0) return strNoProgram;
     if (!m_CompilationErrors.empty()) return QStringLiteral("Fix Compilation errors");
-    return Host().Machine().GetHomeDone() ? QString() : NoHoming();
+    return Host().Machine().GetHomeDone() ? QString() : HOMING_NOT_DONE_SHOWN;
 }
 
 // ---- View -----------------------------------------------------------------------------------------------------------
@@ -328,7 +325,7 @@ bool CdlgGCode::StartGCode()
 {
     if (Host().IsEmergencyStopOn()) return false;
     if (IsProgramRunning()) return PauseOrResume();
-    if (!Host().IsMachineFree()) return !Refused(QStringLiteral("Machine in use"));
+    if (!Host().IsMachineFree()) return !Refused(MACHINE_IN_USE);
     if (Refused(WhyNoRun(QStringLiteral("No G-Code added")))) return false;
     SetEditMode(false);
     ResetUI(false);
@@ -396,7 +393,7 @@ void CdlgGCode::on_Btn_UseZProfile_clicked()
     CPressedBtn press(Host(), m_pUi->Btn_UseZProfile);
     auto& bUse = AppConfig::m_bUseZProfile;
     if (Host().Machine().m_eOperation != OP_NONE)
-        LogError(QStringLiteral("Machine in use"));
+        LogError(MACHINE_IN_USE);
     else if (AppConfig::m_ZProfileInfo.lstPoints.empty())
         LogError(QStringLiteral("No Z-Profile data added!\nPlease add Z-Profile data from Job Settings"));
     else

@@ -1,5 +1,6 @@
 #include "screens/host/SettingsInput.h"
 
+#include "common/Refusals.h"
 #include "widgets/ButtonStyle.h"
 
 #include <QPushButton>
@@ -7,7 +8,7 @@
 bool RefuseMachineInUse(CScreenHost& host)
 {
     if (host.IsMachineFree()) return false;
-    host.AddLogMsg(QStringLiteral("Machine in use"), MSG_ERROR);
+    host.AddLogMsg(MACHINE_IN_USE, MSG_ERROR);
     return true;
 }
 

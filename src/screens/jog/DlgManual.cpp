@@ -1,5 +1,6 @@
 #include "screens/jog/DlgManual.h"
 
+#include "common/Refusals.h"
 #include "control/AppControl.h"
 #include "screens/host/ScreenHost.h"
 #include "ui_DlgManual.h"
@@ -65,7 +66,7 @@ bool CDlgManual::MayJog(const stJog& jog)
     }
     for (const stMove& move : jog.moves) {
         if (!host.Machine().m_AxisCtrl[move.axis].GetAxisState()) continue;
-        if (!host.IsEmergencyStopOn()) host.AddLogMsg(QStringLiteral("Axis in use"), MSG_ERROR);
+        if (!host.IsEmergencyStopOn()) host.AddLogMsg(AXIS_IN_USE, MSG_ERROR);
         return false;
     }
     return true;

@@ -1,5 +1,6 @@
 #include "screens/settings/DlgMachineSettings.h"
 
+#include "common/Refusals.h"
 #include "control/AppControl.h"
 #include "screens/settings/DlgPwmSpndlSettings.h"
 #include "screens/settings/KeyboardHelp.h"
@@ -153,8 +154,7 @@ void CDlgMachineSettings::CreateVelAccGraphics()
     const QSize size = m_pUi->Lbl_VelAccGraph->size();
     CScreenHost& host = HostOf(*this);
     if (!host.IsMachineFree()) {   // a rebuild now would change the tables of moves to come
-        m_pUi->Lbl_VelAccGraph->setPixmap(
-            QPixmap::fromImage(CVelocityGraph({}).Draw(size, QStringLiteral("Machine in use"))));
+        m_pUi->Lbl_VelAccGraph->setPixmap(QPixmap::fromImage(CVelocityGraph({}).Draw(size, MACHINE_IN_USE)));
         return;
     }
     const QString strWhy = Motors().Rebuild(m_eSelAxis);

@@ -1,12 +1,9 @@
 #include "screens/settings/DlgRpiController.h"
 
-#include "common/MachineTypes.h"
-#include "hardware/RpiGpio.h"
-#include "screens/settings/PinRoles.h"
+#include "hardware/HeaderPins.h"
 #include "ui_DlgRpiController.h"
 #include "widgets/ButtonStyle.h"
 
-static constexpr int HEADER_PINS = 28;   // Broadcom numbers 0 to 27
 static constexpr int REFRESH_MS = 200;   // a finger on a switch sees it; costs 28 reads
 static constexpr char ROLE[] = "role", LEVEL[] = "level";
 
@@ -41,7 +38,7 @@ void dlgRpiController::ShowLevels()
 {
     for (int iPin = 0; iPin < HEADER_PINS; ++iPin) {
         QPushButton* pButton = PinButton(*this, iPin);
-        const int iLevel = CRpiGpio::ReadInput(static_cast<quint16>(iPin)) != 0 ? 1 : 0;
+        const int iLevel = IsPinHigh(iPin) ? 1 : 0;
         if (pButton->property(LEVEL) == iLevel) continue;
         pButton->setProperty(LEVEL, iLevel);
         const QString strRole = pButton->property(ROLE).toString();

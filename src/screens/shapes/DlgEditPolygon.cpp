@@ -2,7 +2,6 @@
 
 #include "screens/host/PressedBtn.h"
 #include "screens/shapes/DlgEditPolygonVertex.h"
-#include "screens/shapes/DlgShapes.h"
 #include "shapes/PolygonEdit.h"
 #include "ui_DlgEditPolygon.h"
 #include "widgets/ButtonStyle.h"
@@ -19,8 +18,8 @@ static QString VertexText(const stFloatPoint& pos)
     return QString::number(pos.x, 'f', PRECISION) + QLatin1Char(',') + QString::number(pos.y, 'f', PRECISION);
 }
 
-CDlgEditPolygon::CDlgEditPolygon(CDlgShapes& screen)
-    : CDlgShapeSource(screen), m_pUi(std::make_unique<Ui::CDlgEditPolygon>())
+CDlgEditPolygon::CDlgEditPolygon(CShapeHost& screen, QWidget* pParent)
+    : CDlgShapeSource(screen, pParent), m_pUi(std::make_unique<Ui::CDlgEditPolygon>())
 {
     m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
@@ -45,7 +44,7 @@ void CDlgEditPolygon::ConfigSettings()
 
 stPolygon* CDlgEditPolygon::Polygon() const
 {
-    return Screen().PolygonAt(m_uIndex);
+    return Job().PolygonAt(m_uIndex);
 }
 
 // ---- List -----------------------------------------------------------------------------------------------------------
@@ -112,7 +111,7 @@ void CDlgEditPolygon::on_LW_PolygonVertices_doubleClicked(const QModelIndex&)
     const int iRow = CurrentVertex();
     if (iRow < 0) return;
     const auto uRow = static_cast<size_t>(iRow);
-    CDlgEditPolygonVertex dialog(Host(), &Screen());
+    CDlgEditPolygonVertex dialog(Host(), parentWidget());
     dialog.m_stVertex = Polygon()->lstVertices[uRow];
     dialog.ConfigSettings();
     dialog.exec();
@@ -156,7 +155,7 @@ void CDlgEditPolygon::on_Btn_DeletePt_clicked()
 void CDlgEditPolygon::on_Btn_InsertPt_clicked()
 {
     const int iAt = CurrentVertex() + 1;
-    CDlgEditPolygonVertex dialog(Host(), &Screen());
+    CDlgEditPolygonVertex dialog(Host(), parentWidget());
     dialog.ConfigSettings();
     dialog.exec();
     if (!dialog.m_bAccepted || !Polygon() || static_cast<size_t>(iAt) > Polygon()->lstVertices.size()) return;

@@ -14,7 +14,7 @@ class CDlgEditPolygon : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgEditPolygon(CDlgShapes& screen);
+    CDlgEditPolygon(CShapeHost& screen, QWidget* pParent);
     ~CDlgEditPolygon() override;
 
     void ConfigSettings();

@@ -1,18 +1,17 @@
 #include "screens/shapes/DlgEllipse.h"
 
 #include "config/AppConfig.h"
-#include "screens/shapes/DlgShapes.h"
 #include "shapes/EllipsePath.h"
 #include "ui_DlgEllipse.h"
 #include "widgets/ButtonStyle.h"
 
-#include <algorithm>
 #include <cmath>
 
 static constexpr double FARTHEST_CENTER = 100000000.0, LARGEST_AXIS = 100000.0, LARGEST_STEP = 1000.0;
 static constexpr double DEEPEST = -10000.0, FULL_TURN = 360.0;
 
-CDlgEllipse::CDlgEllipse(CDlgShapes& screen) : CDlgShapeSource(screen), m_pUi(std::make_unique<Ui::CDlgEllipse>())
+CDlgEllipse::CDlgEllipse(CShapeHost& screen, QWidget* pParent)
+    : CDlgShapeSource(screen, pParent), m_pUi(std::make_unique<Ui::CDlgEllipse>())
 {
     m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
@@ -25,13 +24,13 @@ void CDlgEllipse::ConfigSettings()
     m_bAccepted = false;
     m_bHole = false;
     m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GRAY);
-    if (const stEllipse* pEllipse = Screen().EllipseAt(m_uIndex)) m_pUi->Lbl_Name->setText(pEllipse->strShapeName);
+    if (const stEllipse* pEllipse = Job().EllipseAt(m_uIndex)) m_pUi->Lbl_Name->setText(pEllipse->strShapeName);
     UpdateEllipseParams();
 }
 
 void CDlgEllipse::UpdateEllipseParams()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (!pEllipse) return;
     ShowParams(*pEllipse);
     AfterChange();
@@ -64,7 +63,7 @@ void CDlgEllipse::AfterChange()
 {
     if (m_bHole) {
         m_bHole = false;
-        EraseRings();
+        Job().EraseRings(m_uIndex);
         on_Btn_EllipseHole_clicked();
     }
     if (!m_bHole) UpdateEllipse();
@@ -86,7 +85,7 @@ bool CDlgEllipse::Ask(QPushButton* pButton, const QString& strName, const QStrin
 
 void CDlgEllipse::on_Btn_EllipseCenterX_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (pEllipse && Ask(m_pUi->Btn_EllipseCenterX, QStringLiteral("Center X"), QStringLiteral("(mm)"),
                         Range(0.01, FARTHEST_CENTER), pEllipse->stCenter.x))
         AfterChange();
@@ -94,7 +93,7 @@ void CDlgEllipse::on_Btn_EllipseCenterX_clicked()
 
 void CDlgEllipse::on_Btn_EllipseCenterY_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (pEllipse && Ask(m_pUi->Btn_EllipseCenterY, QStringLiteral("Center Y"), QStringLiteral("(mm)"),
                         Range(0.01, FARTHEST_CENTER), pEllipse->stCenter.y))
         AfterChange();
@@ -103,7 +102,7 @@ void CDlgEllipse::on_Btn_EllipseCenterY_clicked()
 void CDlgEllipse::AskDiameter(QPushButton* pButton, const QString& strName, stFloatPoint range,
                               double stEllipse::*pField)
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (!pEllipse) return;
     double fDia = pEllipse->*pField;
     if (!Ask(pButton, strName, QStringLiteral("(mm)"), range, fDia)) return;
@@ -128,7 +127,7 @@ void CDlgEllipse::on_Btn_EllipseMinorAxisDia_clicked()
 
 void CDlgEllipse::on_Btn_EllipseOrientation_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (pEllipse && Ask(m_pUi->Btn_EllipseOrientation, QStringLiteral("Orientation(deg)"), QString(),
                         Range(0.0, FULL_TURN), pEllipse->fOrientation))
         AfterChange();
@@ -136,19 +135,16 @@ void CDlgEllipse::on_Btn_EllipseOrientation_clicked()
 
 void CDlgEllipse::on_Btn_EllipseDepth_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (!pEllipse || !Ask(m_pUi->Btn_EllipseDepth, QStringLiteral("Depth"), QStringLiteral("(mm)"), DepthRange(DEEPEST),
                           pEllipse->fDepth, true))
         return;
-    if (!m_bHole) return;
-    const auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-    for (size_t n = Screen().m_uShapeCountBefore; n < lstShapes.size(); ++n)
-        lstShapes[n].Common().fDepth = pEllipse->fDepth;
+    if (m_bHole) Job().SetAddedDepth(pEllipse->fDepth);
 }
 
 void CDlgEllipse::on_Btn_EllipseXStep_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (!pEllipse || !Ask(m_pUi->Btn_EllipseXStep, QStringLiteral("X Step"), QStringLiteral("(mm)"),
                           Range(AppConfig::m_fAxisMovPerPulse[X_AXIS], LARGEST_STEP), pEllipse->fXAxisStep))
         return;
@@ -161,7 +157,7 @@ void CDlgEllipse::on_Btn_EllipseXStep_clicked()
 
 void CDlgEllipse::on_Btn_ArcStartAngle_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (pEllipse && Ask(m_pUi->Btn_ArcStartAngle, QStringLiteral("Arc Start Angle"), QStringLiteral("(deg)"),
                         Range(0.0, ButtonValue(m_pUi->Btn_ArcEndAngle)), pEllipse->fArcStartAngle))
         AfterChange();
@@ -169,7 +165,7 @@ void CDlgEllipse::on_Btn_ArcStartAngle_clicked()
 
 void CDlgEllipse::on_Btn_ArcEndAngle_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (pEllipse && Ask(m_pUi->Btn_ArcEndAngle, QStringLiteral("Arc End Angle"), QStringLiteral("(deg)"),
                         Range(ButtonValue(m_pUi->Btn_ArcStartAngle), FULL_TURN), pEllipse->fArcEndAngle))
         AfterChange();
@@ -177,18 +173,12 @@ void CDlgEllipse::on_Btn_ArcEndAngle_clicked()
 
 // ---- Pocket ---------------------------------------------------------------------------------------------------------
 
-// The edited ellipse itself is the first of the dialog's entries when it is new, and lies before them when it is not.
-void CDlgEllipse::EraseRings()
-{
-    Screen().EraseShapesFrom(std::max(Screen().m_uShapeCountBefore, m_uIndex + 1));
-}
-
 void CDlgEllipse::on_Btn_EllipseHole_clicked()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (!pEllipse) return;
     if (m_bHole) {
-        EraseRings();
+        Job().EraseRings(m_uIndex);
         DropHole(*pEllipse);
     } else if (pEllipse->fMinorAxisDia < AppConfig::m_fEndMillDia) {
         return LogError(QStringLiteral("End-mill size too big. Please change the End-Mill"));
@@ -208,36 +198,18 @@ void CDlgEllipse::DropHole(stEllipse& ellipse)
 void CDlgEllipse::MakeHole(stEllipse& ellipse)
 {
     m_bHole = true;
-    ellipse.bHole = true;
     m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GREEN);
-    auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-    const size_t uFirst = lstShapes.size();
-    QString strWhy;
-    for (stEngShape& ring : MakeEllipseRings(ellipse, strWhy)) {
-        ring.Common().strShapeName = ellipse.strShapeName;
-        ring.Common().fDepth = ellipse.fDepth;
-        lstShapes.push_back(std::move(ring));
-    }
-    Screen().LogOnce(strWhy);
-    for (size_t n = uFirst; n < lstShapes.size(); ++n) Screen().CreateEllipsePoints(static_cast<quint32>(n));
+    for (const QString& strWhy : Job().MakeEllipsePocket(ellipse)) Screen().LogOnce(strWhy);
 }
 
 // ---- End ------------------------------------------------------------------------------------------------------------
 
 void CDlgEllipse::Keep()
 {
-    stEllipse* pEllipse = Screen().EllipseAt(m_uIndex);
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
     if (!pEllipse) return Finish();
     pEllipse->fDepth = ButtonValue(m_pUi->Btn_EllipseDepth);
-    if (m_bHole) {
-        const QString strName = pEllipse->strShapeName;
-        const auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-        const size_t uFirst = Screen().m_uShapeCountBefore;
-        for (size_t n = uFirst; n < lstShapes.size(); ++n) {
-            lstShapes[n].Common().strShapeName = strName + QStringLiteral("_%1").arg(n - uFirst + 1);
-            lstShapes[n].Common().fDepth = pEllipse->fDepth;
-        }
-    }
+    if (m_bHole) Job().NumberAdded(*pEllipse);
     m_bAccepted = true;
     Finish();
 }
@@ -249,7 +221,7 @@ void CDlgEllipse::on_Btn_Ok_clicked()
 
 void CDlgEllipse::on_Btn_Cancel_clicked()
 {
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);
+    Job().EraseAdded();
     m_bAccepted = false;
     Finish();
 }

@@ -12,7 +12,7 @@ class CDlgEllipse : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgEllipse(CDlgShapes& screen);
+    CDlgEllipse(CShapeHost& screen, QWidget* pParent);
     ~CDlgEllipse() override;
 
     void ConfigSettings();
@@ -44,7 +44,6 @@ private:
     void ShowParams(const stEllipse& ellipse);
     void UpdateEllipse();
     void AfterChange();   // the rings of a pocket follow their outline
-    void EraseRings();
     void MakeHole(stEllipse& ellipse);
     void DropHole(stEllipse& ellipse);
 

@@ -2,19 +2,15 @@
 
 #include "config/AppConfig.h"
 #include "screens/host/PressedBtn.h"
-#include "screens/shapes/DlgShapes.h"
-#include "shapes/Pocket.h"
 #include "shapes/PolygonEdit.h"
 #include "ui_DlgShapeFreeDraw.h"
 #include "widgets/ButtonStyle.h"
 
-#include <utility>
-
 static constexpr double DEEPEST = -10000.0;
 static const QString POCKET_LEFT = QStringLiteral("background-color: rgb(200, 200, 200);");
 
-CDlgShapeFreeDraw::CDlgShapeFreeDraw(CDlgShapes& screen)
-    : CDlgShapeSource(screen), m_pUi(std::make_unique<Ui::CDlgShapeFreeDraw>())
+CDlgShapeFreeDraw::CDlgShapeFreeDraw(CShapeHost& screen, QWidget* pParent)
+    : CDlgShapeSource(screen, pParent), m_pUi(std::make_unique<Ui::CDlgShapeFreeDraw>())
 {
     m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
@@ -25,33 +21,26 @@ CDlgShapeFreeDraw::~CDlgShapeFreeDraw() = default;
 void CDlgShapeFreeDraw::ConfigSettings()
 {
     if (Screen().HasBackground()) m_pUi->Btn_LoadRefGuideImg->setStyleSheet(BTN_BKGND_GREEN);
-    if (const stPolygon* pPolygon = Screen().LastPolygon()) m_pUi->Lbl_Name->setText(pPolygon->strShapeName);
-}
-
-size_t CDlgShapeFreeDraw::OwnCount() const
-{
-    const size_t uCount = Screen().m_stCuttingInfo.lstShapes.size();
-    return uCount > Screen().m_uShapeCountBefore ? uCount - Screen().m_uShapeCountBefore : 0;
+    if (const stPolygon* pPolygon = Job().LastPolygon()) m_pUi->Lbl_Name->setText(pPolygon->strShapeName);
 }
 
 void CDlgShapeFreeDraw::on_Btn_ClosePoly_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_ClosePoly, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
-    if (stPolygon* pPolygon = Screen().LastPolygon()) CloseShape(pPolygon->lstVertices);
+    if (stPolygon* pPolygon = Job().LastPolygon()) CloseShape(pPolygon->lstVertices);
     Screen().DrawWorkArea();
 }
 
 void CDlgShapeFreeDraw::on_Btn_RemovePt_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_RemovePt);
-    Screen().RemoveLastPoint();
+    Job().RemoveLastPoint();
     Screen().DrawWorkArea();
 }
 
 void CDlgShapeFreeDraw::on_Btn_PolyDepth_clicked()
 {
-    const size_t uFirst = Screen().m_uShapeCountBefore;
-    const stPolygon* pPolygon = Screen().PolygonAt(uFirst);
+    const stPolygon* pPolygon = Job().PolygonAt(Job().FirstAdded());
     if (!pPolygon) return;
     const auto fNew = AskNumber(Host(), m_pUi->Btn_PolyDepth,
                                 {.strTitle = QStringLiteral("Shape Depth(mm)"),
@@ -59,10 +48,8 @@ void CDlgShapeFreeDraw::on_Btn_PolyDepth_clicked()
                                  .fRange = DepthRange(DEEPEST),
                                  .bSign = true},
                                 pPolygon->fDepth);
-    if (!fNew) return;
     // Looked up anew: the screen may have gone under the keypad, and the empty shape with it.
-    if (stPolygon* pNow = Screen().PolygonAt(uFirst)) pNow->fDepth = *fNew;
-    if (m_Outline.pPolygon) m_Outline.pPolygon->fDepth = *fNew;   // which comes back without its pocket
+    if (fNew) Job().SetFirstAddedDepth(*fNew);
 }
 
 void CDlgShapeFreeDraw::on_Btn_LoadRefGuideImg_clicked()
@@ -72,21 +59,19 @@ void CDlgShapeFreeDraw::on_Btn_LoadRefGuideImg_clicked()
 
 void CDlgShapeFreeDraw::ApplyToolOffset(const QString& strSide)
 {
-    stPolygon* pPolygon = Screen().LastPolygon();
+    stPolygon* pPolygon = Job().LastPolygon();
     if (!pPolygon) return;
     CloseShape(pPolygon->lstVertices);
-    stEngShape shape = stEngShape::NewPolygon();
-    shape.pPolygon->lstVertices = ::ApplyToolOffset(pPolygon->lstVertices, strSide, AppConfig::m_fEndMillDia);
-    Screen().m_stCuttingInfo.lstShapes.push_back(shape);
+    Job().AddPolygon({}, ::ApplyToolOffset(pPolygon->lstVertices, strSide, AppConfig::m_fEndMillDia));
 }
 
 // ---- Pocket ---------------------------------------------------------------------------------------------------------
 
 void CDlgShapeFreeDraw::on_Btn_CutHole_clicked()
 {
-    if (m_bPocket)
+    if (Job().HasPocket())
         DropPocket();
-    else if (const stPolygon* pOutline = Screen().LastPolygon(); !pOutline || pOutline->lstVertices.empty())
+    else if (const stPolygon* pOutline = Job().LastPolygon(); !pOutline || pOutline->lstVertices.empty())
         return;
     else if (pOutline->lstVertices.size() > 2)
         MakePocket();
@@ -95,54 +80,28 @@ void CDlgShapeFreeDraw::on_Btn_CutHole_clicked()
 
 void CDlgShapeFreeDraw::DropPocket()
 {
-    m_bPocket = false;
     m_pUi->Btn_CutHole->setStyleSheet(BTN_BKGND_GRAY);
-    if (!m_Outline.pPolygon) return;
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);
-    Screen().m_stCuttingInfo.lstShapes.push_back(std::exchange(m_Outline, {}));
+    Job().DropPocket();
 }
 
 void CDlgShapeFreeDraw::MakePocket()
 {
     m_pUi->Btn_CutHole->setStyleSheet(BTN_BKGND_GREEN);
     m_pUi->Btn_CutHole->repaint();   // a large outline takes its time
-    stPolygon& outline = *Screen().LastPolygon();
-    CloseShape(outline.lstVertices);
-    const std::vector<ShapePath> lstRings =
-        MakePocketRings(outline.lstVertices, Screen().Scale(), AppConfig::m_fEndMillDia);
-    if (lstRings.empty()) {
-        Host().AddLogMsg(QStringLiteral("Shape too small for a pocket with this End-Mill"), MSG_NOTICE);
-        m_pUi->Btn_CutHole->setStyleSheet(BTN_BKGND_GRAY);
-        return;
-    }
-    m_bPocket = true;
-    auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-    m_Outline = lstShapes.back();
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);   // the rings are cut in the outline's place
-    for (const ShapePath& path : lstRings) {
-        stEngShape ring = stEngShape::NewPolygon();
-        ring.pPolygon->strShapeName = QStringLiteral("Shape");
-        ring.pPolygon->fDepth = m_Outline.pPolygon->fDepth;   // as the button shows it
-        ring.pPolygon->bHole = true;
-        ring.pPolygon->lstVertices = path;
-        lstShapes.push_back(ring);
-    }
+    if (Job().MakePocket(Screen().Scale(), AppConfig::m_fEndMillDia)) return;
+    Host().AddLogMsg(QStringLiteral("Shape too small for a pocket with this End-Mill"), MSG_NOTICE);
+    m_pUi->Btn_CutHole->setStyleSheet(BTN_BKGND_GRAY);
 }
 
 // ---- End ------------------------------------------------------------------------------------------------------------
 
 void CDlgShapeFreeDraw::Keep()
 {
-    auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-    const size_t uFirst = Screen().m_uShapeCountBefore;
-    if (OwnCount() == 1 && lstShapes[uFirst].Path().empty()) Screen().EraseShapesFrom(uFirst);
-    if (OwnCount() > 1) {
-        const stShapesCommonInfo first = lstShapes[uFirst].Common();
-        for (size_t n = uFirst; n < lstShapes.size(); ++n) {
-            lstShapes[n].Common().strShapeName = first.strShapeName + QStringLiteral("_%1").arg(n - uFirst + 1);
-            lstShapes[n].Common().fDepth = first.fDepth;
-        }
-    }
+    const auto shapes = Job().Added();
+    if (shapes.size() > 1)
+        Job().NumberAdded(shapes[0].Common());
+    else if (shapes.size() == 1 && shapes[0].Path().empty())
+        Job().EraseAdded();
     m_pUi->Btn_CutHole->setStyleSheet(POCKET_LEFT);
     Finish();
 }
@@ -154,7 +113,7 @@ void CDlgShapeFreeDraw::on_Btn_Save_clicked()
 
 void CDlgShapeFreeDraw::on_Btn_Cancel_clicked()
 {
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);
+    Job().EraseAdded();
     m_pUi->Btn_CutHole->setStyleSheet(POCKET_LEFT);
     Finish();
 }

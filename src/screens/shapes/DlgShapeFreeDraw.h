@@ -11,7 +11,7 @@ class CDlgShapeFreeDraw : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgShapeFreeDraw(CDlgShapes& screen);
+    CDlgShapeFreeDraw(CShapeHost& screen, QWidget* pParent);
     ~CDlgShapeFreeDraw() override;
 
     void ConfigSettings();
@@ -29,11 +29,8 @@ private slots:
     void on_Btn_Cancel_clicked();
 
 private:
-    size_t OwnCount() const;   // entries of the dialog
     void DropPocket();
     void MakePocket();
 
-    bool m_bPocket = false;
-    stEngShape m_Outline;   // while its rings stand in the list
     std::unique_ptr<Ui::CDlgShapeFreeDraw> m_pUi;
 };

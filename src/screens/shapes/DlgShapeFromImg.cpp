@@ -3,7 +3,6 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "screens/host/PressedBtn.h"
-#include "screens/shapes/DlgShapes.h"
 #include "shapes/PictureTrace.h"
 #include "ui_DlgShapeFromImg.h"
 #include "widgets/ButtonStyle.h"
@@ -16,8 +15,8 @@
 static constexpr double FARTHEST = 1000000000.0, LARGEST = 100000000.0, MOST_VERTICES = 1000000000.0;
 static constexpr double DEEPEST = -1000.0, WHITE = 255.0;
 
-CDlgShapeFromImg::CDlgShapeFromImg(CDlgShapes& screen)
-    : CDlgShapeSource(screen), m_pUi(std::make_unique<Ui::CDlgShapeFromImg>())
+CDlgShapeFromImg::CDlgShapeFromImg(CShapeHost& screen, QWidget* pParent)
+    : CDlgShapeSource(screen, pParent), m_pUi(std::make_unique<Ui::CDlgShapeFromImg>())
 {
     m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
@@ -41,8 +40,7 @@ void CDlgShapeFromImg::ConfigSettings()
 void CDlgShapeFromImg::FindContours()
 {
     if (m_Img.rows == 0 || m_Img.cols == 0) return;
-    const size_t uFirst = Screen().m_uShapeCountBefore;
-    Screen().EraseShapesFrom(uFirst);
+    Job().EraseAdded();
     const stPictureToTrace picture{.img = m_Img,
                                    .stImgOffset = m_stImgOffset,
                                    .uThreshold = m_uThreshold,
@@ -50,7 +48,6 @@ void CDlgShapeFromImg::FindContours()
                                    .uMaxVertices = m_uMaxVertices,
                                    .fShapeLength = m_fShapeLength,
                                    .fShapeWidth = m_fShapeWidth};
-    auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
     std::vector<ShapePath> lstPaths;
     try {
         lstPaths = TracePicture(picture);
@@ -59,13 +56,10 @@ void CDlgShapeFromImg::FindContours()
         LogError(QStringLiteral("The image is too large to be traced"));
     }
     for (ShapePath& path : lstPaths) {
-        stEngShape shape = stEngShape::NewPolygon();
-        shape.pPolygon->strShapeName = m_strImgName + QStringLiteral("_%1").arg(lstShapes.size() - uFirst);
-        shape.pPolygon->fDepth = m_fShapeDepth;
-        shape.pPolygon->lstVertices = std::move(path);
-        lstShapes.push_back(std::move(shape));
+        const QString strName = m_strImgName + QStringLiteral("_%1").arg(Job().Added().size());
+        Job().AddPolygon(strName, std::move(path)).fDepth = m_fShapeDepth;
     }
-    m_pUi->Btn_ShapesFound->setText(QString::number(lstShapes.size() - uFirst) + QStringLiteral("\nShapes Found"));
+    m_pUi->Btn_ShapesFound->setText(QString::number(Job().Added().size()) + QStringLiteral("\nShapes Found"));
     Screen().DrawWorkArea();
 }
 
@@ -188,9 +182,7 @@ void CDlgShapeFromImg::on_Btn_ShapeDepth_clicked()
                           DepthRange(DEEPEST), m_fShapeDepth);
     if (!fNew) return;
     m_fShapeDepth = *fNew;
-    const auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
-    for (size_t n = Screen().m_uShapeCountBefore; n < lstShapes.size(); ++n)
-        lstShapes[n].Common().fDepth = m_fShapeDepth;
+    Job().SetAddedDepth(m_fShapeDepth);
 }
 
 // ---- End ------------------------------------------------------------------------------------------------------------
@@ -207,7 +199,7 @@ void CDlgShapeFromImg::on_Btn_Ok_clicked()
 
 void CDlgShapeFromImg::on_Btn_Cancel_clicked()
 {
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);
+    Job().EraseAdded();
     Screen().DrawWorkArea();
     Finish();
 }

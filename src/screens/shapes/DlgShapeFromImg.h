@@ -14,7 +14,7 @@ class CDlgShapeFromImg : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgShapeFromImg(CDlgShapes& screen);
+    CDlgShapeFromImg(CShapeHost& screen, QWidget* pParent);
     ~CDlgShapeFromImg() override;
 
     void ConfigSettings();   // at each opening: the offsets are 0 again

@@ -3,7 +3,6 @@
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 #include "screens/host/PressedBtn.h"
-#include "screens/shapes/DlgShapes.h"
 #include "shapes/PolygonEdit.h"
 #include "shapes/TextTrace.h"
 #include "ui_DlgShapeFromTxt.h"
@@ -13,14 +12,12 @@
 
 #include <QAbstractItemView>
 
-#include <algorithm>
-
 static constexpr double STEP_MM = 10.0;
 static constexpr double STEP_TURN = 0.17453333333333335, FULL_TURN = 6.2832;   // radians, by the system's own pi
 static constexpr double LARGEST_TEXT = 1000.0, WIDEST_SPACING = 100.0, DEEPEST = -1000.0;
 
-CDlgShapeFromTxt::CDlgShapeFromTxt(CDlgShapes& screen)
-    : CDlgShapeSource(screen), m_pUi(std::make_unique<Ui::CDlgShapeFromTxt>())
+CDlgShapeFromTxt::CDlgShapeFromTxt(CShapeHost& screen, QWidget* pParent)
+    : CDlgShapeSource(screen, pParent), m_pUi(std::make_unique<Ui::CDlgShapeFromTxt>())
 {
     m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
@@ -42,18 +39,12 @@ void CDlgShapeFromTxt::ConfigSettings()
     m_pUi->TextToCut->setFocus();
 }
 
-std::span<const stEngShape> CDlgShapeFromTxt::OwnShapes() const
-{
-    const std::span<const stEngShape> all(Screen().m_stCuttingInfo.lstShapes);
-    return all.subspan(std::min(Screen().m_uShapeCountBefore, all.size()));
-}
-
 // ---- Tracing --------------------------------------------------------------------------------------------------------
 
 void CDlgShapeFromTxt::FindContours()
 {
-    const bool bNone = OwnShapes().empty();
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);
+    const bool bNone = Job().Added().empty();
+    Job().EraseAdded();
     const QString strText = m_pUi->TextToCut->toPlainText();
     if (strText.isEmpty() && bNone) return;
     const stTextToTrace text{.strText = strText,
@@ -63,20 +54,16 @@ void CDlgShapeFromTxt::FindContours()
                              .bBold = m_bBold,
                              .bItalic = m_bItalic,
                              .stTextPos = m_stTextPos};
-    auto& lstShapes = Screen().m_stCuttingInfo.lstShapes;
     for (ShapePath& path : TraceText(text, Screen().Scale())) {
-        stEngShape shape = stEngShape::NewPolygon();
-        shape.pPolygon->strShapeName = QStringLiteral("Text_%1").arg(lstShapes.size());
-        shape.pPolygon->fDepth = static_cast<double>(m_fTextDepth);
-        shape.pPolygon->lstVertices = std::move(path);
-        lstShapes.push_back(std::move(shape));
+        const QString strName = QStringLiteral("Text_%1").arg(Job().Count());
+        Job().AddPolygon(strName, std::move(path)).fDepth = static_cast<double>(m_fTextDepth);
     }
-    if (!OwnShapes().empty()) {
-        m_stTextCentre = MiddleOf(OwnShapes());
+    if (!Job().Added().empty()) {
+        m_stTextCentre = MiddleOf(Job().Added());
         ChangeShapeOrientation(m_stTextPos.z);
     }
     // Letters outside of the picture, or of a font that draws nothing: the empty drawing must not be taken for a fault.
-    m_pUi->Lbl_Found->setText(strText.isEmpty() ? QString() : QStringLiteral("%1 shapes").arg(OwnShapes().size()));
+    m_pUi->Lbl_Found->setText(strText.isEmpty() ? QString() : QStringLiteral("%1 shapes").arg(Job().Added().size()));
     Screen().DrawWorkArea();
 }
 
@@ -140,7 +127,7 @@ void CDlgShapeFromTxt::on_Btn_TextDepth_clicked()
                                 static_cast<double>(m_fTextDepth));
     if (!fNew) return;
     m_fTextDepth = static_cast<float>(*fNew);
-    for (const stEngShape& shape : OwnShapes()) shape.Common().fDepth = static_cast<double>(m_fTextDepth);
+    Job().SetAddedDepth(static_cast<double>(m_fTextDepth));
 }
 
 // ---- Place and turn -------------------------------------------------------------------------------------------------
@@ -148,9 +135,9 @@ void CDlgShapeFromTxt::on_Btn_TextDepth_clicked()
 // The turn comes before the centre moves, so it goes about the old centre: wanted.
 void CDlgShapeFromTxt::UpdateTextPos(const stFloatPoint& newPos)
 {
-    if (!OwnShapes().empty()) {
+    if (!Job().Added().empty()) {
         const double fX = newPos.x - m_stTextPos.x, fY = newPos.y - m_stTextPos.y;
-        for (const stEngShape& shape : OwnShapes()) ShiftShape(shape.pPolygon->lstVertices, fX, fY);
+        for (const stEngShape& shape : Job().Added()) ShiftShape(shape.pPolygon->lstVertices, fX, fY);
         if (CUnitConverter::GetLong(newPos.z) != CUnitConverter::GetLong(m_stTextPos.z))
             ChangeShapeOrientation(newPos.z - m_stTextPos.z);
         m_stTextCentre.x += fX;
@@ -162,7 +149,7 @@ void CDlgShapeFromTxt::UpdateTextPos(const stFloatPoint& newPos)
 
 void CDlgShapeFromTxt::ChangeShapeOrientation(double fAngle)
 {
-    for (const stEngShape& shape : OwnShapes()) TurnShape(shape.pPolygon->lstVertices, fAngle, m_stTextCentre);
+    for (const stEngShape& shape : Job().Added()) TurnShape(shape.pPolygon->lstVertices, fAngle, m_stTextCentre);
 }
 
 stFloatPoint CDlgShapeFromTxt::FarthestPos() const
@@ -275,7 +262,7 @@ void CDlgShapeFromTxt::on_Btn_Ok_clicked()
 
 void CDlgShapeFromTxt::on_Btn_Cancel_clicked()
 {
-    Screen().EraseShapesFrom(Screen().m_uShapeCountBefore);
+    Job().EraseAdded();
     Screen().DrawWorkArea();
     Finish();
 }

@@ -1,8 +1,6 @@
 #pragma once
 #include "screens/shapes/DlgShapeSource.h"
 
-#include <span>
-
 namespace Ui {
 class CDlgShapeFromTxt;
 }
@@ -14,7 +12,7 @@ class CDlgShapeFromTxt : public CDlgShapeSource
     Q_OBJECT
 
 public:
-    explicit CDlgShapeFromTxt(CDlgShapes& screen);
+    CDlgShapeFromTxt(CShapeHost& screen, QWidget* pParent);
     ~CDlgShapeFromTxt() override;
 
     void ConfigSettings();
@@ -44,7 +42,6 @@ private slots:
     void on_Btn_Cancel_clicked();
 
 private:
-    std::span<const stEngShape> OwnShapes() const;
     stFloatPoint FarthestPos() const;   // mm; where a text may begin
     void AskPos(QPushButton* pButton, const QString& strName, double stFloatPoint::*pAxis);
     void Step(QPushButton* pStep, QPushButton* pShown, const QString& strName, double stFloatPoint::*pAxis,

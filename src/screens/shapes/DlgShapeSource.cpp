@@ -1,7 +1,6 @@
 #include "screens/shapes/DlgShapeSource.h"
 
 #include "config/AppConfig.h"
-#include "screens/shapes/DlgShapes.h"
 #include "widgets/ButtonStyle.h"
 
 #include <QEventLoop>
@@ -15,7 +14,7 @@
 static constexpr QPoint PLACE(525, 0);
 static constexpr int LARGEST_GUIDE = 1600;   // pixels a side: zoomed in seven times, the view shows less
 
-CDlgShapeSource::CDlgShapeSource(CDlgShapes& screen) : QDialog(&screen), m_Screen(screen)
+CDlgShapeSource::CDlgShapeSource(CShapeHost& screen, QWidget* pParent) : QDialog(pParent), m_Screen(screen)
 {
     setWindowFlags(Qt::Widget);
     setAutoFillBackground(true);
@@ -45,11 +44,6 @@ void CDlgShapeSource::Finish()
 {
     if (QEventLoop* pLoop = std::exchange(m_pLoop, nullptr)) pLoop->exit();
     hide();
-}
-
-CScreenHost& CDlgShapeSource::Host() const
-{
-    return HostOf(m_Screen);
 }
 
 double ButtonValue(const QPushButton* pButton)

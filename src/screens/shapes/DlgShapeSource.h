@@ -1,14 +1,13 @@
 #pragma once
 #include "screens/host/ScreenHost.h"
 #include "screens/host/SettingsInput.h"
-#include "shapes/ShapeModel.h"
+#include "screens/shapes/ShapeHost.h"
 
 #include <QDialog>
 
 #include <memory>
 #include <optional>
 
-class CDlgShapes;
 class QEventLoop;
 class QImage;
 
@@ -19,7 +18,7 @@ class CDlgShapeSource : public QDialog
     Q_OBJECT
 
 public:
-    explicit CDlgShapeSource(CDlgShapes& screen);
+    CDlgShapeSource(CShapeHost& screen, QWidget* pParent);   // which is the screen too
     ~CDlgShapeSource() override;
 
     // Shows it until it is finished. It, and the screen with it, may be gone by then.
@@ -30,12 +29,13 @@ public:
     void reject() override {}   // Escape must not hide it
 
 protected:
-    CDlgShapes& Screen() const { return m_Screen; }
-    CScreenHost& Host() const;
+    CShapeHost& Screen() const { return m_Screen; }
+    CShapeJob& Job() const { return m_Screen.Job(); }
+    CScreenHost& Host() const { return HostOf(*parent()); }
     void LogError(const QString& strText) const { Host().AddLogMsg(strText, MSG_ERROR); }
 
 private:
-    CDlgShapes& m_Screen;
+    CShapeHost& m_Screen;
     QEventLoop* m_pLoop = nullptr;   // of Run
 };
 

@@ -1,5 +1,6 @@
 #include "screens/shapes/DlgShapes.h"
 
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "screens/host/SettingsInput.h"
@@ -30,9 +31,9 @@ CDlgShapes::CDlgShapes(QWidget* pParent)
     m_pUi->View_WorkArea->EnableZoom(true);
     m_pUi->View_WorkArea->installEventFilter(this);
     connect(m_pUi->View_WorkArea, &CMyView::MouseMoved, this, &CDlgShapes::OnMouseMove);
-    m_dlgEllipse = std::make_unique<CDlgEllipse>(*this);
-    m_dlgEditPolygon = std::make_unique<CDlgEditPolygon>(*this);
-    m_dlgShapeFromImg = std::make_unique<CDlgShapeFromImg>(*this);
+    m_dlgEllipse = std::make_unique<CDlgEllipse>(*this, this);
+    m_dlgEditPolygon = std::make_unique<CDlgEditPolygon>(*this, this);
+    m_dlgShapeFromImg = std::make_unique<CDlgShapeFromImg>(*this, this);
 }
 
 CDlgShapes::~CDlgShapes() = default;
@@ -108,15 +109,15 @@ bool CDlgShapes::StartShapeCutting()
         return true;
     }
     if (!Host().IsMachineFree()) {
-        LogError(QStringLiteral("Machine in use"));
+        LogError(MACHINE_IN_USE);
         return false;
     }
-    if (m_stCuttingInfo.lstShapes.empty()) {
+    if (Count() == 0) {
         LogError(QStringLiteral("No shapes are added"));
         return false;
     }
     if (!machine.GetHomeDone()) {
-        LogError(QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings"));
+        LogError(HOMING_NOT_DONE_SHOWN);
         return false;
     }
     ResetUI(false);
@@ -127,27 +128,7 @@ bool CDlgShapes::StartShapeCutting()
     return false;
 }
 
-// ---- Entries --------------------------------------------------------------------------------------------------------
-
-stPolygon* CDlgShapes::PolygonAt(size_t uIndex) const
-{
-    return uIndex < m_stCuttingInfo.lstShapes.size() ? m_stCuttingInfo.lstShapes[uIndex].pPolygon.get() : nullptr;
-}
-
-stEllipse* CDlgShapes::EllipseAt(size_t uIndex) const
-{
-    return uIndex < m_stCuttingInfo.lstShapes.size() ? m_stCuttingInfo.lstShapes[uIndex].pEllipse.get() : nullptr;
-}
-
-stPolygon* CDlgShapes::LastPolygon() const
-{
-    return m_stCuttingInfo.lstShapes.empty() ? nullptr : m_stCuttingInfo.lstShapes.back().pPolygon.get();
-}
-
-void CDlgShapes::EraseShapesFrom(size_t uFirst)
-{
-    if (uFirst < m_stCuttingInfo.lstShapes.size()) m_stCuttingInfo.lstShapes.resize(uFirst);
-}
+// ---- Messages -------------------------------------------------------------------------------------------------------
 
 void CDlgShapes::CreateEllipsePoints(quint32 uIndex)
 {

@@ -1,6 +1,6 @@
 #pragma once
 #include "screens/host/ScreenHost.h"
-#include "shapes/ShapeModel.h"
+#include "screens/shapes/ShapeHost.h"
 #include "shapes/WorkAreaPicture.h"
 
 #include <QDialog>
@@ -18,7 +18,7 @@ class CDlgShapes;
 
 // The screen of shape jobs: a picture of the work area, and the list of shapes with what makes, edits, keeps and cuts
 // them. The job lives here until the program ends. The window is its parent before ConfigSettings. Interface thread.
-class CDlgShapes : public QDialog
+class CDlgShapes : public QDialog, public CShapeHost, private CShapeJob
 {
     Q_OBJECT
 
@@ -38,23 +38,19 @@ public:
 
     void reject() override {}   // Escape must not hide a screen
 
+    using CShapeJob::m_stCuttingInfo;
+    using CShapeJob::m_uShapeCountBefore;
+
     // ---- For the dialogs that make and edit shapes ----
-    stShapeCuttingInfo m_stCuttingInfo;
-    size_t m_uShapeCountBefore = 0;   // entries from here on belong to the dialog that is open
-    const stDisplayScale& Scale() const { return m_Map.Scale(); }
-    stPolygon* PolygonAt(size_t uIndex) const;   // null: no such entry, or no polygon
-    stEllipse* EllipseAt(size_t uIndex) const;
-    stPolygon* LastPolygon() const;
-    void EraseShapesFrom(size_t uFirst);
-    void CreateEllipsePoints(quint32 uIndex);   // logs why there are none
-    void DrawWorkArea();
-    // A picture to draw after, under the shapes; the open dialog has asked for it on pButton, which shows its state.
-    void ToggleBackground(QPushButton* pButton);
-    bool HasBackground() const { return m_pBackground != nullptr; }
-    void SelectVertex(int iVertex) { m_iVertex = iVertex; }
-    int SelectedVertex() const { return m_iVertex; }
-    void LogOnce(const QString& strWhy);   // an error, while the same dialog is open
-    void RemoveLastPoint();
+    CShapeJob& Job() override { return *this; }
+    const stDisplayScale& Scale() const override { return m_Map.Scale(); }
+    void DrawWorkArea() override;
+    void CreateEllipsePoints(quint32 uIndex) override;
+    void LogOnce(const QString& strWhy) override;
+    void ToggleBackground(QPushButton* pButton) override;
+    bool HasBackground() const override { return m_pBackground != nullptr; }
+    void SelectVertex(int iVertex) override { m_iVertex = iVertex; }
+    int SelectedVertex() const override { return m_iVertex; }
 
 protected:
     void mousePressEvent(QMouseEvent* pEvent) override;
@@ -94,11 +90,11 @@ private:
     int CurrentRow() const;   // of an entry that is there; -1: none
     void SelectRow(int iRow);
     void ShowDepth();
-    void Swap(int iRow, int iOther);
+    void SwapRows(int iRow, int iOther);
     void EditEllipse(size_t uIndex);
     void EditPolygon(size_t uIndex);
-    // Runs a dialog with the screen selectors off; it changes the entry uEdited, if any, and those from
-    // m_uShapeCountBefore on. False: the screen is gone.
+    // Runs a dialog with the screen selectors off; it changes the entry uEdited, if any, and those that it adds. False:
+    // the screen is gone.
     bool RunDialog(CDlgShapeSource& dialog, size_t uEdited = SIZE_MAX);
     void ListNewShapes();
     void AdoptNewShapes();   // the open dialog's entries get their rows

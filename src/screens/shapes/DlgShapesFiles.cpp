@@ -31,7 +31,7 @@ QString CDlgShapes::AskSaveName()
 void CDlgShapes::on_Btn_SaveWorkArea_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_SaveWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
-    if (m_stCuttingInfo.lstShapes.empty()) return LogError(QStringLiteral("No shapes added"));
+    if (Count() == 0) return LogError(QStringLiteral("No shapes added"));
     const QString strPath = AskSaveName();
     if (strPath.isEmpty()) return;
     if (SaveWorkArea(strPath, m_stCuttingInfo))
@@ -43,7 +43,7 @@ void CDlgShapes::on_Btn_SaveWorkArea_clicked()
 void CDlgShapes::on_Btn_LoadWorkArea_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_LoadWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
-    m_uShapeCountBefore = m_stCuttingInfo.lstShapes.size();
+    BeginAdding();
     const QString strPath = QFileDialog::getOpenFileName(this, QStringLiteral("Select file to open..."),
                                                          CPaths::Map(AppConfig::m_strLastFolderPath), FILE_FILTER,
                                                          nullptr, QFileDialog::DontUseNativeDialog);
@@ -53,8 +53,7 @@ void CDlgShapes::on_Btn_LoadWorkArea_clicked()
     if (!LoadWorkArea(strPath, m_stCuttingInfo, lstNotices)) return LogError(QStringLiteral("Unable to load the file"));
     LogAll(lstNotices);
     if (m_stCuttingInfo.stWorkArea.x > 0.0 && m_stCuttingInfo.stWorkArea.y > 0.0) ShowSize();
-    Host().AddLogMsg(QStringLiteral("Shapes loaded: %1").arg(m_stCuttingInfo.lstShapes.size() - m_uShapeCountBefore),
-                     MSG_INFO);
+    Host().AddLogMsg(QStringLiteral("Shapes loaded: %1").arg(Added().size()), MSG_INFO);
     ListNewShapes();
     UpdateWorkArea();
 }
@@ -74,7 +73,7 @@ QString CDlgShapes::AskGCodeName()
 
 void CDlgShapes::on_Btn_GenerateGCode_clicked()
 {
-    if (m_stCuttingInfo.lstShapes.empty()) return LogError(QStringLiteral("No Shapes Added"));
+    if (Count() == 0) return LogError(QStringLiteral("No Shapes Added"));
     const CPressedBtn press(Host(), m_pUi->Btn_GenerateGCode, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     const QString strPath = AskGCodeName();
     if (strPath.isEmpty()) return;

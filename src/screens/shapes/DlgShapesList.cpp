@@ -10,14 +10,12 @@
 #include <QMessageBox>
 #include <QPointer>
 
-#include <utility>
-
 // ---- Rows -----------------------------------------------------------------------------------------------------------
 
 int CDlgShapes::CurrentRow() const
 {
     const int iRow = m_pUi->Lw_Shapes->currentRow();
-    return iRow >= 0 && static_cast<size_t>(iRow) < m_stCuttingInfo.lstShapes.size() ? iRow : -1;
+    return iRow >= 0 && static_cast<size_t>(iRow) < Count() ? iRow : -1;
 }
 
 void CDlgShapes::SelectRow(int iRow)
@@ -44,7 +42,7 @@ void CDlgShapes::on_Btn_DelShape_clicked()
     const int iRow = CurrentRow();
     if (iRow < 0) return;
     delete m_pUi->Lw_Shapes->takeItem(iRow);
-    m_stCuttingInfo.lstShapes.erase(m_stCuttingInfo.lstShapes.begin() + iRow);
+    Erase(static_cast<size_t>(iRow));
     ShowDepth();   // of the row that has moved up
     DrawWorkArea();
 }
@@ -54,16 +52,15 @@ void CDlgShapes::on_Btn_DelAllShapes_clicked()
     if (QMessageBox::warning(this, QStringLiteral("Warning"), QStringLiteral("Do you want to delete all Shapes"),
                              QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
         return;
-    m_stCuttingInfo.lstShapes.clear();
+    EraseAll();
     m_pUi->Lw_Shapes->clear();
     DrawWorkArea();
 }
 
-void CDlgShapes::Swap(int iRow, int iOther)
+void CDlgShapes::SwapRows(int iRow, int iOther)
 {
     QListWidget& list = *m_pUi->Lw_Shapes;
-    std::swap(m_stCuttingInfo.lstShapes[static_cast<size_t>(iRow)],
-              m_stCuttingInfo.lstShapes[static_cast<size_t>(iOther)]);
+    Swap(static_cast<size_t>(iRow), static_cast<size_t>(iOther));
     const QString strText = list.item(iRow)->text();
     list.item(iRow)->setText(list.item(iOther)->text());
     list.item(iOther)->setText(strText);
@@ -75,12 +72,12 @@ void CDlgShapes::Swap(int iRow, int iOther)
 void CDlgShapes::on_Btn_MoveShapeUp_clicked()
 {
     const int iRow = CurrentRow();
-    if (iRow >= 0 && iRow + 1 < m_pUi->Lw_Shapes->count()) Swap(iRow, iRow + 1);
+    if (iRow >= 0 && iRow + 1 < m_pUi->Lw_Shapes->count()) SwapRows(iRow, iRow + 1);
 }
 
 void CDlgShapes::on_Btn_MoveShapeDown_clicked()
 {
-    if (const int iRow = CurrentRow(); iRow > 0) Swap(iRow, iRow - 1);
+    if (const int iRow = CurrentRow(); iRow > 0) SwapRows(iRow, iRow - 1);
 }
 
 // ---- Dialogs --------------------------------------------------------------------------------------------------------
@@ -117,9 +114,8 @@ void CDlgShapes::AdoptNewShapes()
 
 void CDlgShapes::ListNewShapes()
 {
-    const auto& lstShapes = m_stCuttingInfo.lstShapes;
     QStringList names;
-    for (size_t n = m_uShapeCountBefore; n < lstShapes.size(); ++n) names.append(lstShapes[n].Common().strShapeName);
+    for (const stEngShape& shape : Added()) names.append(shape.Common().strShapeName);
     m_pUi->Lw_Shapes->addItems(names);
     if (!names.isEmpty()) SelectRow(m_pUi->Lw_Shapes->count() - 1);
 }
@@ -128,7 +124,7 @@ void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
 {
     const int iRow = CurrentRow();
     if (iRow < 0 || m_pOpen || Host().Machine().m_eOperation != OP_NONE) return;
-    m_uShapeCountBefore = m_stCuttingInfo.lstShapes.size();
+    BeginAdding();
     if (EllipseAt(static_cast<size_t>(iRow)))
         EditEllipse(static_cast<size_t>(iRow));
     else
@@ -155,7 +151,7 @@ void CDlgShapes::EditPolygon(size_t uIndex)
     m_dlgEditPolygon->ConfigSettings();
     if (!RunDialog(*m_dlgEditPolygon, uIndex)) return;
     if (const stPolygon* pPolygon = PolygonAt(uIndex); pPolygon && pPolygon->lstVertices.empty()) {
-        m_stCuttingInfo.lstShapes.erase(m_stCuttingInfo.lstShapes.begin() + static_cast<std::ptrdiff_t>(uIndex));
+        Erase(uIndex);
         delete m_pUi->Lw_Shapes->takeItem(static_cast<int>(uIndex));
     } else if (pPolygon) {
         m_pUi->Lw_Shapes->item(static_cast<int>(uIndex))->setText(pPolygon->strShapeName);
@@ -166,23 +162,19 @@ void CDlgShapes::EditPolygon(size_t uIndex)
 
 void CDlgShapes::on_Btn_AddEllipse_clicked()
 {
-    auto& lstShapes = m_stCuttingInfo.lstShapes;
-    m_uShapeCountBefore = lstShapes.size();
-    lstShapes.push_back(stEngShape::NewEllipse());
-    lstShapes.back().Common().strShapeName = QStringLiteral("Ellipse_%1").arg(lstShapes.size());
-    m_dlgEllipse->m_uIndex = m_uShapeCountBefore;
+    BeginAdding();
+    AddEllipse(QStringLiteral("Ellipse_%1").arg(Count() + 1));
+    m_dlgEllipse->m_uIndex = FirstAdded();
     m_dlgEllipse->ConfigSettings();
     if (RunDialog(*m_dlgEllipse)) AdoptNewShapes();
 }
 
 void CDlgShapes::on_Btn_DrawContour_clicked()
 {
-    auto& lstShapes = m_stCuttingInfo.lstShapes;
-    m_uShapeCountBefore = lstShapes.size();
-    lstShapes.push_back(stEngShape::NewPolygon());
-    lstShapes.back().Common().strShapeName = QStringLiteral("Shape_%1").arg(lstShapes.size());
+    BeginAdding();
+    AddPolygon(QStringLiteral("Shape_%1").arg(Count() + 1));
     m_bDrawing = true;
-    const QPointer<CDlgShapeFreeDraw> pDialog(new CDlgShapeFreeDraw(*this));   // the screen's, should it go first
+    const QPointer<CDlgShapeFreeDraw> pDialog(new CDlgShapeFreeDraw(*this, this));   // the screen's, should it go first
     pDialog->ConfigSettings();
     if (!RunDialog(*pDialog)) return;
     delete pDialog.data();
@@ -192,8 +184,8 @@ void CDlgShapes::on_Btn_DrawContour_clicked()
 void CDlgShapes::on_Btn_ShapeFromTxt_clicked()
 {
     Host().GrabKeyboard(false);   // letters go to the text, not to the axes
-    m_uShapeCountBefore = m_stCuttingInfo.lstShapes.size();
-    const QPointer<CDlgShapeFromTxt> pDialog(new CDlgShapeFromTxt(*this));
+    BeginAdding();
+    const QPointer<CDlgShapeFromTxt> pDialog(new CDlgShapeFromTxt(*this, this));
     pDialog->ConfigSettings();
     if (!RunDialog(*pDialog)) return;
     delete pDialog.data();
@@ -203,7 +195,7 @@ void CDlgShapes::on_Btn_ShapeFromTxt_clicked()
 
 void CDlgShapes::on_Btn_ShapeFromImg_clicked()
 {
-    m_uShapeCountBefore = m_stCuttingInfo.lstShapes.size();
+    BeginAdding();
     m_dlgShapeFromImg->ConfigSettings();
     if (RunDialog(*m_dlgShapeFromImg)) AdoptNewShapes();
 }

@@ -39,7 +39,7 @@ void CDlgShapes::ShowPicture()
     scene.bMarks = m_bMarks;
     if (m_pOpen) {
         scene.uEdited = m_uEdited;
-        scene.uNew = m_uShapeCountBefore;
+        scene.uNew = FirstAdded();
     }
     scene.iShape = m_pOpen && !bPolygon ? -1 : CurrentRow();
     scene.iVertex = bPolygon ? m_iVertex : -1;
@@ -94,12 +94,6 @@ bool CDlgShapes::PressDrawing(QPointF view, Qt::MouseButton eButton)
         DrawWorkArea();
     }
     return true;
-}
-
-void CDlgShapes::RemoveLastPoint()
-{
-    stPolygon* pPolygon = LastPolygon();
-    if (pPolygon && !pPolygon->bHole && !pPolygon->lstVertices.empty()) pPolygon->lstVertices.pop_back();
 }
 
 // ---- Drag -----------------------------------------------------------------------------------------------------------

@@ -1,9 +1,11 @@
 #include "screens/zprofile/DlgJobSettings.h"
 
 #include "common/Paths.h"
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "screens/host/PressedBtn.h"
+#include "screens/host/SettingsInput.h"
 #include "screens/zprofile/DlgZProfiler.h"
 #include "ui_DlgJobSettings.h"
 #include "widgets/ButtonStyle.h"
@@ -100,7 +102,7 @@ bool CdlgJobSettings::CreateZProfile()
     AppControl& machine = Host().Machine();
     if (Host().IsEmergencyStopOn()) return false;
     if (!machine.GetHomeDone()) {
-        Host().AddLogMsg(QStringLiteral("Homing not done!\nUse \"Move Home\" in user Settings"), MSG_ERROR);
+        Host().AddLogMsg(HOMING_NOT_DONE_SHOWN, MSG_ERROR);
         return false;
     }
     if (!AppConfig::m_ZProfileInfo.lstPoints.empty() &&
@@ -118,17 +120,10 @@ bool CdlgJobSettings::CreateZProfile()
 
 // ---- File -----------------------------------------------------------------------------------------------------------
 
-bool CdlgJobSettings::IsMachineInUse()
-{
-    if (Host().IsMachineFree()) return false;
-    Host().AddLogMsg(QStringLiteral("Machine in use"), MSG_ERROR);
-    return true;
-}
-
 void CdlgJobSettings::on_Btn_SaveZProfile_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_SaveZProfile);
-    if (!IsMachineInUse()) SaveZProfileAs();
+    if (!RefuseMachineInUse(Host())) SaveZProfileAs();
 }
 
 void CdlgJobSettings::SaveZProfileAs()
@@ -148,7 +143,7 @@ void CdlgJobSettings::SaveZProfileAs()
 void CdlgJobSettings::on_Btn_LoadZProfile_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_LoadZProfile);
-    if (!IsMachineInUse()) LoadZProfileFrom();
+    if (!RefuseMachineInUse(Host())) LoadZProfileFrom();
 }
 
 void CdlgJobSettings::LoadZProfileFrom()

@@ -38,7 +38,6 @@ private:
     bool CreateZProfile();
     void SaveZProfileAs();
     void LoadZProfileFrom();
-    bool IsMachineInUse();   // and says so
     void EnableButtons(bool bEnable);
     void ShowGrid();   // at once, or when the worker has ended
 

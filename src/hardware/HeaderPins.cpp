@@ -1,6 +1,7 @@
-#include "screens/settings/PinRoles.h"
+#include "hardware/HeaderPins.h"
 
 #include "config/AppConfig.h"
+#include "hardware/RpiGpio.h"
 
 #include <algorithm>
 
@@ -34,4 +35,9 @@ QMap<int, QString> PinRoles()
     for (auto it = A::m_lstIPs.cbegin(); it != A::m_lstIPs.cend(); ++it)
         if (it.value() != 0) Claim(roles, it.value(), QStringLiteral("Input %1").arg(it.key()));
     return roles;
+}
+
+bool IsPinHigh(int iPin)
+{
+    return CRpiGpio::ReadInput(static_cast<quint16>(iPin)) != 0;
 }

@@ -1,4 +1,4 @@
-#include "common/Paths.h"
+#include "common/FileWriter.h"
 
 #include "support/Files.h"
 #include "support/FullDisk.h"
