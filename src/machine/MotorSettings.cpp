@@ -162,9 +162,10 @@ void CMotorSettings::UseG01FeedForJog(bool bUse)
 
 // ---- Overrides ------------------------------------------------------------------------------------------------------
 
+// Not waited for: five long ramps take half a second, and the slider is held meanwhile.
 void CMotorSettings::Run(eAxis axis)
 {
-    Axis(axis).SetVelocityAcc(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis]);
+    Axis(axis).SetVelocityAccSoon(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis]);
 }
 
 void CMotorSettings::SetFeedOverride(short iPercentage, bool bRebuild)

@@ -4,8 +4,8 @@
 #include "machine/Messages.h"
 #include "machine/WorkObserver.h"
 
-// The spindle: the only writer of its two relays, and the one that knows whether they are closed. Closing is refused behind
-// a stop, and moves no relay in simulation; opening always opens both.
+// The spindle: the only writer of its two relays, and the one that knows whether they are closed. Closing is refused
+// behind a stop, and moves no relay in simulation; opening always opens both.
 class CSpindle
 {
 public:

@@ -9,6 +9,8 @@
 #include <QMutex>
 #include <QThread>
 
+#include <atomic>
+#include <limits>
 #include <vector>
 
 // One axis: its position, its two sets of ramp tables, its soft limits, and a thread that makes its step pulses in
@@ -29,6 +31,9 @@ public:
     // Builds the ramp tables of the inactive slot for fVel (mm/s) at fAcc (mm/s^2); the next move uses them. Any
     // thread, also while the axis moves. A refusal (WhyNoRamp) changes nothing but the mark below.
     bool SetVelocityAcc(double fVel, double fAcc);
+    // The same on a pooled thread, for a caller that must not wait for up to 90 ms; the next move does. A later build,
+    // of either kind, takes its place. Why it was refused is in GetBuildError.
+    void SetVelocityAccSoon(double fVel, double fAcc);
     // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked, and
     // so is one that needs a restart.
     QString GetBuildError() const;
@@ -118,7 +123,22 @@ private:
     bool Refuse(const QString& strWhy);
     bool RefuseBuild(const QString& strWhy);
     stAxisRun MakeRun();
-    stRampTable m_Building;   // gets the memory of a slot while that is built
+    // What a slot was built for; not a number: for nothing.
+    struct stBuilt
+    {
+        stRampSettings settings;
+        double fVel = std::numeric_limits<double>::quiet_NaN(), fAcc = 0.0;
+        bool operator==(const stBuilt&) const = default;
+    };
+    bool BuildTable(double fVel, double fAcc);
+    bool ReuseTable(const stBuilt& wanted, size_t uSlot);
+    void FinishBuild();
+
+    stRampTable m_Building;                  // gets the memory of a slot while that is built
+    stBuilt m_Built[2];                      // under m_Mutex, like all of the building
+    quint32 m_uBuilds = 0;                   // asked for so far
+    CShared<bool> m_bBuildPending = false;   // a pooled one is the last that was asked for
+    std::atomic<int> m_iPooled = 0;          // tasks that know this axis
 
     bool IsDue() const override { return m_bStartPending; }
     qint64 Run(qint64 lStart) override;

@@ -73,7 +73,6 @@ private:
     static CShared<void (*)(qint64)> m_fnSleepHook;
 };
 
-// A task on the thread pool whose result nobody asks for; in a dry run it is done at once.
-// The pool has at least four threads, so that the thread of the coordinated moves never starves the other tasks on a
-// small computer.
+// A task on the thread pool whose result nobody asks for; in a dry run it is done at once. The pool has at least four
+// threads, so that a long load does not hold up the other tasks on a small computer.
 void RunPooled(std::function<void()> fnTask);
