@@ -1,5 +1,5 @@
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 #include "motion/AllAxisCtrl.h"
 #include "platform/virtual/VirtualPins.h"
 #include "time/Wait.h"
@@ -12,16 +12,15 @@
 // next.
 
 namespace {
-struct stMachine
+struct stMachine : CMachine
 {
     stMachine()
     {
         AppConfig::ApplyBoardPins();
         AppConfig::DeriveFeeds();
-        app.InitMachine();
-        app.m_eOperation = OP_GCODE;
+        SetUpAxes();
+        m_eOperation = OP_GCODE;
     }
-    AppControl app;
 };
 
 // The time of every edge of X, which one thread makes.
@@ -45,19 +44,18 @@ void MoveGap(benchmark::State& state)
     stMachine machine;
     CEdgeTimes edges(MOVES * EDGES + 10);
     CVirtualPins::SetObserver(&edges);
-    CAllAxisCtrl::StartAutoMode(&machine.app);
+    CAllAxisCtrl::StartAutoMode(&machine);
     double fLastLow = 0.0;
     for (auto _ : state) {
         stFloatPoint from, to;
         for (int n = 0; n < MOVES; ++n) {
             to.x = state.range(0) > 0 ? (n % 2 ? 0.0 : 0.1) : from.x + 0.1;
             to.y = state.range(0) > 1 ? (n % 2 ? 0.0 : 0.1) : from.y + 0.1;
-            machine.app.SetAccAndVel(from, to, G01_MOVE);
-            machine.app.G01_Move(to, false, false);
+            machine.m_JobMoves.Cut(from, to);
             from = to;
         }
         CAllAxisCtrl::WaitForMotion();
-        const AxisCtrl& x = machine.app.m_AxisCtrl[X_AXIS];
+        const AxisCtrl& x = machine.m_AxisCtrl[X_AXIS];
         fLastLow = x.m_lstLowTime[x.m_ucCurTable].front();   // of the slowest pulse, the last of a move
     }
     std::vector<double> gaps;

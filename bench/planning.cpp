@@ -1,5 +1,5 @@
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 
 #include <benchmark/benchmark.h>
 
@@ -10,13 +10,13 @@ namespace {
 void Plan(benchmark::State& state)
 {
     AppConfig::m_eAxisFeedtype = static_cast<qint32>(state.range(1));
-    AppControl app;
-    app.InitMachine();
-    app.m_eOperation = OP_GCODE;
+    CMachine machine;
+    machine.SetUpAxes();
+    machine.m_eOperation = OP_GCODE;
     stFloatPoint from, to;
     for (int axis = 0; axis < state.range(0); ++axis) AxisOf(to, axis) = 0.1 - 0.02 * axis;
     for (auto _ : state) {
-        app.SetAccAndVel(from, to, G01_MOVE);
+        machine.m_JobMoves.SetAccAndVel(from, to, G01_MOVE);
         std::swap(from, to);
     }
     AppConfig::m_eAxisFeedtype = 0;

@@ -74,7 +74,7 @@ void BM_DragVertexAmongTenThousandPolygons(benchmark::State& state)
     // The dialog runs a loop of its own, in which the drag is measured.
     QTimer::singleShot(0, shown.pScreen, [&] {
         auto* pDialog = shown.pScreen->findChild<CDlgEditPolygon*>();
-        shown.pScreen->SelectVertex(0);
+        pDialog->LWSelectString(shown.pScreen->m_stCuttingInfo.lstShapes.back().Path().front());
         int n = 0;
         for (auto _ : state) shown.Move(QPoint(60 + n++ % 300, 150), Qt::LeftButton);
         pDialog->Keep();

@@ -12,3 +12,15 @@ enum eOperation
     OP_Z_PROBE = 6,
     OP_Z_PROFILE = 7
 };
+
+// These move a tool through the work.
+constexpr bool IsCutting(int iOperation)
+{
+    return iOperation == OP_SHAPES || iOperation == OP_IMG_CARVING || iOperation == OP_GCODE;
+}
+
+// These take the operator's buttons away until they end; the others leave them.
+constexpr bool IsJob(int iOperation)
+{
+    return IsCutting(iOperation) || iOperation == OP_Z_PROFILE;
+}

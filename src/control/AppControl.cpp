@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <iterator>
 
-static constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};
-
 // Unless outputs are silent.
 static void WriteProgramStatus(quint8 ucLevel)
 {

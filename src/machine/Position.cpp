@@ -7,8 +7,6 @@
 
 #include <algorithm>
 
-static constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};
-
 bool CPosition::GetHomeDone() const
 {
     return !AppConfig::m_bHomeSensorsUsed ||

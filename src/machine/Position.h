@@ -2,6 +2,8 @@
 #include "machine/Messages.h"
 #include "motion/MachineAxes.h"
 
+inline constexpr signed char ALL_AXES[MAX_AXES] = {1, 1, 1, 1, 1};   // marked
+
 // Where the machine is, and whether that is true: homed or not, the work zero, heights and places that follow from it.
 // mm, work coordinates where nothing else is said.
 class CPosition

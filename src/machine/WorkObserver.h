@@ -1,5 +1,6 @@
 #pragma once
 #include "common/MachineTypes.h"
+#include "common/Shared.h"
 
 #include <type_traits>
 #include <utility>
@@ -50,7 +51,7 @@ class CWatchedWork
 {
 public:
     CWorkObserver* m_pWorkObserver = nullptr;   // null on the machine; set while nothing runs
-    qint32 m_iWorkLine = -1;                    // worker
+    CShared<qint32> m_iWorkLine = -1;           // of the program that runs; written by the worker
 
     // fnDo is the command, fnTell makes its record, and is called only where somebody watches.
     template <class Tell, class Do> auto Watched(Tell&& fnTell, Do&& fnDo) const

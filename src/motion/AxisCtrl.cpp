@@ -272,7 +272,9 @@ void AxisCtrl::FinishBuild()
 bool AxisCtrl::BuildTable(double fVel, double fAcc)
 {
     const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
-    if (!RefuseBuild(WhyNoRamp(wanted.settings, fVel, fAcc))) return false;
+    const QString strWhy = WhyNoRamp(wanted.settings, fVel, fAcc);
+    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ') + strWhy))
+        return false;
 
     const size_t t = 1u - m_ucCurTable;
     m_fVel[t] = fVel;

@@ -10,8 +10,7 @@
 
 stRampSettings stRampSettings::OfAxis(int axis)
 {
-    return {.strAxis = AppConfig::m_strAxisNames[axis],
-            .fStep = AppConfig::m_fAxisMovPerPulse[axis],
+    return {.fStep = AppConfig::m_fAxisMovPerPulse[axis],
             .fDuty = AppConfig::m_fAxisDutyCycle[axis],
             .fRateOfAcc = AppConfig::m_fAxisRateOfAcc[axis],
             .uSampleUs = AppConfig::m_iVelAccSamplingTime,
@@ -100,20 +99,20 @@ void BuildSCurve(const stRampJob& job, std::vector<double>& accList)
 
 QString WhyNoRamp(const stRampSettings& settings, double fVel, double fAcc)
 {
-    const auto Must = [&](const char* szWhat) { return settings.strAxis + QLatin1String(szWhat); };
     const double fStep = settings.fStep, fSample = static_cast<double>(settings.uSampleUs);
 
     // Written so that "not a number" is refused too.
-    if (!(fAcc > 0.0)) return Must(" acceleration must be greater than zero");
-    if (!(fVel > 0.0)) return Must(" feed must be greater than zero");
-    if (CUnitConverter::GetLong(fStep) < 1) return Must(" move per pulse must be 0.0001 or more");
-    if (!(settings.fDuty > 0.0 && settings.fDuty < 1.0)) return Must(" duty cycle must be between zero and 1");
-    if (settings.uSampleUs == 0) return Must(" sampling time must be greater than zero");
+    if (!(fAcc > 0.0)) return QStringLiteral("acceleration must be greater than zero");
+    if (!(fVel > 0.0)) return QStringLiteral("feed must be greater than zero");
+    if (CUnitConverter::GetLong(fStep) < 1) return QStringLiteral("move per pulse must be 0.0001 or more");
+    if (!(settings.fDuty > 0.0 && settings.fDuty < 1.0)) return QStringLiteral("duty cycle must be between zero and 1");
+    if (settings.uSampleUs == 0) return QStringLiteral("sampling time must be greater than zero");
     if (settings.bSCurve && !(settings.fRateOfAcc > 0.0))
-        return Must(" rate of acceleration must be greater than zero");
+        return QStringLiteral("rate of acceleration must be greater than zero");
     const double fEntries =
         EstimateEntries(fVel / fStep, fAcc / fStep, settings.fRateOfAcc / fStep, fSample, settings.bSCurve);
-    if (!(fEntries <= static_cast<double>(MAX_RAMP_ENTRIES))) return Must(" acceleration is too low for this feed");
+    if (!(fEntries <= static_cast<double>(MAX_RAMP_ENTRIES)))
+        return QStringLiteral("acceleration is too low for this feed");
     return QString();
 }
 

@@ -11,7 +11,6 @@ struct stRampSettings
 {
     static stRampSettings OfAxis(int axis);   // as the configuration has them now
 
-    QString strAxis;           // its name, for refusals
     double fStep = 0.001;      // mm a pulse
     double fDuty = 0.5;        // share of a pulse that is high
     double fRateOfAcc = 0.0;   // mm/s^3, of an S-curve
@@ -30,9 +29,9 @@ struct stRampTable
 
 inline constexpr qint64 MAX_RAMP_ENTRIES = 4'000'000;   // 1.5 MHz at 600 mm/s^2 and 0.001 mm needs 1.9 million
 
-// Empty, or why there is no ramp to fVel (mm/s) at fAcc (mm/s^2): one of them, or an S-curve's rate of acceleration,
-// not above 0, a step below one position unit, a duty not inside 0 to 1, a sampling time of 0, more than
-// MAX_RAMP_ENTRIES.
+// Empty, or why there is no ramp, in words that go behind the axis's name: to fVel (mm/s) at fAcc (mm/s^2): one of
+// them, or an S-curve's rate of acceleration, not above 0, a step below one position unit, a duty not inside 0 to 1, a
+// sampling time of 0, more than MAX_RAMP_ENTRIES.
 QString WhyNoRamp(const stRampSettings& settings, double fVel, double fAcc);
 
 // Of what WhyNoRamp has let through. The vectors are cleared, never given back: a build between two moves allocates

@@ -1,6 +1,7 @@
 #include "run/PictureJob.h"
 
 #include "carving/PixelFit.h"
+#include "jobs/Carver.h"
 
 #include <QFileInfo>
 
@@ -101,9 +102,10 @@ stReliefBlock CPictureJob::Block() const
 
 bool CPictureJob::WriteGCode(const QString& strFile)
 {
-    AppControl app;   // which makes the grid; no machine is set up
-    app.m_stImgCarvingData = std::move(m_Data);
-    return app.CreateGCodeFromImage(strFile);
+    CMachine machine;   // which is not set up: nothing moves
+    CCarver carver(machine);
+    carver.m_stImgCarvingData = std::move(m_Data);
+    return carver.CreateGCodeFromImage(strFile);
 }
 
 void CPictureJob::Start(AppControl& app, const stRunOptions&)

@@ -120,7 +120,7 @@ bool CRunner::SetUpMachine()
     m_pMachine = std::make_unique<CVirtualMachine>(MachineOfSettings(AppConfig::m_bHomeSensorsUsed));
     CVirtualPins::SetObserver(m_pMachine.get());
     PutSurfaceUnderTheProbe();
-    m_pSupervision = std::make_unique<CSupervision>(*m_pApp, *m_pMachine, *m_pScreen, m_Options);
+    m_pOperator = std::make_unique<CAutoOperator>(*m_pApp, *m_pScreen, m_Options);
 
     m_lBegin = CWait::Now();
     m_Wall.start();
@@ -182,15 +182,13 @@ void CRunner::FollowCarriages()
 
 void CRunner::HookDryRun()
 {
-    m_pTime->m_fnSupervise = [this] { m_pSupervision->Tick(); };
+    m_pTime->m_fnSupervise = [this] { m_pOperator->Tick(); };
     if (m_pEdges) m_pTime->m_fnAdvance = [this](qint64 lTo) { m_pEdges->WriteUntil(lTo); };
     m_pTime->m_fnStuck = [this] {
-        m_pSupervision->EmergencyStop(QStringLiteral("the program waits for what will never come"), EXIT_TIME);
+        m_pOperator->EmergencyStop(QStringLiteral("the program waits for what will never come"), EXIT_TIME);
     };
-    m_pTime->m_fnInterrupted = [this] {
-        m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
-    };
-    m_pSupervision->PlanEvents(*m_pTime);
+    m_pTime->m_fnInterrupted = [this] { m_pOperator->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED); };
+    m_pOperator->PlanEvents(*m_pTime);
     g_pTime = m_pTime.get();
     if (g_iSignal != 0) m_pTime->Interrupt();
 }
@@ -215,8 +213,8 @@ bool CRunner::Operate(const std::function<void()>& fnStart)
         (void)m_pApp->wait();
     else
         WaitOnRealClock();
-    m_pSupervision->TakeMessages();
-    m_pSupervision->OnOperationFinish();
+    m_pOperator->TakeMessages();
+    m_pOperator->EndOperation();
     return !IsStopped();
 }
 
@@ -224,12 +222,12 @@ void CRunner::WaitOnRealClock()
 {
     while (!m_pApp->wait(QDeadlineTimer(0))) {
         const qint64 lNow = CWait::Now() - m_lBegin;
-        if (g_iSignal != 0 && m_pSupervision->Result() != EXIT_INTERRUPTED)
-            m_pSupervision->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
-        m_pSupervision->DoWhatIsDue(lNow);
-        m_pSupervision->Tick();
+        if (g_iSignal != 0 && m_pOperator->Result() != EXIT_INTERRUPTED)
+            m_pOperator->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED);
+        m_pOperator->DoWhatIsDue(lNow);
+        m_pOperator->Tick();
         if (m_pEdges) m_pEdges->WriteAllSoFar();
-        const qint64 lUntilDue = std::max<qint64>(0, m_pSupervision->NextDue() - lNow) / 1000;
+        const qint64 lUntilDue = std::max<qint64>(0, m_pOperator->NextDue() - lNow) / 1000;
         (void)m_pApp->wait(QDeadlineTimer(std::chrono::microseconds(std::min(TICK_US, lUntilDue + 1))));
     }
 }
@@ -241,7 +239,7 @@ void CRunner::RunHoming()
     if (m_pApp->GetHomeDone())
         m_pScreen->AddLogMsg(QStringLiteral("Machine Homing finished"), MSG_INFO);
     else
-        m_pSupervision->EmergencyStop(QStringLiteral("The machine has not found its home"), EXIT_WRONG);
+        m_pOperator->EmergencyStop(QStringLiteral("The machine has not found its home"), EXIT_WRONG);
 }
 
 void CRunner::RunProbe()
@@ -253,14 +251,14 @@ void CRunner::RunProbe()
         return false;
     };
     if (Operate([this] { m_pApp->StartZ0usingZProbeSeq(); }) && !bTouched())
-        m_pSupervision->EmergencyStop(QStringLiteral("The probe has met nothing"), EXIT_WRONG);
+        m_pOperator->EmergencyStop(QStringLiteral("The probe has met nothing"), EXIT_WRONG);
 }
 
 void CRunner::RunMakeProfile()
 {
     if (m_Options.strMakeZProfile.isEmpty() || !Operate([this] { m_pApp->RunZProfile(); })) return;
     if (!HasZProfile())
-        m_pSupervision->EmergencyStop(ZProfileNotCreated(), EXIT_WRONG);
+        m_pOperator->EmergencyStop(ZProfileNotCreated(), EXIT_WRONG);
     else if (!SaveZProfile(m_Options.strMakeZProfile))
         Fail(m_Options.strMakeZProfile + QStringLiteral(": cannot be written"));
     else
@@ -286,14 +284,14 @@ stSummary CRunner::Summarize() const
     stSummary summary;
     summary.strFile = m_Options.strJob.isEmpty() ? QStringLiteral("vantor-run") : m_Options.strJob;
     summary.strPicture = m_Options.strPicture;
-    summary.eResult = m_eFailed != EXIT_DONE ? m_eFailed : m_pSupervision->Result();
+    summary.eResult = m_eFailed != EXIT_DONE ? m_eFailed : m_pOperator->Result();
     summary.bRealTime = m_Options.bRealTime;
     if (m_pJob) {
         summary.lLines = m_pJob->Lines();
         if (m_pJob->HasGCode()) summary.strSize = m_pJob->Size();
     }
     summary.lLinesRun = m_lLinesRun;
-    summary.iToolChanges = m_pSupervision->ToolChanges();
+    summary.iToolChanges = m_pOperator->ToolChanges();
     summary.fMachineTime = static_cast<double>(CWait::Now() - m_lBegin) / 1e9;
     summary.fWallTime = static_cast<double>(m_Wall.nsecsElapsed()) / 1e9;
     summary.iAxes = AppConfig::m_iMchType;

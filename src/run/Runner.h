@@ -1,11 +1,11 @@
 #pragma once
+#include "run/AutoOperator.h"
 #include "run/EdgeRecording.h"
 #include "run/HeadlessScreen.h"
 #include "run/JobKind.h"
 #include "run/MoveRecording.h"
 #include "run/Options.h"
 #include "run/Summary.h"
-#include "run/Supervision.h"
 #include "run/Surface.h"
 
 #include <QElapsedTimer>
@@ -58,7 +58,7 @@ private:
     stSummary Summarize() const;
     void SavePicture(const QString& strPath, const QImage& image);
     void PrintSummary(const stSummary& summary);
-    bool IsStopped() const { return m_pSupervision->Result() != EXIT_DONE; }
+    bool IsStopped() const { return m_pOperator->Result() != EXIT_DONE; }
 
     const stRunOptions m_Options;
     QTemporaryDir m_Scratch;
@@ -75,7 +75,7 @@ private:
     std::unique_ptr<CEdgeRecording> m_pEdges;
     std::unique_ptr<CRelief> m_pRelief;
     stFloatPoint m_WorkZero;   // of the job, as the carriages count, mm
-    std::unique_ptr<CSupervision> m_pSupervision;
+    std::unique_ptr<CAutoOperator> m_pOperator;
     QElapsedTimer m_Wall;
     qint64 m_lBegin = 0, m_lLinesRun = 0;
     CShared<bool> m_bJobRuns = false;

@@ -12,6 +12,7 @@
 class CShapeJob
 {
 public:
+    const stShapeCuttingInfo& Info() const { return m_stCuttingInfo; }
     size_t Count() const { return m_stCuttingInfo.lstShapes.size(); }
     stPolygon* PolygonAt(size_t uIndex) const;   // null: no such entry, or no polygon
     stEllipse* EllipseAt(size_t uIndex) const;

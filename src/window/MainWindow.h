@@ -4,7 +4,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Shared.h"
 #include "control/AppControl.h"
-#include "preview/ToolPathPicture.h"
+#include "control/Supervision.h"
 #include "screens/carving/DlgImageCarving.h"
 #include "screens/gcode/DlgGCode.h"
 #include "screens/host/ScreenHost.h"
@@ -16,18 +16,27 @@
 #include "widgets/DlgMyHorizSlideBar.h"
 #include "widgets/MyRndBtn.h"
 #include "widgets/MyView.h"
-#include "window/KeyControl.h"
 
-#include <QElapsedTimer>
 #include <QMainWindow>
-#include <QMutex>
 
+#include <memory>
+
+class CFeedPanel;
+class CKeyPilot;
+class CLogList;
+class CMachineButtons;
+class COperationStates;
+class CPicturePanel;
+class CPositionPanel;
+class CScreenStack;
+class CSpindlePanel;
+class CStartStop;
 class QTimer;
 class Ui_MainWindow;
 
 // The one window of the system. It owns everything: the screens, which it swaps in the work area, the jog panel, the
-// worker and its axes. A timer of 34 ms runs the supervision loop, which shows what the worker has to say and watches
-// the inputs. Nothing here waits for the machine.
+// worker and its axes, and the parts that do the work of its slots. A timer of 34 ms runs the supervision loop, which
+// shows what the worker has to say and watches the inputs. Nothing here waits for the machine.
 // Interface thread; what it offers as COperatorScreen may be called from any thread and is then done on this one.
 class MainWindow : public QMainWindow, public CScreenHost, public COperatorScreen
 {
@@ -85,7 +94,7 @@ public slots:
     void on_Btn_JobSettings_clicked();
 
     void OnTimer();
-    void OnBtnClickTimerElapsed();
+    void OnBtnClickTimerElapsed() {}   // wanted: no code starts its timer
 
     void Btn_Stop_pressed();
     void Btn_Stop_released();
@@ -136,85 +145,36 @@ private:
     // On the interface thread: at once there, from another thread as a posted call.
     template <class Fn> bool PostToInterface(Fn&& fnCall);
 
-    // Start-up, in the order of the steps.
+    // Steps of the start-up.
+    void MakeParts();
     void SetUpWindow();
     void LoadSettings();
-    void SetUpPicture();
-    void SetUpMachine();
     void PlaceScreens();
     void SetUpRoundButtons();
-    void StartSupervision();
     void SetUpSlideBars();
 
-    // The steps of a tick.
-    void SendSpindleFrequency();
-    void ShowNextMessages();
-    void ShowPositions();
-    void ShowStartRequest();
+    // Steps of a tick.
+    void ShowMessages(const stMessages& messages);
     void ShowToolChangePause();
-    void NoteOperationEnd();
-    void ShowCarvingRow();
-    void ShowToolPathsOfJob();
-    void WatchEmergencyStopInput();
     void WatchStartInput();
-    void ActOnHeldKey();
-    void ShowSpindleOfProgram();
 
-    // Operation states.
-    struct stStateRow;
-    struct stEndRow;
-    static const stStateRow m_lstStateTable[];
-    static const stEndRow m_lstEndTable[];
-    bool MayBeEnabled(const QWidget* pWidget) const;
-    bool IsScreenSelector(const QWidget* pWidget) const;
-    QString EndWorkHoming();
-    QString EndMchHoming();
-    QString EndZProbe();
-    QString EndGCode();
-    QString EndZProfile();
-    void EndJob(qint32 iOperation);
-    void ShowSpindle(QPushButton* pButton, bool bEnabled, const QString& strStyle, const QString& strText);
-    void ShowAutoSpindle();
-    void ShowSpindleOff();
-
-    // Screens and round buttons.
-    void ShowScreen(QWidget* pScreen, QPushButton* pButton);
-    bool PassSettingsLock();
-    bool IsSettingsScreenShown() const;
-    QString WhyNotStart();
-    bool StartShownScreen();
-    void RefuseStart(const QString& strMsg);
-    void ToggleEmergencyStop();
-
-    // Machine buttons.
-    bool RefuseUnhomed();
-    bool RefuseBusy();
-    bool MayMoveMachine();
-    void MoveAxisWorkHome(eAxis axis, QPushButton* pButton);
-    void ToggleSpindle(quint16 uMCode, QPushButton* pButton, QPushButton* pOther, const QString& strName);
-
-    // Work piece.
-    double AskWorkPieceSize(QPushButton* pButton, const QString& strTitle, const QString& strLabel, double fSize);
-    void ShowWorkPieceSize(QPushButton* pButton, const QString& strLabel, double fSize);
-    void UpdateToolPathView();
-    bool StartRecording();
-
-    // Keyboard.
-    void DoKey(const stKeyDecision& decision, int iKey);
-    void ChangeFeedByKey(int iStep);
-    void ChangeSpeedByKey(int iStep);
-    void JogByKey(eAxis axis, int iSign);
-    void SwitchSpindleByKey();
-    void MoveZeroByKey(eKeyAction eAction);
-    void SetZeroByKey(eKeyAction eAction);
-    void EndKeyJog();
-    void DropKeys();
-    void UpdateKeyboardGrab();
+    void ShowOperationEnd(const stOperationEnd& end);
+    bool StartShapes();
 
     Ui_MainWindow* m_pUi;
+    // Made when the form is there, and gone behind everything that may still call the window.
+    std::unique_ptr<CLogList> m_pLog;
+    std::unique_ptr<COperationStates> m_pStates;
+    std::unique_ptr<CScreenStack> m_pScreens;
+    std::unique_ptr<CPositionPanel> m_pPositions;
+    std::unique_ptr<CFeedPanel> m_pFeeds;
+    std::unique_ptr<CSpindlePanel> m_pSpindle;
+    std::unique_ptr<CPicturePanel> m_pPicture;
+    std::unique_ptr<CMachineButtons> m_pMachineButtons;
+    std::unique_ptr<CStartStop> m_pStartStop;
+    std::unique_ptr<CKeyPilot> m_pKeys;
+
     CdlgMyHorizSlideBar m_G01FeedBar, m_G00FeedBar, m_SpindleSpeedBar;
-    stFloatPoint m_PosBeforeSimulation;
-    CToolPathPicture m_Picture;
     bool m_bInOnTimer = false;
     CdlgJobSettings m_dlgJobSettings;
     CDlgImageCarving m_dlgImageCarving;
@@ -223,32 +183,17 @@ private:
     CdlgGCode m_dlgGCode;
     CDlgUserSettings m_dlgUserSettings;
     CDlgMachineSettings m_dlgMachineSettings;
-    QWidget* m_pCurDlg = nullptr;
-    QPushButton* m_pCurDlgBtn = nullptr;
     CMyRndBtn m_BtnStop, m_BtnStart, m_BtnPause, m_BtnReset;
-    QMutex m_mtxFeed;
     QTimer* m_pSupervisionTimer = nullptr;
     QTimer* m_pBtnClickTimer = nullptr;
-    quint16 m_iPrevEStopInput = 0, m_iPrevPgmStartInput = 0;
 
 public:
     AppControl m_AppControl;
 
 private:
-    QImage m_CameraImage;   // what is shown of the camera
+    CSupervision m_Supervision{m_AppControl};
     CMyView m_ToolPathView;
     CCncCamera m_CncCamera;
-    qint32 m_iKeyHoldCode = 0;   // -1: used
-    QElapsedTimer m_KeyHoldTimer;
-    quint16 m_iLastPwmFreq = 0;
-
-    bool m_bKeyModeContinuous = true;
-    double m_fKeyJogStep = 0.05;   // mm
-    bool m_bKeyJogging = false;
-    bool m_bGrabWanted = true;      // false while text is typed on a screen
-    bool m_bSelectorsOff = false;   // shapes are edited
     bool m_bStarting = true;
-    bool m_bFiveAxes = false;             // as the machine was started: a change needs a restart
-    bool m_bJogPanelTaken = false;        // by a start or a resume; given back at the end of the operation
     CShared<quint32> m_uOperations = 0;   // counts starts: a posted end belongs to the operation that it was posted in
 };

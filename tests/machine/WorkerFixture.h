@@ -39,11 +39,6 @@ public:
     using AppControl::run;
 
     CWorker() { m_pWorkObserver = this; }
-    ~CWorker() override
-    {
-        StopAll();
-        wait();
-    }
     void OnWork(const stWorkCommand& command) override
     {
         if (command.eKind == WORK_AXIS_TO) Note(command.axis, Number("%.10g", command.fValue));

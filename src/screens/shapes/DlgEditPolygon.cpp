@@ -38,7 +38,7 @@ void CDlgEditPolygon::ConfigSettings()
     m_fScale = 1.0;
     m_Before = Polygon() ? *Polygon() : stPolygon();
     m_pUi->Lbl_Name->setText(m_Before.strShapeName);
-    Screen().SelectVertex(-1);
+    m_iVertex = -1;
     UpdatePolyVertices();
 }
 
@@ -63,7 +63,7 @@ void CDlgEditPolygon::UpdatePolyVertices()
         else if (list.item(iRow)->text() != strText)
             list.item(iRow)->setText(strText);
     }
-    list.setCurrentRow(Screen().SelectedVertex());
+    list.setCurrentRow(m_iVertex);
 }
 
 int CDlgEditPolygon::CurrentVertex() const
@@ -75,7 +75,7 @@ int CDlgEditPolygon::CurrentVertex() const
 void CDlgEditPolygon::SelectRow(int iRow)
 {
     m_pUi->LW_PolygonVertices->setCurrentRow(iRow);
-    Screen().SelectVertex(iRow);
+    m_iVertex = iRow;
 }
 
 void CDlgEditPolygon::AfterChange()
@@ -100,9 +100,37 @@ void CDlgEditPolygon::LWSelectString(const stFloatPoint& point)
     if (iBest >= 0) SelectRow(iBest);
 }
 
+void CDlgEditPolygon::OnPress(const stFloatPoint& at, Qt::MouseButton)
+{
+    LWSelectString(at);
+    Screen().DrawWorkArea();
+}
+
+// The finger takes hold of what lies in a square of 6 mm around it.
+static bool Holds(const stFloatPoint& at, const stFloatPoint& pos)
+{
+    static constexpr double HALF = 3.0;
+    const auto IsIn = [](double fAt, double fPos) {   // on whole millimetres; a file may hold any number
+        const double fOff = std::trunc(fPos) - (std::trunc(fAt) - HALF);
+        return fOff >= 0.0 && fOff < 2.0 * HALF;
+    };
+    return IsIn(at.x, pos.x) && IsIn(at.y, pos.y);
+}
+
+void CDlgEditPolygon::OnDrag(const stFloatPoint& from, const stFloatPoint& to)
+{
+    stPolygon* pPolygon = Polygon();
+    if (!pPolygon || m_iVertex < 0 || static_cast<size_t>(m_iVertex) >= pPolygon->lstVertices.size()) return;
+    stFloatPoint& vertex = pPolygon->lstVertices[static_cast<size_t>(m_iVertex)];
+    if (!Holds(from, vertex)) return;
+    vertex.x = to.x;
+    vertex.y = to.y;
+    UpdatePolyVertices();
+}
+
 void CDlgEditPolygon::on_LW_PolygonVertices_clicked(const QModelIndex&)
 {
-    Screen().SelectVertex(CurrentVertex());
+    m_iVertex = CurrentVertex();
     Screen().DrawWorkArea();
 }
 
@@ -117,7 +145,7 @@ void CDlgEditPolygon::on_LW_PolygonVertices_doubleClicked(const QModelIndex&)
     dialog.exec();
     if (!dialog.m_bAccepted || !Polygon() || uRow >= Polygon()->lstVertices.size()) return;
     Polygon()->lstVertices[uRow] = dialog.m_stVertex;
-    Screen().SelectVertex(iRow);
+    m_iVertex = iRow;
     AfterChange();
 }
 
@@ -127,7 +155,7 @@ void CDlgEditPolygon::SwapVertices(int iRow, int iOther)
 {
     ShapePath& path = Polygon()->lstVertices;
     std::swap(path[static_cast<size_t>(iRow)], path[static_cast<size_t>(iOther)]);
-    Screen().SelectVertex(iOther);
+    m_iVertex = iOther;
     AfterChange();
 }
 
@@ -148,7 +176,7 @@ void CDlgEditPolygon::on_Btn_DeletePt_clicked()
     if (iRow < 0) return;
     ShapePath& path = Polygon()->lstVertices;
     path.erase(path.begin() + iRow);
-    Screen().SelectVertex(std::min(iRow, static_cast<int>(path.size()) - 1));
+    m_iVertex = std::min(iRow, static_cast<int>(path.size()) - 1);
     AfterChange();
 }
 
@@ -160,7 +188,7 @@ void CDlgEditPolygon::on_Btn_InsertPt_clicked()
     dialog.exec();
     if (!dialog.m_bAccepted || !Polygon() || static_cast<size_t>(iAt) > Polygon()->lstVertices.size()) return;
     Polygon()->lstVertices.insert(Polygon()->lstVertices.begin() + iAt, dialog.m_stVertex);
-    Screen().SelectVertex(iAt);
+    m_iVertex = iAt;
     AfterChange();
 }
 
@@ -251,7 +279,7 @@ void CDlgEditPolygon::on_Btn_Ok_clicked()
 void CDlgEditPolygon::on_Btn_Cancel_clicked()
 {
     if (Polygon()) *Polygon() = m_Before;
-    Screen().SelectVertex(-1);
+    m_iVertex = -1;
     Screen().DrawWorkArea();
     Finish();
 }

@@ -18,11 +18,14 @@ public:
     ~CDlgEditPolygon() override;
 
     void ConfigSettings();
-    void UpdatePolyVertices();                        // the list, from the record; the screen's vertex is selected
+    void UpdatePolyVertices();                        // the list, from the record
     void LWSelectString(const stFloatPoint& point);   // the vertex at a place of the drawing
     void ChangeShapeOrientation(double fAngle);       // radians, clockwise, about the middle
     void SetShapeScale(double fFactor);               // about the first vertex
     void Keep() override;
+    void OnPress(const stFloatPoint& at, Qt::MouseButton eButton) override;   // selects a vertex
+    void OnDrag(const stFloatPoint& from, const stFloatPoint& to) override;   // moves it
+    stMarks Marks() const override { return {.bRow = true, .iVertex = m_iVertex}; }
 
     size_t m_uIndex = 0;   // of the polygon; set before ConfigSettings
 
@@ -51,6 +54,7 @@ private:
     std::optional<double> AskTotal(QPushButton* pButton, const QString& strName, double fLow, double fHigh);
 
     stPolygon m_Before;
+    int m_iVertex = -1;                          // the selected one
     double m_fOffsetX = 0.0, m_fOffsetY = 0.0;   // applied since the opening
     double m_fOrientation = 0.0;                 // radians
     double m_fScale = 1.0;

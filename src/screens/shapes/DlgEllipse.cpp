@@ -5,6 +5,8 @@
 #include "ui_DlgEllipse.h"
 #include "widgets/ButtonStyle.h"
 
+#include <QRectF>
+
 #include <cmath>
 
 static constexpr double FARTHEST_CENTER = 100000000.0, LARGEST_AXIS = 100000.0, LARGEST_STEP = 1000.0;
@@ -67,6 +69,19 @@ void CDlgEllipse::AfterChange()
         on_Btn_EllipseHole_clicked();
     }
     if (!m_bHole) UpdateEllipse();
+}
+
+void CDlgEllipse::OnDrag(const stFloatPoint& from, const stFloatPoint& to)
+{
+    stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
+    if (!pEllipse) return;
+    const QRectF axes(pEllipse->stCenter.x - pEllipse->fMajorAxisDia / 2.0,
+                      pEllipse->stCenter.y - pEllipse->fMinorAxisDia / 2.0, pEllipse->fMajorAxisDia,
+                      pEllipse->fMinorAxisDia);
+    if (!axes.contains(QPointF(from.x, from.y))) return;
+    pEllipse->stCenter.x = to.x;
+    pEllipse->stCenter.y = to.y;
+    UpdateEllipseParams();
 }
 
 // ---- Numbers --------------------------------------------------------------------------------------------------------

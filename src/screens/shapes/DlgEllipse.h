@@ -18,6 +18,7 @@ public:
     void ConfigSettings();
     void UpdateEllipseParams();   // shows the record, and makes its points anew
     void Keep() override;
+    void OnDrag(const stFloatPoint& from, const stFloatPoint& to) override;   // the ellipse
 
     size_t m_uIndex = 0;        // of the ellipse; set before ConfigSettings
     bool m_bAccepted = false;   // by Ok

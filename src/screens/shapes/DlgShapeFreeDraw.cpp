@@ -24,6 +24,18 @@ void CDlgShapeFreeDraw::ConfigSettings()
     if (const stPolygon* pPolygon = Job().LastPolygon()) m_pUi->Lbl_Name->setText(pPolygon->strShapeName);
 }
 
+void CDlgShapeFreeDraw::OnPress(const stFloatPoint& at, Qt::MouseButton eButton)
+{
+    stPolygon* pPolygon = Job().LastPolygon();
+    if (pPolygon && pPolygon->bHole)
+        Host().AddLogMsg(QStringLiteral("Switch Pocket off to change the shape"), MSG_NOTICE);
+    else if (pPolygon && eButton == Qt::LeftButton)
+        pPolygon->lstVertices.push_back(at);
+    else if (eButton == Qt::RightButton)
+        Job().RemoveLastPoint();
+    Screen().DrawWorkArea();
+}
+
 void CDlgShapeFreeDraw::on_Btn_ClosePoly_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_ClosePoly, BTN_BKGND_GRAY, BTN_BKGND_BLUE);

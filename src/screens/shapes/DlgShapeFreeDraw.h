@@ -18,6 +18,8 @@ public:
     // Another way to keep the tool beside the outline, which no button calls: a second polygon along the axes.
     void ApplyToolOffset(const QString& strSide);
     void Keep() override;
+    void OnPress(const stFloatPoint& at, Qt::MouseButton eButton) override;   // appends, or with the right takes away
+    stMarks Marks() const override { return {.bLastPoint = true}; }
 
 private slots:
     void on_Btn_ClosePoly_clicked();

@@ -28,6 +28,17 @@ public:
     virtual void Keep() = 0;    // the Ok of the dialog; also when the screen goes from view
     void reject() override {}   // Escape must not hide it
 
+    // ---- A finger on the drawing, mm ----
+    virtual void OnPress(const stFloatPoint&, Qt::MouseButton) {}
+    virtual void OnDrag(const stFloatPoint&, const stFloatPoint&) {}   // from one place to another, in small steps
+    struct stMarks
+    {
+        bool bRow = false;         // the entry of the current row
+        int iVertex = -1;          // of that entry
+        bool bLastPoint = false;   // of the last shape, where drawing goes on
+    };
+    virtual stMarks Marks() const { return {}; }   // on the drawing, while the dialog is open
+
 protected:
     CShapeHost& Screen() const { return m_Screen; }
     CShapeJob& Job() const { return m_Screen.Job(); }

@@ -1,33 +1,52 @@
 #include "screens/shapes/DlgShapes.h"
 
+#include "common/Paths.h"
 #include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
+#include "screens/host/PressedBtn.h"
 #include "screens/host/SettingsInput.h"
 #include "screens/shapes/DlgEditPolygon.h"
 #include "screens/shapes/DlgEllipse.h"
+#include "screens/shapes/DlgShapeFreeDraw.h"
 #include "screens/shapes/DlgShapeFromImg.h"
+#include "screens/shapes/DlgShapeFromTxt.h"
 #include "shapes/EllipsePath.h"
+#include "shapes/WorkAreaFile.h"
 #include "ui_DlgShapes.h"
 #include "widgets/ButtonStyle.h"
+#include "widgets/Questions.h"
 
-#include <algorithm>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPointer>
 
 static constexpr double FRESH_LENGTH = 300.0, FRESH_WIDTH = 200.0;   // mm
 static constexpr double LARGEST_AREA = 1000000.0, DEEPEST = 10000.0;
 static constexpr double THINNEST_MILL = 0.1, THICKEST_MILL = 100.0;
 static constexpr int SCROLL_BARS = 25;   // pixels of the view
+static const QString FILE_FILTER = QStringLiteral("xml Files(*.xml)");
+static const QString GCODE_FILTER = QStringLiteral("text files(*.txt);;G-Code files(*.ncc)");
+
+static std::unique_ptr<Ui::CDlgShapes> SetUp(QDialog* pDialog)
+{
+    auto pUi = std::make_unique<Ui::CDlgShapes>();
+    pUi->setupUi(pDialog);
+    return pUi;
+}
 
 CDlgShapes::CDlgShapes(QWidget* pParent)
-    : QDialog(pParent), m_pUi(std::make_unique<Ui::CDlgShapes>()), m_Map(QSize(1, 1), {})
+    : QDialog(pParent), m_pUi(SetUp(this)),
+      m_pWorkAreaImg(std::make_unique<QImage>(m_pUi->View_WorkArea->size() - QSize(SCROLL_BARS, SCROLL_BARS),
+                                              QImage::Format_RGB888)),
+      m_Rows(*m_pUi->Lw_Shapes, *this), m_Drawing(*m_pUi->View_WorkArea, *m_pWorkAreaImg, *this)
 {
-    m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
     m_pUi->Btn_DispGraphics->setStyleSheet(BTN_BKGND_GREEN);
     m_stCuttingInfo.stWorkArea.x = FRESH_LENGTH;
     m_stCuttingInfo.stWorkArea.y = FRESH_WIDTH;
-    m_pWorkAreaImg =
-        std::make_unique<QImage>(m_pUi->View_WorkArea->size() - QSize(SCROLL_BARS, SCROLL_BARS), QImage::Format_RGB888);
     m_pUi->View_WorkArea->EnableZoom(true);
     m_pUi->View_WorkArea->installEventFilter(this);
     connect(m_pUi->View_WorkArea, &CMyView::MouseMoved, this, &CDlgShapes::OnMouseMove);
@@ -64,9 +83,8 @@ void CDlgShapes::UpdateWorkArea()
         m_stCuttingInfo.stWorkArea.y = AppConfig::m_fAxisPosDirLimit[Y_AXIS] - AppConfig::m_fAxisWorkZero[Y_AXIS];
         ShowSize();
     }
-    m_Map = CWorkAreaMap(m_pWorkAreaImg->size(), m_stCuttingInfo.stWorkArea);
-    if (m_pOpen == m_dlgShapeFromImg.get()) m_dlgShapeFromImg->ConfigSettings();
-    m_Picture.Forget();
+    m_Drawing.FollowWorkArea();
+    if (m_Drawing.Dialog() == m_dlgShapeFromImg.get()) m_dlgShapeFromImg->ConfigSettings();
     DrawWorkArea();
 }
 
@@ -95,7 +113,7 @@ void CDlgShapes::showEvent(QShowEvent* pEvent)
 void CDlgShapes::hideEvent(QHideEvent* pEvent)
 {
     QDialog::hideEvent(pEvent);
-    if (m_pOpen && !pEvent->spontaneous()) m_pOpen->Keep();
+    if (IsEditing() && !pEvent->spontaneous()) m_Drawing.Dialog()->Keep();
 }
 
 // ---- Start ----------------------------------------------------------------------------------------------------------
@@ -178,7 +196,7 @@ void CDlgShapes::on_Btn_WorkAreaWidth_clicked()
 
 void CDlgShapes::on_Btn_ShapeDepth_clicked()
 {
-    const int iRow = CurrentRow();
+    const int iRow = m_Rows.Current();
     if (iRow < 0) return;
     stShapesCommonInfo& shape = m_stCuttingInfo.lstShapes[static_cast<size_t>(iRow)].Common();
     const auto fNew = AskNumber(Host(), m_pUi->Btn_ShapeDepth,
@@ -221,4 +239,283 @@ void CDlgShapes::on_Btn_EndMillDia_clicked()
                                  .iDecimals = 1},
                                 AppConfig::m_fEndMillDia);
     if (fNew) AppConfig::m_fEndMillDia = *fNew;
+}
+
+// ---- Rows -----------------------------------------------------------------------------------------------------------
+
+void CDlgShapes::ShowDepth()
+{
+    if (const int iRow = m_Rows.Current(); iRow >= 0)
+        ShowNumber(m_pUi->Btn_ShapeDepth, {.strCaption = QStringLiteral("Depth")},
+                   m_stCuttingInfo.lstShapes[static_cast<size_t>(iRow)].Common().fDepth);
+}
+
+void CDlgShapes::on_Lw_Shapes_itemClicked(QListWidgetItem*)
+{
+    ShowDepth();
+    m_Drawing.Show(m_Rows.Current());
+}
+
+void CDlgShapes::on_Btn_DelShape_clicked()
+{
+    const int iRow = m_Rows.Current();
+    if (iRow < 0) return;
+    m_Rows.Remove(iRow);
+    ShowDepth();   // of the row that has moved up
+    DrawWorkArea();
+}
+
+void CDlgShapes::on_Btn_DelAllShapes_clicked()
+{
+    if (QMessageBox::warning(this, QStringLiteral("Warning"), QStringLiteral("Do you want to delete all Shapes"),
+                             QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+        return;
+    m_Rows.RemoveAll();
+    DrawWorkArea();
+}
+
+void CDlgShapes::MoveRow(int iStep)
+{
+    if (m_Rows.MoveCurrent(iStep)) DrawWorkArea();
+}
+
+// Up is towards the end of the list: wanted, the shape is cut later.
+void CDlgShapes::on_Btn_MoveShapeUp_clicked()
+{
+    MoveRow(1);
+}
+
+void CDlgShapes::on_Btn_MoveShapeDown_clicked()
+{
+    MoveRow(-1);
+}
+
+// ---- Dialogs --------------------------------------------------------------------------------------------------------
+
+bool CDlgShapes::RunDialog(CDlgShapeSource& dialog, size_t uEdited)
+{
+    const QPointer<CDlgShapes> alive(this);
+    m_strToldOnce.clear();
+    m_Drawing.Open(dialog, uEdited);
+    m_Drawing.Show(m_Rows.Current());
+    Host().EnableScreenSelectors(false);
+    dialog.Run();
+    if (!alive) return false;
+    m_Drawing.Close();
+    Host().EnableScreenSelectors(true);
+    return true;
+}
+
+void CDlgShapes::AdoptNewShapes()
+{
+    ListNewShapes();
+    DrawWorkArea();
+}
+
+void CDlgShapes::ListNewShapes()
+{
+    if (m_Rows.AppendAdded()) ShowDepth();
+}
+
+void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
+{
+    const int iRow = m_Rows.Current();
+    if (iRow < 0 || IsEditing() || Host().Machine().m_eOperation != OP_NONE) return;
+    BeginAdding();
+    if (EllipseAt(static_cast<size_t>(iRow)))
+        EditEllipse(static_cast<size_t>(iRow));
+    else
+        EditPolygon(static_cast<size_t>(iRow));
+}
+
+void CDlgShapes::EditEllipse(size_t uIndex)
+{
+    const stEllipse before = *EllipseAt(uIndex);
+    m_dlgEllipse->m_uIndex = uIndex;
+    m_dlgEllipse->ConfigSettings();
+    if (!RunDialog(*m_dlgEllipse, uIndex)) return;
+    if (stEllipse* pEllipse = EllipseAt(uIndex); pEllipse && !m_dlgEllipse->m_bAccepted) {
+        *pEllipse = before;
+        CreateEllipsePoints(static_cast<quint32>(uIndex));
+    }
+    ShowDepth();
+    AdoptNewShapes();   // the rings of a pocket
+}
+
+void CDlgShapes::EditPolygon(size_t uIndex)
+{
+    m_dlgEditPolygon->m_uIndex = uIndex;
+    m_dlgEditPolygon->ConfigSettings();
+    if (!RunDialog(*m_dlgEditPolygon, uIndex)) return;
+    if (const stPolygon* pPolygon = PolygonAt(uIndex); pPolygon && pPolygon->lstVertices.empty()) {
+        m_Rows.Remove(static_cast<int>(uIndex));
+    } else if (pPolygon) {
+        m_Rows.ShowName(static_cast<int>(uIndex), pPolygon->strShapeName);
+    }
+    ShowDepth();
+    DrawWorkArea();
+}
+
+void CDlgShapes::on_Btn_AddEllipse_clicked()
+{
+    BeginAdding();
+    AddEllipse(QStringLiteral("Ellipse_%1").arg(Count() + 1));
+    m_dlgEllipse->m_uIndex = FirstAdded();
+    m_dlgEllipse->ConfigSettings();
+    if (RunDialog(*m_dlgEllipse)) AdoptNewShapes();
+}
+
+void CDlgShapes::on_Btn_DrawContour_clicked()
+{
+    BeginAdding();
+    AddPolygon(QStringLiteral("Shape_%1").arg(Count() + 1));
+    const QPointer<CDlgShapeFreeDraw> pDialog(new CDlgShapeFreeDraw(*this, this));   // the screen's, should it go first
+    pDialog->ConfigSettings();
+    if (!RunDialog(*pDialog)) return;
+    delete pDialog.data();
+    AdoptNewShapes();
+}
+
+void CDlgShapes::on_Btn_ShapeFromTxt_clicked()
+{
+    Host().GrabKeyboard(false);   // letters go to the text, not to the axes
+    BeginAdding();
+    const QPointer<CDlgShapeFromTxt> pDialog(new CDlgShapeFromTxt(*this, this));
+    pDialog->ConfigSettings();
+    if (!RunDialog(*pDialog)) return;
+    delete pDialog.data();
+    Host().GrabKeyboard(true);
+    AdoptNewShapes();
+}
+
+void CDlgShapes::on_Btn_ShapeFromImg_clicked()
+{
+    BeginAdding();
+    m_dlgShapeFromImg->ConfigSettings();
+    if (RunDialog(*m_dlgShapeFromImg)) AdoptNewShapes();
+}
+
+// ---- Work area ------------------------------------------------------------------------------------------------------
+
+QString CDlgShapes::AskSaveName()
+{
+    const QString strTyped =
+        QFileDialog::getSaveFileName(this, QStringLiteral("Select file tosave..."), CPaths::Map(HOME_FOLDER),
+                                     FILE_FILTER, nullptr, QFileDialog::DontUseNativeDialog);
+    if (strTyped.isEmpty()) return {};
+    const QString strPath = WorkAreaFileName(strTyped);
+    return MayReplace(this, strTyped, strPath) ? strPath : QString();
+}
+
+void CDlgShapes::on_Btn_SaveWorkArea_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_SaveWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
+    if (Count() == 0) return LogError(QStringLiteral("No shapes added"));
+    const QString strPath = AskSaveName();
+    if (strPath.isEmpty()) return;
+    if (SaveWorkArea(strPath, m_stCuttingInfo))
+        Host().AddLogMsg(QStringLiteral("Work area saved to\n") + strPath, MSG_INFO);
+    else
+        LogError(QStringLiteral("Unable to Create the file"));
+}
+
+void CDlgShapes::on_Btn_LoadWorkArea_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_LoadWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
+    BeginAdding();
+    const QString strPath = QFileDialog::getOpenFileName(this, QStringLiteral("Select file to open..."),
+                                                         CPaths::Map(AppConfig::m_strLastFolderPath), FILE_FILTER,
+                                                         nullptr, QFileDialog::DontUseNativeDialog);
+    if (strPath.isEmpty()) return;
+    AppConfig::m_strLastFolderPath = strPath.left(strPath.lastIndexOf(QLatin1Char('/')) + 1);
+    QStringList lstNotices;
+    if (!LoadWorkArea(strPath, m_stCuttingInfo, lstNotices)) return LogError(QStringLiteral("Unable to load the file"));
+    LogAll(lstNotices);
+    if (m_stCuttingInfo.stWorkArea.x > 0.0 && m_stCuttingInfo.stWorkArea.y > 0.0) ShowSize();
+    Host().AddLogMsg(QStringLiteral("Shapes loaded: %1").arg(Added().size()), MSG_INFO);
+    ListNewShapes();
+    UpdateWorkArea();
+}
+
+// ---- G-Code ---------------------------------------------------------------------------------------------------------
+
+QString CDlgShapes::AskGCodeName()
+{
+    const QString strTyped =
+        QFileDialog::getSaveFileName(this, QStringLiteral("Select a file to Save..."), CPaths::Map(HOME_FOLDER),
+                                     GCODE_FILTER, nullptr, QFileDialog::DontUseNativeDialog);
+    if (strTyped.isEmpty()) return {};
+    const bool bEnding = strTyped.endsWith(QLatin1String(".txt")) || strTyped.endsWith(QLatin1String(".ncc"));
+    const QString strPath = bEnding ? strTyped : strTyped + QStringLiteral(".txt");
+    return MayReplace(this, strTyped, strPath) ? strPath : QString();
+}
+
+void CDlgShapes::on_Btn_GenerateGCode_clicked()
+{
+    if (Count() == 0) return LogError(QStringLiteral("No Shapes Added"));
+    const CPressedBtn press(Host(), m_pUi->Btn_GenerateGCode, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
+    const QString strPath = AskGCodeName();
+    if (strPath.isEmpty()) return;
+    // What is logged below says the same of a file that can't be written.
+    if (!QFile(strPath).open(QIODevice::Append)) LogError(QStringLiteral("Unable to Create the file\n") + strPath);
+    AppControl& machine = Host().Machine();
+    machine.m_pShapeCuttingInfo = &m_stCuttingInfo;
+    machine.CreateGCodeFromShapes(strPath);
+    Host().AddLogMsg(QStringLiteral("G-Code File Generated"), MSG_INFO);   // wanted: whatever came of it
+}
+
+// ---- Background -----------------------------------------------------------------------------------------------------
+
+void CDlgShapes::ToggleBackground(QPushButton* pButton)
+{
+    if (HasBackground()) {
+        pButton->setStyleSheet(BTN_BKGND_GRAY);
+        m_Drawing.SetBackground(nullptr);
+        return m_Drawing.Show(m_Rows.Current());
+    }
+    pButton->setStyleSheet(BTN_BKGND_GREEN);
+    const QString strPath =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Select a file to Open..."), CPaths::Map(HOME_FOLDER),
+                                     PICTURE_FILTER, nullptr, QFileDialog::DontUseNativeDialog);
+    if (!strPath.isEmpty()) m_Drawing.SetBackground(LoadGuide(Host(), strPath));
+    if (!HasBackground()) pButton->setStyleSheet(BTN_BKGND_GRAY);
+    m_Drawing.Show(m_Rows.Current());
+}
+
+// ---- Drawing
+// ----------------------------------------------------------------------------------------------------------
+
+void CDlgShapes::DrawWorkArea()
+{
+    m_Drawing.Draw(m_Rows.Current());
+}
+
+void CDlgShapes::on_Btn_DispGraphics_clicked()
+{
+    m_pUi->Btn_DispGraphics->setStyleSheet(m_Drawing.ToggleMarks() ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
+    DrawWorkArea();
+}
+
+// ---- Press ----------------------------------------------------------------------------------------------------------
+
+void CDlgShapes::mousePressEvent(QMouseEvent* pEvent)
+{
+    const QPointF view = m_pUi->View_WorkArea->mapFrom(this, pEvent->position());
+    if (!m_Drawing.Press(view, pEvent->button())) QDialog::mousePressEvent(pEvent);
+}
+
+// Two quick touches are two points, not a double click, which would fit the view.
+bool CDlgShapes::eventFilter(QObject* pObject, QEvent* pEvent)
+{
+    if (pObject != m_pUi->View_WorkArea || pEvent->type() != QEvent::MouseButtonDblClick || !IsEditing())
+        return QDialog::eventFilter(pObject, pEvent);
+    const auto* pMouse = static_cast<QMouseEvent*>(pEvent);
+    (void)m_Drawing.Press(pMouse->position(), pMouse->button());
+    return true;
+}
+
+void CDlgShapes::OnMouseMove()
+{
+    m_Drawing.Move();
+    m_Drawing.Show(m_Rows.Current());
 }

@@ -1,7 +1,8 @@
 #pragma once
 #include "screens/host/ScreenHost.h"
+#include "screens/shapes/ShapeDrawing.h"
 #include "screens/shapes/ShapeHost.h"
-#include "shapes/WorkAreaPicture.h"
+#include "screens/shapes/ShapeRows.h"
 
 #include <QDialog>
 
@@ -10,7 +11,6 @@
 class CDlgEditPolygon;
 class CDlgEllipse;
 class CDlgShapeFromImg;
-class CDlgShapeSource;
 class QListWidgetItem;
 namespace Ui {
 class CDlgShapes;
@@ -34,7 +34,7 @@ public:
 
     // True: the job has been started, or a running one paused or resumed. False: refused, with a line in the log.
     bool StartShapeCutting();
-    bool IsEditing() const { return m_pOpen != nullptr; }   // a dialog lies on the list
+    bool IsEditing() const { return m_Drawing.Dialog() != nullptr; }   // a dialog lies on the list
 
     void reject() override {}   // Escape must not hide a screen
 
@@ -43,14 +43,12 @@ public:
 
     // ---- For the dialogs that make and edit shapes ----
     CShapeJob& Job() override { return *this; }
-    const stDisplayScale& Scale() const override { return m_Map.Scale(); }
+    const stDisplayScale& Scale() const override { return m_Drawing.Scale(); }
     void DrawWorkArea() override;
     void CreateEllipsePoints(quint32 uIndex) override;
     void LogOnce(const QString& strWhy) override;
     void ToggleBackground(QPushButton* pButton) override;
-    bool HasBackground() const override { return m_pBackground != nullptr; }
-    void SelectVertex(int iVertex) override { m_iVertex = iVertex; }
-    int SelectedVertex() const override { return m_iVertex; }
+    bool HasBackground() const override { return m_Drawing.HasBackground(); }
 
 protected:
     void mousePressEvent(QMouseEvent* pEvent) override;
@@ -87,44 +85,26 @@ private:
     void LogAll(const QStringList& lstNotices) const;
 
     // ---- List ----
-    int CurrentRow() const;   // of an entry that is there; -1: none
-    void SelectRow(int iRow);
-    void ShowDepth();
-    void SwapRows(int iRow, int iOther);
+    void ShowDepth();   // of the current row
+    void MoveRow(int iStep);
     void EditEllipse(size_t uIndex);
     void EditPolygon(size_t uIndex);
     // Runs a dialog with the screen selectors off; it changes the entry uEdited, if any, and those that it adds. False:
     // the screen is gone.
     bool RunDialog(CDlgShapeSource& dialog, size_t uEdited = SIZE_MAX);
-    void ListNewShapes();
-    void AdoptNewShapes();   // the open dialog's entries get their rows
-    void DropBackground();
+    void ListNewShapes();    // a dialog's, or a file's
+    void AdoptNewShapes();   // the same, and they are drawn
 
     // ---- Files ----
     QString AskSaveName();
     QString AskGCodeName();
     void ShowSize();
 
-    // ---- Drawing ----
-    void ShowPicture();                                         // what changes only
-    bool PressDrawing(QPointF view, Qt::MouseButton eButton);   // false: beside the work area
-    void DragVertex(const stFloatPoint& at);
-    void DragEllipse(const stFloatPoint& at);
-
     std::unique_ptr<Ui::CDlgShapes> m_pUi;
     std::unique_ptr<QImage> m_pWorkAreaImg;   // the view's, less its scroll bars
-    CWorkAreaMap m_Map;
-    CWorkAreaPicture m_Picture;
-    std::unique_ptr<QImage> m_pBackground;
-    QString m_strToldOnce;       // by the dialog that is open
-    bool m_bHeld = false;        // the press that lasts was on the work area
-    stFloatPoint m_stMousePos;   // mm; of the last press or movement
-    // While it is set a press on the drawing appends to the last polygon, or with the right button takes away.
-    bool m_bDrawing = false;
-    bool m_bMarks = true;
-    int m_iVertex = -1;   // of the polygon that is edited
-    CDlgShapeSource* m_pOpen = nullptr;
-    size_t m_uEdited = 0;
+    CShapeRows m_Rows;
+    CShapeDrawing m_Drawing;
+    QString m_strToldOnce;   // by the dialog that is open
     std::unique_ptr<CDlgEllipse> m_dlgEllipse;
     std::unique_ptr<CDlgEditPolygon> m_dlgEditPolygon;
     std::unique_ptr<CDlgShapeFromImg> m_dlgShapeFromImg;

@@ -18,6 +18,4 @@ public:
     // A picture to draw after, under the shapes; the dialog has asked for it on pButton, which shows its state.
     virtual void ToggleBackground(QPushButton* pButton) = 0;
     virtual bool HasBackground() const = 0;
-    virtual void SelectVertex(int iVertex) = 0;   // of the polygon that is edited; -1: none
-    virtual int SelectedVertex() const = 0;
 };

@@ -175,9 +175,10 @@ TEST_F(PolygonDialogs, ChangesVertices)
         EXPECT_EQ(Path().size(), 5u);
         Click(dialog, "Btn_DeletePt");
 
+        auto& list = Child<QListWidget>(dialog, "LW_PolygonVertices");
         // Under the finger, also where the view is zoomed and scrolled.
         TouchAt(30, 20);
-        EXPECT_EQ(m_Screen.SelectedVertex(), 2);
+        EXPECT_EQ(list.currentRow(), 2);
         Drag(At(30, 20), At(60, 45));
         ExpectNear(Path()[2], 60, 45);
         for (int n = 0; n < 20; ++n) {
@@ -190,12 +191,11 @@ TEST_F(PolygonDialogs, ChangesVertices)
             pBar->setValue(pBar->orientation() == Qt::Vertical ? 300 : 40);
         const auto Zoomed = [](double fX, double fY) { return At(fX, fY) * 2 - QPoint(40, 300); };
         Drag(Zoomed(30, 10), Zoomed(33, 14));
-        EXPECT_EQ(m_Screen.SelectedVertex(), 1);
+        EXPECT_EQ(list.currentRow(), 1);
         ExpectNear(Path()[1], 33, 14);
         Drag(Zoomed(80, 14), Zoomed(90, 14));   // nothing lies there
         ExpectNear(Path()[1], 33, 14);
 
-        auto& list = Child<QListWidget>(dialog, "LW_PolygonVertices");
         const QPoint first = list.visualItemRect(list.item(0)).center();
         CAnswer vertex(Vertex("Btn_Ok"));
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, first);

@@ -1,7 +1,6 @@
-#include "run/Supervision.h"
+#include "run/AutoOperator.h"
 
-#include "hardware/RpiGpio.h"
-#include "hardware/VantorGpio.h"
+#include "common/Refusals.h"
 #include "time/Wait.h"
 
 #include <algorithm>
@@ -17,9 +16,8 @@ static qint64 Ns(double fSeconds)
     return std::llround(fSeconds * 1e9);
 }
 
-CSupervision::CSupervision(AppControl& app, CVirtualMachine& machine, CHeadlessScreen& screen,
-                           const stRunOptions& options)
-    : m_App(app), m_Machine(machine), m_Screen(screen), m_Options(options), m_lstInputs(options.lstInputs)
+CAutoOperator::CAutoOperator(AppControl& app, CHeadlessScreen& screen, const stRunOptions& options)
+    : m_App(app), m_Supervision(app), m_Screen(screen), m_Options(options), m_lstInputs(options.lstInputs)
 {
     std::stable_sort(m_lstInputs.begin(), m_lstInputs.end(),
                      [](const stTimedInput& a, const stTimedInput& b) { return a.fSeconds < b.fSeconds; });
@@ -27,13 +25,13 @@ CSupervision::CSupervision(AppControl& app, CVirtualMachine& machine, CHeadlessS
     CWait::SetSleepHook(OnSleep);
 }
 
-CSupervision::~CSupervision()
+CAutoOperator::~CAutoOperator()
 {
     CWait::SetSleepHook(nullptr);
     g_pApp = nullptr;
 }
 
-void CSupervision::OnSleep(qint64 lUs)
+void CAutoOperator::OnSleep(qint64 lUs)
 {
     const AppControl* pApp = g_pApp;
     if (pApp && QThread::currentThread() == pApp && lUs >= WORKER_POLL_US && pApp->m_bPause)
@@ -42,7 +40,7 @@ void CSupervision::OnSleep(qint64 lUs)
 
 // ---- Inputs and the time limit ----------------------------------------------------------------------------------
 
-int CSupervision::PinOf(const stTimedInput& input) const
+int CAutoOperator::PinOf(const stTimedInput& input) const
 {
     switch (input.eWhat) {
     case stTimedInput::ESTOP: return AppConfig::m_iEStopInput;
@@ -54,13 +52,13 @@ int CSupervision::PinOf(const stTimedInput& input) const
     }
 }
 
-void CSupervision::ChangeInput(const stTimedInput& input)
+void CAutoOperator::ChangeInput(const stTimedInput& input)
 {
     CVirtualPins::SetInput(PinOf(input), input.iLevel);
     WatchInputs();
 }
 
-void CSupervision::PlanEvents(CVirtualTime& time)
+void CAutoOperator::PlanEvents(CVirtualTime& time)
 {
     for (const stTimedInput& input : m_lstInputs) {
         const int iPin = PinOf(input);
@@ -81,14 +79,14 @@ void CSupervision::PlanEvents(CVirtualTime& time)
                        [](int, CShared<bool>& bRun) { bRun.SetRelaxed(false); }});
 }
 
-qint64 CSupervision::NextDue() const
+qint64 CAutoOperator::NextDue() const
 {
     qint64 lNext = m_uNextInput < m_lstInputs.size() ? Ns(m_lstInputs[m_uNextInput].fSeconds) : CWait::FOREVER;
     if (m_Options.fMaxTime > 0.0 && m_eResult == EXIT_DONE) lNext = std::min(lNext, Ns(m_Options.fMaxTime));
     return lNext;
 }
 
-void CSupervision::DoWhatIsDue(qint64 lNow)
+void CAutoOperator::DoWhatIsDue(qint64 lNow)
 {
     for (; m_uNextInput < m_lstInputs.size() && Ns(m_lstInputs[m_uNextInput].fSeconds) <= lNow; ++m_uNextInput)
         ChangeInput(m_lstInputs[m_uNextInput]);
@@ -96,74 +94,52 @@ void CSupervision::DoWhatIsDue(qint64 lNow)
         EmergencyStop(QStringLiteral("the time limit is reached"), EXIT_TIME);
 }
 
-// Changes, not levels; in simulation the two inputs are not read.
-void CSupervision::WatchInputs()
+void CAutoOperator::WatchInputs()
 {
-    if (AppConfig::m_bSimulationMode) return;
-    if (AppConfig::m_iEStopInput >= 0) {
-        const quint8 ucEStop = CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput));
-        const bool bChanged = ucEStop != m_ucEStop;
-        m_ucEStop = ucEStop;
-        if (bChanged && ucEStop != 0 && !AppConfig::m_bEmergencyStopON)
-            EmergencyStop(QStringLiteral("Emergency Stop Triggered"), EXIT_WRONG);
-        else if (bChanged && ucEStop == 0 && AppConfig::m_bEmergencyStopON)
-            AppConfig::m_bEmergencyStopON = false;
-    }
-    const quint8 ucStart = CRpiGpio::ReadInput(Pin(AppConfig::m_iPgmStartInput));
+    if (m_Supervision.ReadStopInput() == STOP_INPUT_RISEN)
+        EmergencyStop(QStringLiteral("Emergency Stop Triggered"), EXIT_WRONG);
     // It would only select the program's screen, and while an operation runs not even that.
-    if (ucStart != 0 && m_ucStart == 0) m_Screen.AddLogMsg(QStringLiteral("Machine in use"), MSG_ERROR);
-    m_ucStart = ucStart;
+    if (m_Supervision.ReadStartInput() != START_INPUT_SAME) m_Screen.AddLogMsg(MACHINE_IN_USE, MSG_ERROR);
 }
 
 // ---- The supervision loop ---------------------------------------------------------------------------------------
 
-void CSupervision::Tick()
+void CAutoOperator::Tick()
 {
-    SendPwm();
+    m_Supervision.SendSpindleFrequency();
     TakeMessages();
-    if (m_App.m_bStartBtnPressRequest) {
-        m_App.m_bStartBtnPressRequest = false;
+    if (m_Supervision.TakeStartRequest())
         m_Screen.AddLogMsg(QStringLiteral("Program stop: shown, the run goes on"), MSG_NOTICE);
-    }
     AnswerToolChange();
     WatchInputs();
     m_Screen.ShowProgress();
 }
 
-void CSupervision::SendPwm()
-{
-    const quint16 uFreq = AppConfig::m_stPwmSpndlSettings.iCurFreq;
-    if (!AppConfig::m_bPWMCtrlUsed || uFreq == m_uLastPwmFreq) return;
-    m_uLastPwmFreq = uFreq;
-    CVANTORGPIO::PwmStart();
-}
-
 // The lists give the newest first: told here in the order in which they came.
-void CSupervision::TakeMessages()
+void CAutoOperator::TakeMessages()
 {
     std::vector<QString> lstErrors, lstInfos;
-    for (QString strMsg = m_App.GetErrMsg(); !strMsg.isEmpty(); strMsg = m_App.GetErrMsg()) lstErrors.push_back(strMsg);
-    for (QString strMsg = m_App.GetInfoMsg(); !strMsg.isEmpty(); strMsg = m_App.GetInfoMsg())
-        lstInfos.push_back(strMsg);
+    for (stMessages next = m_Supervision.NextMessages(); !next.IsEmpty(); next = m_Supervision.NextMessages()) {
+        if (!next.strError.isEmpty()) lstErrors.push_back(next.strError);
+        if (!next.strInfo.isEmpty()) lstInfos.push_back(next.strInfo);
+    }
     std::for_each(lstInfos.rbegin(), lstInfos.rend(),
                   [this](const QString& strMsg) { m_Screen.AddLogMsg(strMsg, MSG_INFO); });
     std::for_each(lstErrors.rbegin(), lstErrors.rend(), [this](const QString& strMsg) { m_Screen.AddError(strMsg); });
     m_bErrors |= !lstErrors.empty();
 }
 
-bool CSupervision::IsWorkerWaiting() const
+bool CAutoOperator::IsWorkerWaiting() const
 {
     return CVirtualTime::Current() || g_iPausedSleeps >= 2;
 }
 
-void CSupervision::AnswerToolChange()
+void CAutoOperator::AnswerToolChange()
 {
     const qint64 lNow = CWait::Now();
-    if (m_App.m_bToolChangePause) {
-        AppConfig::m_bSpindleOn = false;
+    if (m_Supervision.BeginToolChange()) {
         g_iPausedSleeps = 0;
-        m_App.m_bPause = true;
-        m_App.m_bToolChangePause = false;
+        (void)m_Supervision.Pause();
         ++m_iToolChanges;
         m_eToolChange = TOOL_HELD;
     } else if (m_eToolChange == TOOL_HELD && IsWorkerWaiting()) {
@@ -175,36 +151,27 @@ void CSupervision::AnswerToolChange()
     if (m_eToolChange == TOOL_ANSWERED && lNow >= m_lLiftAt) LiftPause();
 }
 
-void CSupervision::LiftPause()
+void CAutoOperator::LiftPause()
 {
     if (m_eToolChange != TOOL_ANSWERED) return;
     m_eToolChange = TOOL_NONE;
-    m_App.m_bPause = false;
+    m_Supervision.Resume();
     m_Screen.AddLogMsg(QStringLiteral("Tool change answered after %1 s").arg(m_Options.fToolChangeTime), MSG_NOTICE);
 }
 
-void CSupervision::OnOperationFinish()
+void CAutoOperator::EndOperation()
 {
-    const qint32 iOperation = m_App.m_eOperation;
-    const bool bJob =
-        iOperation == OP_GCODE || iOperation == OP_SHAPES || iOperation == OP_IMG_CARVING || iOperation == OP_Z_PROFILE;
-    if (bJob && !AppConfig::m_bSimulationMode && AppConfig::m_bAutoSpindleOff) m_App.TurnOnOffSpindle(false, DIR_CW);
-    if (bJob) m_App.ResetAccVel();
-    m_App.m_eOperation = OP_NONE;
-    m_App.m_bPause = false;
-    m_App.m_bOperationFinished = false;
+    (void)m_Supervision.EndOperation();   // nobody watches what would be shown of it
     m_eToolChange = TOOL_NONE;
 }
 
-void CSupervision::EmergencyStop(const QString& strWhy, eExit eWhy)
+void CAutoOperator::EmergencyStop(const QString& strWhy, eExit eWhy)
 {
     if (m_bStopping) return;   // what ends the moves waits itself
     m_bStopping = true;
     if (m_eResult == EXIT_DONE || eWhy == EXIT_INTERRUPTED) m_eResult = eWhy;
-    AppConfig::m_bEmergencyStopON.Exchange(true);
-    m_App.StopAll();
-    OnOperationFinish();
-    if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), 0);
+    (void)m_Supervision.EmergencyStop();
+    m_eToolChange = TOOL_NONE;
     TakeMessages();
     m_Screen.AddError(strWhy);
     m_bStopping = false;

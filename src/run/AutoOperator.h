@@ -1,17 +1,18 @@
 #pragma once
 #include "control/AppControl.h"
+#include "control/Supervision.h"
 #include "platform/virtual/VirtualMachine.h"
 #include "run/HeadlessScreen.h"
 #include "run/Options.h"
 
-// What the operator and the supervision loop of the window do: takes the worker's messages, answers tool changes,
-// watches the inputs, and stops the machine. In a dry run it is called on the worker's thread whenever the worker
-// sleeps; on the real clock by the main thread every 34 ms.
-class CSupervision
+// Stands in for the operator of a run that nobody watches: tells the worker's messages, answers tool changes, works
+// the inputs when it is their time, and stops the machine. In a dry run it is called on the worker's thread whenever
+// the worker sleeps; on the real clock by the main thread every 34 ms.
+class CAutoOperator
 {
 public:
-    CSupervision(AppControl& app, CVirtualMachine& machine, CHeadlessScreen& screen, const stRunOptions& options);
-    ~CSupervision();
+    CAutoOperator(AppControl& app, CHeadlessScreen& screen, const stRunOptions& options);
+    ~CAutoOperator();
 
     // Puts inputs and the time limit on the script of a dry run.
     void PlanEvents(CVirtualTime& time);
@@ -21,8 +22,8 @@ public:
 
     void Tick();
     void TakeMessages();
-    // What the window does when an operation has ended or was given up.
-    void OnOperationFinish();
+    // Of one that is over, and of one that was given up.
+    void EndOperation();
     // Pulses cease, without a ramp; the job is given up. strWhy is told as an error; eWhy is what the process ends
     // with.
     void EmergencyStop(const QString& strWhy, eExit eWhy);
@@ -38,7 +39,6 @@ private:
         TOOL_HELD,      // the pause is set; the worker has not been seen to wait in it
         TOOL_ANSWERED   // the pause ends at a set time
     };
-    void SendPwm();
     void AnswerToolChange();
     void LiftPause();
     bool IsWorkerWaiting() const;
@@ -48,13 +48,11 @@ private:
     static void OnSleep(qint64 lUs);
 
     AppControl& m_App;
-    CVirtualMachine& m_Machine;
+    CSupervision m_Supervision;
     CHeadlessScreen& m_Screen;
     const stRunOptions& m_Options;
     std::vector<stTimedInput> m_lstInputs;   // in the order of time
     size_t m_uNextInput = 0;
-    quint16 m_uLastPwmFreq = 0;
-    quint8 m_ucEStop = 0, m_ucStart = 0;   // last seen
     eToolChange m_eToolChange = TOOL_NONE;
     qint64 m_lLiftAt = 0;   // ns
     int m_iToolChanges = 0;

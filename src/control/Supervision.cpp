@@ -1,0 +1,186 @@
+#include "control/Supervision.h"
+
+#include "common/Refusals.h"
+#include "control/AppControl.h"
+#include "hardware/RpiGpio.h"
+#include "hardware/VantorGpio.h"
+
+#include <cmath>
+#include <iterator>
+#include <optional>
+
+static constexpr double AT_ZERO = 9e-5;   // mm
+
+static std::optional<quint8> ReadInput(qint8 iPin)
+{
+    if (AppConfig::m_bSimulationMode || iPin < 0) return std::nullopt;
+    return CRpiGpio::ReadInput(Pin(iPin));
+}
+
+// Empty where the level is the one that was last seen, or is not read.
+static std::optional<quint8> ReadChange(qint8 iPin, quint16& iPrevious)
+{
+    const std::optional<quint8> input = ReadInput(iPin);
+    if (!input || *input == iPrevious) return std::nullopt;
+    iPrevious = *input;
+    return input;
+}
+
+// ---- The steps of a tick --------------------------------------------------------------------------------------------
+
+void CSupervision::SendSpindleFrequency()
+{
+    const quint16 iFreq = AppConfig::m_stPwmSpndlSettings.iCurFreq;
+    if (!AppConfig::m_bPWMCtrlUsed || m_iLastPwmFreq == iFreq) return;
+    m_iLastPwmFreq = iFreq;
+    CVANTORGPIO::PwmStart();
+}
+
+stMessages CSupervision::NextMessages()
+{
+    stMessages messages;
+    messages.strError = m_Machine.GetErrMsg();
+    messages.strInfo = m_Machine.GetInfoMsg();
+    return messages;
+}
+
+bool CSupervision::TakeStartRequest()
+{
+    if (!m_Machine.m_bStartBtnPressRequest) return false;
+    m_Machine.m_bStartBtnPressRequest = false;
+    return true;
+}
+
+bool CSupervision::BeginToolChange()
+{
+    if (!m_Machine.m_bToolChangePause) return false;
+    AppConfig::m_bSpindleOn = false;
+    return true;
+}
+
+bool CSupervision::TakeOperationEnd()
+{
+    if (!m_Machine.m_bOperationFinished) return false;
+    m_Machine.m_bOperationFinished = false;
+    return true;
+}
+
+eStopInput CSupervision::ReadStopInput()
+{
+    const std::optional<quint8> input = ReadChange(AppConfig::m_iEStopInput, m_iPrevEStopInput);
+    // The round button works independently of the input, and may have been there first.
+    if (!input || (*input != 0) == AppConfig::m_bEmergencyStopON) return STOP_INPUT_SAME;
+    if (*input != 0) return STOP_INPUT_RISEN;
+    AppConfig::m_bEmergencyStopON = false;
+    return STOP_INPUT_FALLEN;
+}
+
+eStartInput CSupervision::ReadStartInput()
+{
+    const std::optional<quint8> input = ReadChange(AppConfig::m_iPgmStartInput, m_iPrevPgmStartInput);
+    if (!input || *input == 0) return START_INPUT_SAME;
+    return WhyNotFree().isEmpty() ? START_INPUT_RISEN : START_INPUT_REFUSED;
+}
+
+// ---- Pause ----------------------------------------------------------------------------------------------------------
+
+bool CSupervision::Pause()
+{
+    m_Machine.m_bPause = true;
+    const bool bToolChange = m_Machine.m_bToolChangePause;
+    m_Machine.m_bToolChangePause = false;
+    return bToolChange;
+}
+
+void CSupervision::Resume()
+{
+    m_Machine.m_bPause = false;
+}
+
+// ---- The end of an operation ----------------------------------------------------------------------------------------
+
+stOperationEnd CSupervision::EndOperation()
+{
+    stOperationEnd end;
+    end.iOperation = m_Machine.m_eOperation;
+    if (!AppConfig::m_bEmergencyStopON) end.strMsg = EndMessage(end.iOperation);
+    if (IsJob(end.iOperation)) {
+        end.bSpindleOff = !AppConfig::m_bSimulationMode && AppConfig::m_bAutoSpindleOff;
+        if (end.bSpindleOff) m_Machine.TurnOnOffSpindle(false, DIR_CW);
+        m_Machine.ResetAccVel();
+    }
+    m_Machine.m_eOperation = OP_NONE;
+    m_Machine.m_bPause = false;
+    m_Machine.m_bOperationFinished = false;
+    return end;
+}
+
+stOperationEnd CSupervision::Abandon()
+{
+    m_Machine.StopAll();
+    return EndOperation();
+}
+
+stOperationEnd CSupervision::EmergencyStop()
+{
+    AppConfig::m_bEmergencyStopON.Exchange(true);
+    const stOperationEnd end = Abandon();
+    if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), 0);
+    return end;
+}
+
+bool CSupervision::ReleaseEmergencyStop()
+{
+    if (ReadInput(AppConfig::m_iEStopInput).value_or(0) != 0) return false;
+    AppConfig::m_bEmergencyStopON = false;
+    return true;
+}
+
+// ---- Words ----------------------------------------------------------------------------------------------------------
+
+QString StartMessage(qint32 iOperation)
+{
+    static constexpr const char* MESSAGES[] = {"",
+                                               "Moving to Work Home",
+                                               "Moving to Machine Home",
+                                               "Shapes cutting started",
+                                               "3D relief Carving started",
+                                               "G-Code execution Started",
+                                               "Setting Z0 using Z-Probe",
+                                               "Z profiling Started"};
+    const bool bKnown = iOperation >= 0 && iOperation < static_cast<qint32>(std::size(MESSAGES));
+    return QString::fromLatin1(MESSAGES[bKnown ? iOperation : 0]);
+}
+
+QString CSupervision::EndMessage(qint32 iOperation) const
+{
+    switch (iOperation) {
+    case OP_WORK_HOME:
+        for (int axis = 0; axis < MAX_AXES; ++axis)
+            if (!(std::fabs(m_Machine.GetCurPos(static_cast<eAxis>(axis))) <= AT_ZERO)) return QString();
+        return QStringLiteral("Work home postion reached");
+    case OP_MCH_HOME: return m_Machine.GetHomeDone() ? QStringLiteral("Machine Homing finished") : QString();
+    case OP_SHAPES: return QStringLiteral("Shapes cutting completed");
+    case OP_IMG_CARVING: return QStringLiteral("3D Relief carving completed");
+    case OP_GCODE: return QStringLiteral("G-Code execution finished");
+    case OP_Z_PROFILE: return QStringLiteral("Z profiling completed");
+    default: return QString();
+    }
+}
+
+QString CSupervision::WhyNotReleased()
+{
+    return AppConfig::m_bEmergencyStopON ? QStringLiteral("Release Emergency Switch") : QString();
+}
+
+QString CSupervision::WhyNotFree() const
+{
+    return m_Machine.m_eOperation == OP_NONE && m_Machine.IsMachineIdle() ? QString() : MACHINE_IN_USE;
+}
+
+// X alone is asked: wanted, whether all axes have their home is asked where a move of all begins.
+QString CSupervision::WhyNotHomed() const
+{
+    if (!AppConfig::m_bHomeSensorsUsed || m_Machine.m_AxisCtrl[X_AXIS].IsAxisHomeSet()) return QString();
+    return HOMING_NOT_DONE_SHOWN;
+}

@@ -1,0 +1,90 @@
+#pragma once
+#include "common/Operation.h"
+
+#include <QString>
+
+class AppControl;
+
+// What the end of an operation has come to, for whoever shows it.
+struct stOperationEnd
+{
+    qint32 iOperation = OP_NONE;   // OP_NONE: none was running
+    QString strMsg;                // empty: not what it was for, or the emergency stop is on
+    bool bSpindleOff = false;      // the spindle was switched off with it
+};
+
+struct stMessages
+{
+    QString strError, strInfo;   // empty: none
+    bool IsEmpty() const { return strError.isEmpty() && strInfo.isEmpty(); }
+};
+
+enum eStopInput
+{
+    STOP_INPUT_SAME,
+    STOP_INPUT_RISEN,   // the caller stops the machine
+    STOP_INPUT_FALLEN   // the emergency stop has been lifted
+};
+
+enum eStartInput
+{
+    START_INPUT_SAME,
+    START_INPUT_RISEN,
+    START_INPUT_REFUSED   // while the machine is in use
+};
+
+// The operator's side of the machine, without a screen: what a tick carries from the worker to the operator, the two
+// inputs, and the ways in which an operation ends. Whoever watches the machine calls the steps and shows what they
+// give; the window does so in the order in which they stand here.
+// The thread that starts operations; in a dry run the worker's, whenever it sleeps.
+class CSupervision
+{
+public:
+    explicit CSupervision(AppControl& machine) : m_Machine(machine) {}
+
+    // ---- The steps of a tick ----
+    // To its pin, where it has changed.
+    void SendSpindleFrequency();
+    // One of each kind, the newest.
+    stMessages NextMessages();
+    // True: the program asks that Start be shown as pressed.
+    bool TakeStartRequest();
+    // True: the program waits for a tool. The spindle counts as off; Pause holds the worker.
+    bool BeginToolChange();
+    // True: the worker has come to the end of its operation, which is still to be ended here.
+    bool TakeOperationEnd();
+    // Changes of the inputs, not their levels; in simulation, and where none is wired, nothing is read.
+    eStopInput ReadStopInput();
+    // Wanted: it shows the program and lights Start, and no more. A program is started by a press of the button.
+    eStartInput ReadStartInput();
+
+    // ---- Pause ----
+    // The worker holds before its next command. True: a tool change has asked for it, and the worker has said so.
+    bool Pause();
+    void Resume();
+
+    // ---- The end of an operation ----
+    // Of one that is over, and of one that was given up.
+    stOperationEnd EndOperation();
+    // Everything stands at once; the operation is given up.
+    stOperationEnd Abandon();
+    // The flag, which every loop reads, the axes, the operation, the status output: in this order.
+    stOperationEnd EmergencyStop();
+    // False: the stop stays in force, its input is high.
+    static bool ReleaseEmergencyStop();
+
+    // ---- Why something may not start, in the operator's words; empty: it may ----
+    static QString WhyNotReleased();   // the emergency stop is on
+    QString WhyNotFree() const;        // an operation runs or an axis moves
+    QString WhyNotHomed() const;       // homing is asked for
+
+private:
+    QString EndMessage(qint32 iOperation) const;
+
+    AppControl& m_Machine;
+    quint16 m_iLastPwmFreq = 0;                                // last given to the pin
+    quint16 m_iPrevEStopInput = 0, m_iPrevPgmStartInput = 0;   // last seen levels
+};
+
+// What is told when an operation begins; empty for none.
+QString StartMessage(qint32 iOperation);

@@ -1,0 +1,19 @@
+#pragma once
+
+class AppControl;
+class QLabel;
+class QWidget;
+
+// Where the axes stand, and their letters. Interface thread.
+class CPositionPanel
+{
+public:
+    CPositionPanel(QLabel& positions, const AppControl& machine) : m_Positions(positions), m_Machine(machine) {}
+
+    void SetUp(const QWidget& frame);   // that holds the letters
+    void Show();                        // once a tick
+
+private:
+    QLabel& m_Positions;
+    const AppControl& m_Machine;
+};
