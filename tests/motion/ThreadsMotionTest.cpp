@@ -96,6 +96,17 @@ TEST_F(ThreadsMotion, AStopDoesNotWaitForTheEndOfALongPulse)
     EXPECT_EQ(100, m_X.GetCurPosLong());   // its edge went out
 }
 
+TEST_F(ThreadsMotion, ABuildThatNobodyWaitedForIsThereForTheNextMoveUnlessALaterOneIs)
+{
+    for (int n = 1; n <= 20; ++n) {
+        m_X.SetVelocityAccSoon(20.0 + n, 3.0);   // a long ramp
+        if (n % 2 && !m_X.SetVelocityAcc(15.0, 600.0)) FAIL();
+        ASSERT_TRUE(m_X.MoveAbs(0.01 * n));
+        ASSERT_EQ(m_X.m_fVel[m_X.m_ucCurTable], n % 2 ? 15.0 : 20.0 + n);
+        ASSERT_TRUE(Idle(m_X));
+    }
+}
+
 TEST_F(ThreadsMotion, AReleaseRightBehindAJogCounts)
 {
     ASSERT_TRUE(m_X.Jog(DIR_CW));
