@@ -46,9 +46,7 @@ stMessages CSupervision::NextMessages()
 
 bool CSupervision::TakeStartRequest()
 {
-    if (!m_Machine.m_bStartBtnPressRequest) return false;
-    m_Machine.m_bStartBtnPressRequest = false;
-    return true;
+    return m_Machine.TakeStartRequest();
 }
 
 bool CSupervision::BeginToolChange()
@@ -60,9 +58,7 @@ bool CSupervision::BeginToolChange()
 
 bool CSupervision::TakeOperationEnd()
 {
-    if (!m_Machine.m_bOperationFinished) return false;
-    m_Machine.m_bOperationFinished = false;
-    return true;
+    return m_Machine.TakeFinished();
 }
 
 eStopInput CSupervision::ReadStopInput()
@@ -82,19 +78,11 @@ eStartInput CSupervision::ReadStartInput()
     return WhyNotFree().isEmpty() ? START_INPUT_RISEN : START_INPUT_REFUSED;
 }
 
-// ---- Pause ----------------------------------------------------------------------------------------------------------
-
 bool CSupervision::Pause()
 {
-    m_Machine.m_bPause = true;
-    const bool bToolChange = m_Machine.m_bToolChangePause;
-    m_Machine.m_bToolChangePause = false;
-    return bToolChange;
-}
-
-void CSupervision::Resume()
-{
-    m_Machine.m_bPause = false;
+    if (m_Machine.AnswerToolChange()) return true;
+    m_Machine.RequestPause();
+    return false;
 }
 
 // ---- The end of an operation ----------------------------------------------------------------------------------------
@@ -109,9 +97,8 @@ stOperationEnd CSupervision::EndOperation()
         if (end.bSpindleOff) m_Machine.TurnOnOffSpindle(false, DIR_CW);
         m_Machine.ResetAccVel();
     }
-    m_Machine.m_eOperation = OP_NONE;
-    m_Machine.m_bPause = false;
-    m_Machine.m_bOperationFinished = false;
+    m_Machine.TakeNoteOfEnd();
+    (void)m_Machine.TakeFinished();   // the worker may have raised it just before it was stopped
     return end;
 }
 

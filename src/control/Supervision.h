@@ -58,10 +58,8 @@ public:
     // Wanted: it shows the program and lights Start, and no more. A program is started by a press of the button.
     eStartInput ReadStartInput();
 
-    // ---- Pause ----
     // The worker holds before its next command. True: a tool change has asked for it, and the worker has said so.
     bool Pause();
-    void Resume();
 
     // ---- The end of an operation ----
     // Of one that is over, and of one that was given up.

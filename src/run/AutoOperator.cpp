@@ -155,7 +155,7 @@ void CAutoOperator::LiftPause()
 {
     if (m_eToolChange != TOOL_ANSWERED) return;
     m_eToolChange = TOOL_NONE;
-    m_Supervision.Resume();
+    m_App.Resume();
     m_Screen.AddLogMsg(QStringLiteral("Tool change answered after %1 s").arg(m_Options.fToolChangeTime), MSG_NOTICE);
 }
 

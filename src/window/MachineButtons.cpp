@@ -74,8 +74,7 @@ void CMachineButtons::SetZ0WithZProbe()
 {
     CPressedBtn press(m_Host, m_Form.Btn_SetZ0WithZProbe, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     if (!MayMoveMachine() || Refused(m_Supervision.WhyNotHomed())) return;
-    m_Host.Machine().StartZ0usingZProbeSeq();
-    if (m_Host.Machine().m_eOperation != OP_NONE) press.StayOn();   // not refused
+    if (m_Host.Machine().StartZ0usingZProbeSeq()) press.StayOn();
 }
 
 void CMachineButtons::ShowWorkZero()

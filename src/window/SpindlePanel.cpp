@@ -1,7 +1,7 @@
 #include "window/SpindlePanel.h"
 
 #include "config/AppConfig.h"
-#include "hardware/VantorGpio.h"
+#include "control/AppControl.h"
 #include "screens/host/ScreenHost.h"
 #include "widgets/ButtonStyle.h"
 #include "widgets/DlgMyHorizSlideBar.h"
@@ -41,11 +41,9 @@ void CSpindlePanel::SetUp(QWidget* pFrame)
     m_SpindleSpeedBar.setEnabled(AppConfig::m_bPWMCtrlUsed);
 }
 
-void CSpindlePanel::Toggle(quint16 uMCode, QPushButton& button, QPushButton& other, const QString& strName)
+void CSpindlePanel::Toggle(eDirection eDir, QPushButton& button, QPushButton& other, const QString& strName)
 {
-    const bool bOn = !AppConfig::m_bSpindleOn;
-    AppConfig::m_bSpindleOn = bOn;
-    CVANTORGPIO::WriteOutput(Pin(AppConfig::m_lstMCodesPin[uMCode]), bOn ? 1 : 0);
+    const bool bOn = m_Host.Machine().m_Spindle.Toggle(eDir);
     button.setStyleSheet(bOn ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
     button.setText(strName + (bOn ? ON : OFF));
     other.setEnabled(!bOn);
@@ -54,13 +52,13 @@ void CSpindlePanel::Toggle(quint16 uMCode, QPushButton& button, QPushButton& oth
 
 void CSpindlePanel::ToggleCW()
 {
-    Toggle(3, m_BtnCW, m_BtnCCW, SPINDLE_CW);
+    Toggle(DIR_CW, m_BtnCW, m_BtnCCW, SPINDLE_CW);
 }
 
 void CSpindlePanel::ToggleCCW()
 {
     m_BtnCCW.setStyleSheet(BTN_BKGND_BLUE);
-    Toggle(4, m_BtnCCW, m_BtnCW, SPINDLE_CCW);
+    Toggle(DIR_CCW, m_BtnCCW, m_BtnCW, SPINDLE_CCW);
 }
 
 void CSpindlePanel::ToggleByKey()

@@ -1,4 +1,5 @@
 #pragma once
+#include "common/MachineTypes.h"
 #include "control/Supervision.h"
 
 #include <QString>
@@ -35,7 +36,7 @@ public:
     void FollowProgram();   // where it has switched the spindle
 
 private:
-    void Toggle(quint16 uMCode, QPushButton& button, QPushButton& other, const QString& strName);
+    void Toggle(eDirection eDir, QPushButton& button, QPushButton& other, const QString& strName);
     void ShowOn(QPushButton& button, QPushButton& other, const QString& strName);
 
     QPushButton &m_BtnCW, &m_BtnCCW;

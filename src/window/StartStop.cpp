@@ -82,7 +82,7 @@ void CStartStop::PressStart()
     if (machine.m_bExecSingleLine) return RefuseStart(QString());
     if (const QString strWhy = m_Screens.WhyNotStart(); !strWhy.isEmpty()) return RefuseStart(strWhy);
     if (machine.m_eOperation != OP_NONE) {
-        m_Supervision.Resume();
+        machine.Resume();
         m_bJogPanelTaken = true;
         m_Host.EnableJogPanel(false);
     } else if (!m_Screens.StartShown()) {
@@ -191,8 +191,10 @@ void CStartStop::PressPlainStart()
         const QString strWhy = m_Screens.WhyNotStart();
         m_Host.AddLogMsg(strWhy, MSG_ERROR);
         if (!strWhy.isEmpty() || !m_Screens.StartShown()) return m_Host.ResetBtnBkGnd(&button, BTN_BKGND_START);
+    } else if (machine.m_bPause) {
+        machine.Resume();
     } else {
-        machine.m_bPause = !machine.m_bPause;
+        machine.RequestPause();
     }
     const bool bPaused = machine.m_bPause;
     if (bPaused) m_Host.AddLogMsg(PAUSE_NOTICE, MSG_NOTICE);
