@@ -5,6 +5,7 @@
 // Exit status 1: a round ended otherwise; 2: usage. The last line is the summary.
 #include "common/Paths.h"
 #include "config/AppConfig.h"
+#include "gcode/GCodeEditor.h"
 #include "motion/AllAxisCtrl.h"
 #include "run/MachineWiring.h"
 #include "time/Wait.h"
@@ -111,7 +112,7 @@ public:
     {
         m_pWindow.reset();
         CVirtualPins::SetObserver(nullptr);
-        CGCodeStore::ClearProgram();
+        CGCodeEditor::Clear().waitForFinished();
     }
 
     // Empty: it ended as it must.
@@ -151,7 +152,7 @@ private:
 
     void HoldProgram()
     {
-        CGCodeStore::ClearProgram();
+        CGCodeEditor::Clear().waitForFinished();
         const int iLines = Below(25) + 3;
         for (int n = 0; n < iLines; ++n) {
             QString strLine;
