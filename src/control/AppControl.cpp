@@ -120,7 +120,7 @@ bool AppControl::StartMchHomingSequence(eAxis axis)
 
 bool AppControl::StartWorkHomingSequence()
 {
-    if (!GetHomeDone()) return Refuse(QStringLiteral("Homing not done! Use \"Move Home\" in user Settings"));
+    if (!GetHomeDone()) return Refuse(HOMING_NOT_DONE);
     return ClaimWorker() && LaunchOperation(OP_WORK_HOME);
 }
 

@@ -1,5 +1,6 @@
 #include "motion/AxisCtrl.h"
 
+#include "common/Refusals.h"
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
@@ -86,11 +87,6 @@ void AxisCtrl::SetWorkZero()
     ConfigAxis();
 }
 
-static const QString& HomingNotDone()
-{
-    static const QString strText = QStringLiteral("Homing not done! Use \"Move Home\" in user Settings");
-    return strText;
-}
 static const QString& InMotion()
 {
     static const QString strText = QStringLiteral("Axis is in Motion");
@@ -101,7 +97,7 @@ bool AxisCtrl::MoveWorkZero()
 {
     Refuse(QString());
     if (m_bMoving) return Refuse(InMotion());
-    if (AppConfig::m_bHomeSensorsUsed && !m_bHomeDone) return Refuse(HomingNotDone());
+    if (AppConfig::m_bHomeSensorsUsed && !m_bHomeDone) return Refuse(HOMING_NOT_DONE);
     m_lTargetPos = 0;
     return MoveAxis();
 }
@@ -138,7 +134,7 @@ bool AxisCtrl::CheckValidMotion(qint64 lTarget)
         m_bHomeDone = true;   // without sensors there are no limits on commanded moves
         return true;
     }
-    if (!m_bHomeDone) return Refuse(HomingNotDone());
+    if (!m_bHomeDone) return Refuse(HOMING_NOT_DONE);
     if (lTarget >= m_lNegLimit && lTarget <= m_lPosLimit) return true;
     return Refuse(QLatin1String(g_szAxes[m_sAxis]) + QStringLiteral(" Absolute Position value must be between ") +
                   QString::number(m_lNegLimit / DECIMAL_MULTIPLYER, 'f', PRECISION) + QStringLiteral(" and ") +
