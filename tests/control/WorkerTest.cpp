@@ -245,7 +245,8 @@ INSTANTIATE_TEST_SUITE_P(Jobs, WorkerSpindle,
                                          stSpindle{eJob::PROGRAM, false, false, true, 0, 1},
                                          stSpindle{eJob::PROGRAM, false, false, false, 0, 0},
                                          stSpindle{eJob::PROGRAM, true, true, false, 0, 0},
-                                         stSpindle{eJob::LINE, true, false, true, 0, 0},   // counts as on, moves no relay
+                                         stSpindle{eJob::LINE, true, false, true, 0,
+                                                   0},   // counts as on, moves no relay
                                          stSpindle{eJob::SHAPES, false, true, true, 1, 0},
                                          stSpindle{eJob::SHAPES, true, false, true, 0, 0}));
 }   // namespace
