@@ -89,8 +89,11 @@ public:
         AppConfig::m_fHomeRepeatOffset = 0.5;
         AppConfig::m_bEnlManualToolChange = true;
         for (int axis = 0; axis < MAX_AXES; ++axis) {
-            AppConfig::m_fAxisPosDirLimit[axis] = 20.0;
-            AppConfig::m_fAxisNegDirLimit[axis] = -20.0;
+            // With sensors nothing lies beyond them, and the work zero lies well inside.
+            const bool bAbove = AppConfig::m_eAxisHomeDir[axis] == AppConfig::m_eAxisPosDir[axis];
+            AppConfig::m_fAxisPosDirLimit[axis] = bSensors && bAbove ? 0.0 : 20.0;
+            AppConfig::m_fAxisNegDirLimit[axis] = bSensors && !bAbove ? 0.0 : -20.0;
+            if (bSensors) AppConfig::m_fAxisWorkZero[axis] = bAbove ? -3.0 : 3.0;
             AppConfig::m_fAxisManualToolChngPos[axis] = -1.0;
         }
         AppConfig::SaveConfig(CONFIG_FILE);
@@ -249,7 +252,7 @@ private:
         Count(QStringLiteral("jog"));
         auto* pButton =
             m_pWindow->findChild<QPushButton*>(Below(2) ? QStringLiteral("Btn_JogEast") : QStringLiteral("Btn_JogZUp"));
-        if (!pButton || !pButton->isEnabled()) return;
+        if (!pButton || !pButton->isEnabled() || !Machine().GetHomeDone()) return;   // or it runs beyond a sensor
         pButton->pressed();
         Pump(Below(15));
         pButton->released();
