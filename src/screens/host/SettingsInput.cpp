@@ -1,15 +1,12 @@
 #include "screens/host/SettingsInput.h"
 
-#include "common/Refusals.h"
 #include "widgets/ButtonStyle.h"
 
 #include <QPushButton>
 
 bool RefuseMachineInUse(CScreenHost& host)
 {
-    if (host.IsMachineFree()) return false;
-    host.AddLogMsg(MACHINE_IN_USE, MSG_ERROR);
-    return true;
+    return host.Refused(host.WhyBusy());
 }
 
 static QString Printed(const stNumberField& field, double fValue)

@@ -1,7 +1,7 @@
 #include "screens/settings/DlgMachineSettings.h"
 
 #include "common/Refusals.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 #include "screens/settings/DlgPwmSpndlSettings.h"
 #include "screens/settings/KeyboardHelp.h"
 #include "screens/settings/MotorNumbers.h"
@@ -53,7 +53,7 @@ void CDlgMachineSettings::ConnectAxis(eAxis axis)
 
 CMotorSettings CDlgMachineSettings::Motors()
 {
-    return CMotorSettings(HostOf(*this).Machine());
+    return CMotorSettings(HostOf(*this).MachineParts());
 }
 
 void CDlgMachineSettings::Tell(const QString& strProblem)
@@ -158,7 +158,7 @@ void CDlgMachineSettings::CreateVelAccGraphics()
         return;
     }
     const QString strWhy = Motors().Rebuild(m_eSelAxis);
-    const CVelocityGraph graph({.lstVel = host.Machine().m_AxisCtrl[m_eSelAxis].m_lstVelCurve,
+    const CVelocityGraph graph({.lstVel = host.MachineParts().m_AxisCtrl[m_eSelAxis].m_lstVelCurve,
                                 .fMovPerPulse = A::m_fAxisMovPerPulse[m_eSelAxis],
                                 .fSamplingTime = static_cast<double>(A::m_iVelAccSamplingTime),
                                 .strName = A::m_strAxisNames[m_eSelAxis],
