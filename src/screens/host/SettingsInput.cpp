@@ -1,5 +1,7 @@
 #include "screens/host/SettingsInput.h"
 
+#include "common/Refusals.h"
+#include "config/AppConfig.h"
 #include "widgets/ButtonStyle.h"
 
 #include <QPushButton>
@@ -7,6 +9,11 @@
 bool RefuseMachineInUse(CScreenHost& host)
 {
     return host.Refused(host.WhyBusy());
+}
+
+bool RefuseChangeOfPlace(CScreenHost& host)
+{
+    return RefuseMachineInUse(host) || host.Refused(AppConfig::m_bSimulationMode ? NOT_IN_SIMULATION : QString());
 }
 
 static QString Printed(const stNumberField& field, double fValue)
