@@ -6,7 +6,7 @@
 
 bool RefuseMachineInUse(CScreenHost& host)
 {
-    return host.Refused(host.WhyBusy());
+    return host.Refused(host.WhyNotFree());
 }
 
 static QString Printed(const stNumberField& field, double fValue)
