@@ -305,7 +305,7 @@ bool CDlgImageCarving::StartImgCarving()
 {
     if (Host().IsEmergencyStopOn()) return false;
     if (Host().IsWorkerRunning()) return !Host().Refused(MACHINE_IN_USE);   // after a stop, with the old picture
-    if (Host().Refused(Host().WhyBusy()) || Host().Refused(Host().WhyNotHomed()) ||
+    if (Host().Refused(Host().WhyNotFree()) || Host().Refused(Host().WhyNotHomed()) ||
         Host().Refused(WhyNotStarted(Data())))
         return false;
     ResetUI(false);

@@ -318,7 +318,7 @@ bool CdlgGCode::StartGCode()
 {
     if (Host().IsEmergencyStopOn()) return false;
     if (IsProgramRunning()) return PauseOrResume();
-    if (Refused(Host().WhyBusy()) || Refused(WhyNoRun(QStringLiteral("No G-Code added")))) return false;
+    if (Refused(Host().WhyNotFree()) || Refused(WhyNoRun(QStringLiteral("No G-Code added")))) return false;
     SetEditMode(false);
     ResetUI(false);
     Host().ClearToolGraphics();

@@ -23,7 +23,7 @@ bool CScreenHost::IsWorkerRunning()
     return Machine().isRunning();
 }
 
-QString CScreenHost::WhyBusy()
+QString CScreenHost::WhyNotFree()
 {
     return IsMachineFree() ? QString() : MACHINE_IN_USE;
 }

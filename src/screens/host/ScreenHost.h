@@ -43,7 +43,7 @@ public:
     bool IsMachineFree();     // the operation has ended or none runs, and no axis moves
     bool IsWorkerRunning();   // for a moment also after a stop
     // Why not, in the operator's words; empty: nothing is in the way.
-    QString WhyBusy();
+    QString WhyNotFree();
     QString WhyNotHomed();
     bool Refused(const QString& strWhy);   // logs it, and answers whether there was one
     // False: not started, and the worker has said why.

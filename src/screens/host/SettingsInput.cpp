@@ -8,7 +8,7 @@
 
 bool RefuseMachineInUse(CScreenHost& host)
 {
-    return host.Refused(host.WhyBusy());
+    return host.Refused(host.WhyNotFree());
 }
 
 bool RefuseChangeOfPlace(CScreenHost& host)

@@ -128,7 +128,7 @@ bool CDlgShapes::StartShapeCutting()
             machine.RequestPause();
         return true;
     }
-    if (Host().Refused(Host().WhyBusy())) return false;
+    if (Host().Refused(Host().WhyNotFree())) return false;
     if (Count() == 0) return !Host().Refused(QStringLiteral("No shapes are added"));
     if (Host().Refused(Host().WhyNotHomed())) return false;
     ResetUI(false);
