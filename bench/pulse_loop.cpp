@@ -29,7 +29,7 @@ struct stCountingClock
         ++lRounds;
         return lLast = timer.nsecsElapsed();
     }
-    void Hold(double) {}
+    void Hold(double, const CShared<bool>&) {}
 };
 
 struct stStoringPins

@@ -348,6 +348,12 @@ step_groups() {
     done
 }
 
+step_memory() {
+    begin "The window may keep all its pages in memory, from the next login of $operator on"
+    echo "$operator - memlock unlimited" >"$work/memory"
+    put "$work/memory" /etc/security/limits.d/99-vantor.conf 644
+}
+
 step_core() {
     begin "Core 3 is kept for the pulses, from the next start of the Pi on"
     local path words word
@@ -390,6 +396,7 @@ install_all() {
     step_autostart
     step_sticks
     step_groups
+    step_memory
     step_core
     step_governor
     if $dry; then

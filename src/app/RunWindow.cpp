@@ -1,5 +1,6 @@
 #include "app/RunWindow.h"
 
+#include "app/QuitOnSignal.h"
 #include "widgets/DlgTextPad.h"
 #include "widgets/Look.h"
 #include "window/MainWindow.h"
@@ -23,6 +24,7 @@ int RunWindow(QApplication& app, const std::function<void(QWidget& window)>& fnB
     CLook::Apply(app);
     CTextPadOpener::WatchFileDialogs(app);
     MainWindow window;
+    const CQuitOnSignal quit;
     return RunGuarded([&] {
         window.show();
         if (fnBeside) fnBeside(window);

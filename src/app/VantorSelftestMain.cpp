@@ -2,6 +2,7 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
+#include "platform/Computer.h"
 #include "platform/PinKind.h"
 
 #include <QCommandLineParser>
@@ -21,7 +22,6 @@ enum eExit
     EXIT_NOT_FIT = 1,   // or not confirmed
     EXIT_USAGE = 2
 };
-constexpr int PULSE_CORE = 3;   // as the coordinated mode has it
 constexpr double LEAST_TEST_RATE = 100'000.0;
 
 CShared<bool> g_bRun = true;

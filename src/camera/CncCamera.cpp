@@ -2,11 +2,14 @@
 
 #include <QMutexLocker>
 
+#include <chrono>
+#include <future>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
 
 static constexpr unsigned long WAKE_US = 100'000;   // a thread that waits or writes comes round within this
 static constexpr unsigned long POLL_US = 1'000;
+static constexpr unsigned long LOOK_US = 10'000;   // between two looks at what may not wait
 
 CCncCamera::CCncCamera(std::unique_ptr<CFrameSource> pCapture)
     : m_pCapture(std::move(pCapture)), m_pWriter(std::make_unique<cv::VideoWriter>())
@@ -31,9 +34,17 @@ void CCncCamera::SetErrorMsg(const QString& strMsg)
     m_strErrMsg = strMsg;
 }
 
-bool CCncCamera::StartVideoCapture()
+// On the interface thread.
+void CCncCamera::Wait(unsigned long uUs) const
 {
-    wait();   // one that has lost its camera may still be on its way out, and it closes the source
+    for (unsigned long uPassed = 0; uPassed < uUs; uPassed += LOOK_US) {
+        usleep(LOOK_US);
+        if (m_fnWhileWaiting) m_fnWhileWaiting();
+    }
+}
+
+bool CCncCamera::OpenSource()
+{
     bool bOpen = false;
     try {
         bOpen = m_pCapture->Open();
@@ -44,6 +55,16 @@ bool CCncCamera::StartVideoCapture()
     } catch (...) {
         bOpen = false;   // told like any other camera that does not open
     }
+    return bOpen;
+}
+
+bool CCncCamera::StartVideoCapture()
+{
+    while (isRunning()) Wait(LOOK_US);   // one that has lost its camera closes the source on its way out
+    wait();
+    std::future<bool> opening = std::async(std::launch::async, [this] { return OpenSource(); });   // may take seconds
+    while (opening.wait_for(std::chrono::microseconds(0)) != std::future_status::ready) Wait(LOOK_US);
+    const bool bOpen = opening.get();
     m_bCamOpen = bOpen;
     SetErrorMsg(bOpen ? QString() : QStringLiteral("unable to open Camera"));
     if (!bOpen) return false;
@@ -60,7 +81,7 @@ void CCncCamera::StopVideoCapture()
     m_bRun = false;
     while (m_bThreadAlive) {
         m_bFrameConsumed = 1;   // it may be waiting for the interface, which is here
-        usleep(WAKE_US);
+        Wait(WAKE_US);
     }
     SetErrorMsg(QString());
     m_bCamOpen = false;
@@ -132,7 +153,7 @@ bool CCncCamera::StartVideoRecord(QString strFile)
 void CCncCamera::StopVideoRecord()
 {
     m_bRecording = false;
-    usleep(WAKE_US);   // the frame in flight
+    Wait(WAKE_US);   // the frame in flight
     const QMutexLocker lock(&m_mtxWriter);
     try {
         m_pWriter->release();

@@ -7,6 +7,7 @@
 #include <QSize>
 #include <QThread>
 
+#include <functional>
 #include <memory>
 
 namespace cv {
@@ -38,6 +39,9 @@ public:
     // The newest frame, which the interface takes with it: the thread may grab the next. Null: it has been taken.
     QImage TakeImage();
 
+    // Called every 10 ms while the interface waits here for the camera, which may hang: what may not wait meanwhile.
+    void SetWhileWaiting(std::function<void()> fnWhileWaiting) { m_fnWhileWaiting = std::move(fnWhileWaiting); }
+
     QString m_strRecFile;      // of the recording to come, as the operator has chosen it
     double m_fRecFps = 16.0;   // frames per second
 
@@ -49,8 +53,11 @@ protected:
 
 private:
     bool Grab();
+    bool OpenSource();
+    void Wait(unsigned long uUs) const;
     void SetErrorMsg(const QString& strMsg);
 
+    std::function<void()> m_fnWhileWaiting;
     QString m_strErrMsg;
     CShared<bool> m_bRun = false;       // the loop shall go on
     CShared<bool> m_bCamOpen = false;   // open and delivering

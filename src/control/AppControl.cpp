@@ -42,6 +42,7 @@ bool AppControl::Refuse(const QString& strWhy)
 
 bool AppControl::ClaimWorker()
 {
+    if (AppConfig::m_bEmergencyStopON) return Refuse(RELEASE_EMERGENCY_SWITCH);
     if (IsWorkerBusy()) return Refuse(AXIS_IN_USE);
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     ForgetLast();
@@ -65,23 +66,42 @@ bool AppControl::ClaimForJob()
 
 bool AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
 {
-    if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCW)
-        TurnOnOffSpindle(true, DIR_CW);
-    else if (bAutoSpindle && AppConfig::m_bAutoSpindleOnCCW)
-        TurnOnOffSpindle(true, DIR_CCW);
+    if (bAutoSpindle && (AppConfig::m_bAutoSpindleOnCW || AppConfig::m_bAutoSpindleOnCCW)) {
+        const eDirection eDir = AppConfig::m_bAutoSpindleOnCW ? DIR_CW : DIR_CCW;
+        if (const QString strWhy = m_Spindle.WhyNotStarted(eDir); !strWhy.isEmpty()) return Refuse(strWhy);
+        TurnOnOffSpindle(true, eDir);
+    }
     return LaunchOperation(eCode);
 }
 
 bool AppControl::InitMachine()
 {
     SetUpAxes();
-    if (AppConfig::m_bAutoHmOnStartup) StartMchHomingSequence();
+    if (!AppConfig::m_bAutoHmOnStartup) return true;
+    // The flag of the stop is not raised here: the first look at the input does all that a rise does.
+    if (AppConfig::m_iEStopInput >= 0 && CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput)) != 0)
+        PushErrMsg(QStringLiteral("Homing at start not begun: Emergency Stop input is High"));
+    else
+        StartMchHomingSequence();
     return true;
+}
+
+void AppControl::SetSimulation(bool bOn)
+{
+    if (bOn == AppConfig::m_bSimulationMode) return;
+    if (bOn) {
+        m_GCodePosBeforeSimulation = m_CurGCodePos;
+        m_Position.BeginSimulation();
+    } else {
+        m_Position.EndSimulation();
+        m_CurGCodePos = m_GCodePosBeforeSimulation;
+    }
 }
 
 bool AppControl::StartHoming(const signed char* pAxes)
 {
     if (!AppConfig::m_bHomeSensorsUsed) return Refuse(QStringLiteral("Homing Sensor not Enabled for all Axis"));
+    if (AppConfig::m_bSimulationMode) return Refuse(NOT_IN_SIMULATION);
     if (!ClaimWorker()) return false;
     m_Homing.Select(pAxes);
     return LaunchOperation(OP_MCH_HOME);
@@ -106,12 +126,14 @@ bool AppControl::StartWorkHomingSequence()
 
 bool AppControl::StartZ0usingZProbeSeq()
 {
+    if (AppConfig::m_bSimulationMode) return Refuse(NOT_IN_SIMULATION);
     return ClaimWorker() && LaunchOperation(OP_Z_PROBE);
 }
 
 bool AppControl::RunZProfile()
 {
     if (!IsMachineIdle() || m_eOperation != OP_NONE) return Refuse(AXIS_IN_USE);
+    if (AppConfig::m_bSimulationMode) return Refuse(NOT_IN_SIMULATION);
     if (const QString strWhy = CSurfaceProbe::WhyNotMeasured(); !strWhy.isEmpty()) return Refuse(strWhy);
     if (!ClaimWorker()) return false;
     TurnOnOffSpindle(false, DIR_CW);

@@ -20,7 +20,8 @@ public:
     explicit AppControl(QObject* pParent = nullptr);
     ~AppControl() override;
 
-    // ---- Operations; interface thread. False: not started, and why is in m_lstErrMsg ----
+    // ---- Operations; interface thread. False: not started, and why is in m_lstErrMsg: behind a stop, while the last
+    // worker still leaves, and what each says of its own ----
     bool InitMachine();
     bool StartWorkHomingSequence();
     bool StartMchHomingSequence();
@@ -31,6 +32,9 @@ public:
     bool StartExecGCodeLine(const GCodeProgram* pProgram, int iLine);
     bool StartShapeCutting(stShapeCuttingInfo* pInfo);   // owned by the caller, read until the operation has ended
     bool StartImgCarving();
+
+    // Simulated jobs leave the machine's truth as it was: positions, direction pins, the place of the program.
+    void SetSimulation(bool bOn);
 
     // ---- Faces: axes and places ----
     bool IsMachineIdle() const { return m_AxisCommands.IsMachineIdle(); }
@@ -148,6 +152,7 @@ private:
     void EndMotion(eOperation eCode);
     void EndStoppedOperation();
 
+    stFloatPoint m_GCodePosBeforeSimulation;
     CProgramRun m_ProgramRun{*this};
     CShapeCutter m_ShapeCutter{*this};
     CCarver m_Carver{*this};

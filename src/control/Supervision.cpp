@@ -157,7 +157,7 @@ QString CSupervision::EndMessage(qint32 iOperation) const
 
 QString CSupervision::WhyNotReleased()
 {
-    return AppConfig::m_bEmergencyStopON ? QStringLiteral("Release Emergency Switch") : QString();
+    return AppConfig::m_bEmergencyStopON ? RELEASE_EMERGENCY_SWITCH : QString();
 }
 
 QString CSupervision::WhyNotFree() const

@@ -1,5 +1,6 @@
 #include "jobs/GCodeLineExec.h"
 
+#include "common/OperatorScreen.h"
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "gcode/GCodeTokens.h"
@@ -13,6 +14,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <cmath>
 
 using Exec = CGCodeLineExec;
 
@@ -76,6 +78,23 @@ Exec::eNext Exec::MoveDone(bool bOk, const stFloatPoint& target)
     return eNext::LINE_DONE;
 }
 
+// A single line takes the axes that it does not name to the place of the program, which may lie across the work.
+void Exec::TellSingleMove(const stFloatPoint& target) const
+{
+    if (!m_Machine.m_bExecSingleLine) return;
+    stFloatPoint here;
+    m_Machine.m_Position.GetAllAxisCurPos(here);
+    QString strTo;
+    double fSquares = 0.0;
+    for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
+        const double fTo = AxisOf(target, axis), fWay = fTo - AxisOf(here, axis);
+        strTo += QStringLiteral(" %1 %2").arg(AppConfig::m_strAxisNames[axis]).arg(fTo, 0, 'f', PRECISION);
+        fSquares += fWay * fWay;
+    }
+    const QString strWay = QString::number(std::sqrt(fSquares), 'f', PRECISION);
+    COperatorScreen::Get().AddLogMsg(QStringLiteral("Single line to%1, %2 mm").arg(strTo, strWay), MSG_INFO);
+}
+
 // A line of G words alone moves nothing, and is read again by the next of them.
 template <class F> Exec::eNext Exec::StraightMove(eGMoveCmnd eCmnd, F&& fnMove)
 {
@@ -86,6 +105,7 @@ template <class F> Exec::eNext Exec::StraightMove(eGMoveCmnd eCmnd, F&& fnMove)
     case CProgramRun::eWords::REFUSED: return eNext::END_RUN;
     case CProgramRun::eWords::COORDINATES: break;
     }
+    TellSingleMove(target);
     return MoveDone(fnMove(target), target);
 }
 
@@ -110,6 +130,7 @@ Exec::eNext Exec::ModalMove()
     stFloatPoint target;
     if (m_Run.ReadMoveWords(static_cast<unsigned>(m_iLine), target) == CProgramRun::eWords::REFUSED)
         return eNext::END_RUN;
+    TellSingleMove(target);
     CJobMoves& moves = m_Machine.m_JobMoves;
     moves.SetAccAndVel(m_Run.m_CurGCodePos, target, G01_MOVE);
     const bool bRapid = AppConfig::m_GCodeRunSettings.iState == G00_MOVE;
@@ -237,7 +258,7 @@ Exec::eNext Exec::MWord()
 Exec::eNext Exec::ProgramStop()
 {
     m_Machine.RequestStart();
-    CWait::SleepUs(BUTTON_PAUSE_US);
+    (void)m_Machine.SleepUnlessStopped(BUTTON_PAUSE_US);
     return eNext::WORD;
 }
 
@@ -255,7 +276,7 @@ Exec::eNext Exec::SpindleOff()
 Exec::eNext Exec::CoolantOn()
 {
     WriteMCodeOutput(m_iNumber, 1);
-    CWait::SleepUs(OUTPUT_PAUSE_US);
+    (void)m_Machine.SleepUnlessStopped(OUTPUT_PAUSE_US);
     return eNext::WORD;
 }
 
@@ -275,7 +296,7 @@ Exec::eNext Exec::Output80Off()
 Exec::eNext Exec::Output80On()
 {
     WriteMCodeOutput(80, 1);
-    CWait::SleepUs(OUTPUT_PAUSE_US);
+    (void)m_Machine.SleepUnlessStopped(OUTPUT_PAUSE_US);
     return eNext::WORD;
 }
 
@@ -319,6 +340,8 @@ Exec::eNext Exec::ManualToolChange()
 // Until the supervision loop has set the pause; the run loop then holds at the next line.
 Exec::eNext Exec::AskForTool()
 {
+    // As told it is not stopped here, where neither kind of tool change is chosen: the operator's hand is on its way.
+    if (const QString strTurns = m_Machine.m_Spindle.WhyStillTurning(); !strTurns.isEmpty()) TellNotice(strTurns);
     m_Machine.RaiseToolChange();
     m_Machine.PushInfoMsg(QStringLiteral("Change tool and click start"));
     return m_Machine.WaitForToolChange() ? eNext::WORD : eNext::END_RUN;

@@ -65,6 +65,7 @@ private:
     eNext WorkZero();
     eNext AbsoluteOrRelative();
     eNext RunArc(eDirection eDir);
+    void TellSingleMove(const stFloatPoint& target) const;
     eNext MoveDone(bool bOk, const stFloatPoint& target);
 
     // M words

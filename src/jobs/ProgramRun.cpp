@@ -50,7 +50,8 @@ void CProgramRun::RunGCode()
 void CProgramRun::SaveStatus(qint32& iLastSaved) const
 {
     const stGCodeRunSettings& settings = AppConfig::m_GCodeRunSettings;
-    if (!settings.bSaveExecStatus || m_bWritingGCodeExecStatusFile ||
+    // A simulated run has cut nothing that another could go on from.
+    if (!settings.bSaveExecStatus || AppConfig::m_bSimulationMode || m_bWritingGCodeExecStatusFile ||
         m_iCurGCodeLine - iLastSaved <= LINES_BETWEEN_SAVES)
         return;
     m_bWritingGCodeExecStatusFile = true;

@@ -29,7 +29,7 @@ public:
         : m_Machine(machine), m_bWatchZProbe(machine.m_AxisCtrl[Z_AXIS].m_bWatchZProbe)
     {
     }
-    ~CSurfaceWalk() { m_bWatchZProbe = false; }
+    ~CSurfaceWalk() { m_Machine.m_AxisCtrl[Z_AXIS].EndWatch(); }
 
     bool Run()
     {

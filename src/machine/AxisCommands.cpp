@@ -14,6 +14,10 @@ bool CAxisCommands::IsMachineIdle() const
                         [](const AxisCtrl& ctrl) { return ctrl.GetAxisState(); });
 }
 
+void CAxisCommands::RequestStop()
+{
+    for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) m_Axes.m_AxisCtrl[axis].RequestStop();
+}
 void CAxisCommands::StopAxes()
 {
     for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) m_Axes.m_AxisCtrl[axis].Stop();
@@ -58,7 +62,7 @@ bool CAxisCommands::EngMoveAxisAbs(eAxis axis, double fPos, bool bWait)
     return m_Watched.Watched(
         [&] { return stWorkCommand{.eKind = WORK_AXIS_TO, .axis = axis, .bWait = bWait, .fValue = fPos}; },
         [&] {
-            if (m_Handshake.IsStopRequested() || !MoveAbs(axis, fPos)) return false;
+            if (!MayBegin() || !MoveAbs(axis, fPos)) return false;
             return !bWait || WaitForAxis(axis);
         });
 }
@@ -68,7 +72,7 @@ bool CAxisCommands::EngMoveAxisRel(eAxis axis, double fDist, bool bWait)
     return m_Watched.Watched(
         [&] { return stWorkCommand{.eKind = WORK_AXIS_BY, .axis = axis, .bWait = bWait, .fValue = fDist}; },
         [&] {
-            if (m_Handshake.IsStopRequested() || !MoveRel(axis, fDist)) return false;
+            if (!MayBegin() || !MoveRel(axis, fDist)) return false;
             return !bWait || WaitForAxis(axis);
         });
 }
@@ -108,13 +112,10 @@ bool CAxisCommands::WaitForMotionFinish(const signed char* pSelection)
 {
     const int iAxes = CMachineAxes::AxesInUse();
     if (std::none_of(pSelection, pSelection + iAxes, [](signed char cFlag) { return cFlag != 0; })) return true;
-    bool bStop = false;
-    const bool bEnded = CWait::SpinUntil(
-        [&] {
-            bStop = m_Handshake.IsStopRequested();
-            return bStop || !IsAnyMoving(pSelection);
-        },
-        MOTION_TIMEOUT_NS);
+    const bool bEnded =
+        CWait::SpinUntil([&] { return m_Handshake.IsStopRequested() || !IsAnyMoving(pSelection); }, MOTION_TIMEOUT_NS);
+    // Behind the look at the axes: whoever stops raises the flag before they stand.
+    const bool bStop = m_Handshake.IsStopRequestedBehind();
     if (bEnded && !bStop) return true;
     for (int axis = 0; axis < iAxes; ++axis) {
         if (!pSelection[axis] || !m_Axes.m_AxisCtrl[axis].GetAxisState()) continue;

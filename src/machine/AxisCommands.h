@@ -17,7 +17,8 @@ public:
     bool IsMachineIdle() const;
     QString GetAxisErrMsg(eAxis axis) const { return m_Axes.m_AxisCtrl[axis].GetErrorMsg(); }
     void Stop(eAxis axis) { m_Axes.m_AxisCtrl[axis].Stop(); }
-    void StopAxes();
+    void RequestStop();   // of all axes; returns at once
+    void StopAxes();      // and waits until they stand
     void DeccelerateAxis(eAxis axis) { m_Axes.m_AxisCtrl[axis].DeccelerateAxis(); }
 
     // ---- The thread that commands ----
@@ -27,13 +28,17 @@ public:
     void JogNeg(eAxis axis);
     bool MoveAxisHome(eAxis axis, bool bWait);
     bool MoveWorkZero(eAxis axis, bool bWait);
-    // Not behind a stop. Worker.
+    bool IsStopped() const { return m_Handshake.IsStopRequestedBehind(); }
+    // Holds while the pause is set: ahead of every single-axis move that belongs to an operation. False: stopped.
+    bool MayBegin() const { return m_Handshake.WaitWhilePaused() && !m_Handshake.IsStopRequested(); }
+    // Held by the pause, and not behind a stop. Worker.
     bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait);
     bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait);
     // A refused table marks its axis, and the move that needs it fails with the reason.
     void SetVelocityAcc(eAxis axis, double fVel, double fAcc);
     void ResetAccVel();   // all axes to their working feeds
-    // Of the axes that are marked, at most five minutes.
+    // Of the axes that are marked, at most five minutes. Never true behind a stop: axes that it has halted have not
+    // arrived.
     bool WaitForMotionFinish(const signed char* pSelection);
 
 private:

@@ -29,6 +29,9 @@ void CHandshake::TakeNoteOfEnd()
 {
     m_eOperation = OP_NONE;
     m_bPause = false;
+    m_bOperationFinished = false;
+    m_bToolChangePause = false;
+    m_bStartBtnPressRequest = false;
 }
 
 bool CHandshake::AnswerToolChange()
@@ -39,22 +42,27 @@ bool CHandshake::AnswerToolChange()
     return true;
 }
 
-bool CHandshake::WaitWhilePaused()
+bool CHandshake::SleepUnlessStopped(qint64 lUs) const
 {
-    while (m_bPause) {
-        CWait::SleepUs(POLL_US);
-        if (IsStopRequested()) return false;
-    }
-    return true;
+    return !CWait::SleepUnless([this] { return IsStopRequested(); }, lUs);
+}
+
+bool CHandshake::WaitWhilePaused() const
+{
+    if (!m_bPause) return true;
+    while (m_bPause)
+        if (!SleepUnlessStopped(POLL_US)) return false;
+    return !IsStopRequested();   // whoever gives a held job up lowers the pause as well
 }
 
 bool CHandshake::WaitForToolChange()
 {
-    while (!m_bPause) {
-        CWait::SleepUs(POLL_US);
-        if (IsStopRequested()) return false;
-    }
-    return true;
+    while (!m_bPause && m_bToolChangePause)
+        if (!SleepUnlessStopped(POLL_US)) {
+            m_bToolChangePause = false;   // nobody is to answer any more
+            return false;
+        }
+    return !IsStopRequested();
 }
 
 void CHandshake::Leave(bool bFinished)

@@ -6,6 +6,8 @@
 
 // What the interface thread and the worker tell each other: which operation runs, pause, stop, end, and what the
 // worker asks of the operator. Each flag is raised and lowered here, by the one of the two that is named.
+// It always holds: behind the end of an operation, by whatever road, no flag of it stands; every sleep here ends within
+// 50 ms of a stop; a worker that wakes from a wait asks for the stop again before it goes on.
 class CHandshake
 {
 public:
@@ -17,7 +19,7 @@ public:
     // Nothing of the last operation is left for the next.
     void ForgetLast();
     void Begin(eOperation eCode);
-    // The interface has taken note of the end.
+    // The interface has taken note of the end, by whatever road it came: nothing of the operation is left standing.
     void TakeNoteOfEnd();
     // True once for each request of the worker.
     bool TakeFinished() { return m_bOperationFinished.Exchange(false); }
@@ -26,11 +28,14 @@ public:
     bool AnswerToolChange();
 
     // ---- Worker ----
-    // Holds while the pause is set, and asks for a stop once a second. False: there was one.
-    bool WaitWhilePaused();
-    // Asks for a change of tool and holds until the pause is set. False: stopped meanwhile.
+    // Holds while the pause is set, which is looked at once a second. False: there was a stop.
+    bool WaitWhilePaused() const;
+    // Holds until the operator's side has taken the request for another tool, whether or not it has been answered
+    // since. False: stopped meanwhile.
     bool WaitForToolChange();
     void RaiseToolChange() { m_bToolChangePause = true; }
+    // False: a stop has cut it short.
+    bool SleepUnlessStopped(qint64 lUs) const;
     void RequestStart() { m_bStartBtnPressRequest = true; }
     // Its last two stores. bFinished: the interface is to take note; after a stop it has done so.
     void Leave(bool bFinished);

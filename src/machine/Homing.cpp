@@ -18,14 +18,15 @@ void CHoming::Select(const signed char* pAxes)
 
 void CHoming::AutoHomingFinished()
 {
-    for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) Axis(axis).m_bHoming = false;
+    for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) Axis(axis).EndWatch();
 }
 
 // ---- Machine home ---------------------------------------------------------------------------------------------------
 
 void CHoming::MoveMchHomeAll()
 {
-    if (FindHomeSensors() && (!(AppConfig::m_fHomeRepeatOffset > 0.0) || ApproachSensorsSlowly())) {
+    if (FindHomeSensors() && (!(AppConfig::m_fHomeRepeatOffset > 0.0) || ApproachSensorsSlowly()) &&
+        !m_Commands.IsStopped()) {
         m_Position.SetMchHome(m_lstAxesToHome);
         for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis)
             Axis(axis).SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
@@ -41,7 +42,7 @@ bool CHoming::FindHomeSensors()
         Axis(axis).SetVelocityAcc(AppConfig::m_fAxisJogFeed[axis], AppConfig::m_fAxisAcc[axis]);
         Axis(axis).m_bHoming = true;
     }
-    if (m_lstAxesToHome[Z_AXIS] && !m_Commands.MoveAxisHome(Z_AXIS, true)) return false;
+    if (m_lstAxesToHome[Z_AXIS] && (!m_Commands.MayBegin() || !m_Commands.MoveAxisHome(Z_AXIS, true))) return false;
 
     signed char selection[MAX_AXES] = {};
     for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
@@ -55,7 +56,7 @@ bool CHoming::FindHomeSensors()
 // A refusal stops the axes that are already on their way: with the homing given up nobody would watch their sensors.
 bool CHoming::SendHome(eAxis axis)
 {
-    if (m_Commands.MoveAxisHome(axis, false)) return true;
+    if (m_Commands.MayBegin() && m_Commands.MoveAxisHome(axis, false)) return true;
     for (int other = 0; other < CMachineAxes::AxesInUse(); ++other)
         if (Axis(other).GetAxisState()) Axis(other).Stop();
     return false;
@@ -67,6 +68,7 @@ bool CHoming::ApproachSensorsSlowly()
     for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
         if (!m_lstAxesToHome[axis]) continue;
         AxisCtrl& ctrl = Axis(axis);
+        if (!m_Commands.MayBegin()) break;   // the wait below gives the reason
         ctrl.m_bHoming = false;
         const bool bHomeIsPositive = AppConfig::m_eAxisHomeDir[axis] == AppConfig::m_eAxisPosDir[axis];
         (void)ctrl.MoveRel(bHomeIsPositive ? -AppConfig::m_fHomeRepeatOffset : AppConfig::m_fHomeRepeatOffset);
@@ -99,12 +101,13 @@ bool CHoming::GoToWorkZero()
     for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
         if (axis == Z_AXIS) continue;
         selection[axis] = 1;
+        if (!m_Commands.MayBegin()) return false;
         if (!m_Commands.MoveWorkZero(static_cast<eAxis>(axis), false)) {
             COperatorScreen::Get().OnOperationFinish();
             return false;
         }
     }
-    return m_Commands.WaitForMotionFinish(selection) && m_Commands.MoveWorkZero(Z_AXIS, true);
+    return m_Commands.WaitForMotionFinish(selection) && m_Commands.MayBegin() && m_Commands.MoveWorkZero(Z_AXIS, true);
 }
 
 void CHoming::MoveZSafePos()
@@ -125,7 +128,7 @@ void CHoming::SetZ0usingZProbe()
     z.m_bWatchZProbe = true;
     (void)m_Commands.EngMoveAxisAbs(Z_AXIS, fTarget, true);
     if (CRpiGpio::ReadInput(Pin(AppConfig::m_iZProbeInput)) != 0) (void)m_Position.SetWorkZero(Z_AXIS);
-    z.m_bWatchZProbe = false;
+    z.EndWatch();
     z.SetVelocityAcc(AppConfig::m_fAxisFeed[Z_AXIS], AppConfig::m_fAxisAcc[Z_AXIS]);
     (void)m_Commands.EngMoveAxisAbs(Z_AXIS, PROBE_RETRACT, true);
 }

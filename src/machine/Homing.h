@@ -14,7 +14,8 @@ public:
     // The axes that the next machine homing is of; their homes are forgotten. Interface, while no operation runs.
     void Select(const signed char* pAxes);
     void MoveMchHomeAll();
-    void AutoHomingFinished();   // no axis watches its home sensor any more
+    // No axis watches its home sensor any more; one that still moves does so until it stands.
+    void AutoHomingFinished();
     // Z to the safe height, the others to zero, then Z. False: refused or stopped; why has been told.
     bool MoveWorkZeroAll();
     // Z, and does not wait.

@@ -18,8 +18,13 @@ public:
 
     // Each axis in use from its settings, its place as the work zero. Interface, before anything moves.
     void SetUpAxes();
-    // Everything stands at once, without a ramp; a paused job is abandoned.
+    // Everything stands at once, without a ramp; a paused job is abandoned. Returns within 50 ms.
     void StopAll();
+    // No operation that has not ended, none that still leaves its worker, no axis that moves: the place that every
+    // start, and every change of what a worker reads, asks.
+    bool IsFree() const { return m_eOperation == OP_NONE && !IsWorkerBusy() && m_AxisCommands.IsMachineIdle(); }
+    // Spindle and coolants; also in simulation.
+    void SwitchOff();
 
     CAxisCommands m_AxisCommands{*this, *this, *this, *this};
     CPosition m_Position{*this, *this};

@@ -1,5 +1,7 @@
 #include "machine/MotorSettings.h"
 
+#include "common/OperatorScreen.h"
+
 #include <algorithm>
 
 using A = AppConfig;
@@ -92,6 +94,7 @@ QString CMotorSettings::SetRateOfAcc(eAxis axis, double fRate)
 
 QString CMotorSettings::SetMovPerPulse(eAxis axis, double fStep)
 {
+    if (fStep != A::m_fAxisMovPerPulse[axis]) SpoilHomes(axis, axis);
     A::m_fAxisMovPerPulse[axis] = fStep;
     m_bFeedCut = A::m_fAxisFeed[axis] / fStep > MAX_GPIO_FREQUENCY;
     if (m_bFeedCut) A::m_fAxisFeed[axis] = fStep * MAX_GPIO_FREQUENCY;
@@ -122,6 +125,7 @@ QString CMotorSettings::CopyToGroup(eAxis axis)
     for (int n = bLinear ? X_AXIS : A_AXIS; n <= (bLinear ? Z_AXIS : B_AXIS); ++n) {
         if (n == axis) continue;
         const auto other = static_cast<eAxis>(n);
+        if (A::m_fAxisMovPerPulse[other] != A::m_fAxisMovPerPulse[axis]) SpoilHomes(n, n);
         A::m_fAxisMovPerPulse[other] = A::m_fAxisMovPerPulse[axis];
         A::m_fMaxAxisFeed[other] = A::m_fMaxAxisFeed[axis];
         A::m_fAxisAcc[other] = A::m_fAxisAcc[axis];
@@ -162,9 +166,10 @@ void CMotorSettings::UseG01FeedForJog(bool bUse)
 
 // ---- Overrides ------------------------------------------------------------------------------------------------------
 
+// Not waited for: five long ramps take half a second, and the slider is held meanwhile.
 void CMotorSettings::Run(eAxis axis)
 {
-    Axis(axis).SetVelocityAcc(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis]);
+    Axis(axis).SetVelocityAccSoon(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis]);
 }
 
 void CMotorSettings::SetFeedOverride(short iPercentage, bool bRebuild)
@@ -224,8 +229,39 @@ QString CMotorSettings::ConfigAxes()
     return strWhy;
 }
 
+void CMotorSettings::SpoilHomes(int iFirst, int iLast)
+{
+    QStringList names;
+    for (int axis = iFirst; axis <= iLast; ++axis) {
+        if (m_Machine.m_AxisCtrl[axis].IsAxisHomeSet() && axis < A::m_iMchType) names += A::m_strAxisNames[axis];
+        m_Machine.m_AxisCtrl[axis].ClearHome();
+    }
+    if (A::m_bHomeSensorsUsed && !names.isEmpty())
+        TellNotice(names.join(QStringLiteral(", ")) + QStringLiteral(" must be homed again"));
+}
+
+void CMotorSettings::SetPosDir(eAxis axis, eDirection eDir)
+{
+    A::m_eAxisPosDir[axis] = eDir;
+    SpoilHomes(axis, axis);
+}
+
+void CMotorSettings::SetHomeDir(eAxis axis, eDirection eDir)
+{
+    A::m_eAxisHomeDir[axis] = eDir;
+    SpoilHomes(axis, axis);
+}
+
+QString CMotorSettings::UseHomeSensors(bool bUse)
+{
+    A::m_bHomeSensorsUsed = bUse;
+    SpoilHomes(X_AXIS, B_AXIS);   // without sensors every axis that has moved counts as homed
+    return ConfigAxes();
+}
+
 void CMotorSettings::SelectBoard(int iBoard)
 {
+    if (iBoard != A::m_eVantorCtrl) SpoilHomes(X_AXIS, B_AXIS);
     A::m_eVantorCtrl = iBoard;
     if (iBoard == VTR3_CTRL) A::m_iMchType = 3;
     if (iBoard == VTR5_CTRL) A::m_iMchType = 5;

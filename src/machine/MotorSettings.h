@@ -49,13 +49,19 @@ public:
     // Refused: a positive limit not above the negative one, and the other way round.
     QString SetPosLimit(eAxis axis, double fLimit);
     QString SetNegLimit(eAxis axis, double fLimit);
+    // A position that was counted by the old direction, step or board, or without sensors, is that of no home: these,
+    // and SetMovPerPulse and CopyToGroup above, clear the homes that they spoil and tell the operator.
+    void SetPosDir(eAxis axis, eDirection eDir);
+    void SetHomeDir(eAxis axis, eDirection eDir);
     // Limits count with home sensors only.
-    QString ConfigAxes();
+    QString UseHomeSensors(bool bUse);
     // The number of axes changes at once. Pins are those of the start: A and B make no move unless the machine was
     // started with them.
     void SelectBoard(int iBoard);
 
 private:
+    QString ConfigAxes();
+    void SpoilHomes(int iFirst, int iLast);
     QString RebuildAll();
     QString Config(eAxis axis);
     void Run(eAxis axis);   // at its working feed

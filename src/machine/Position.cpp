@@ -1,6 +1,7 @@
 #include "machine/Position.h"
 
 #include "common/OperatorScreen.h"
+#include "common/Refusals.h"
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 
@@ -63,6 +64,27 @@ void CPosition::ToMchCoord(stFloatPoint& pos) const
     }
 }
 
+// ---- Simulation -----------------------------------------------------------------------------------------------------
+
+void CPosition::BeginSimulation()
+{
+    for (int axis = 0; axis < MAX_AXES; ++axis) m_lBeforeSimulation[axis] = m_Axes.m_AxisCtrl[axis].GetCurPosLong();
+    AppConfig::m_bSimulationMode = true;
+}
+
+void CPosition::EndSimulation()
+{
+    AppConfig::m_bSimulationMode = false;
+    for (int axis = 0; axis < MAX_AXES; ++axis) m_Axes.m_AxisCtrl[axis].m_lCurPos = m_lBeforeSimulation[axis];
+    for (int axis = 0; axis < m_Axes.m_iAxesSetUp; ++axis) m_Axes.m_AxisCtrl[axis].PutDirection();
+}
+
+bool CPosition::RefuseInSimulation()
+{
+    if (AppConfig::m_bSimulationMode) m_Messages.PushErrMsg(NOT_IN_SIMULATION);
+    return AppConfig::m_bSimulationMode;
+}
+
 // ---- Work zero ------------------------------------------------------------------------------------------------------
 
 // Where the axis stands in machine coordinates; false, with a message: outside the machine.
@@ -84,6 +106,7 @@ bool CPosition::CheckNewWorkZero(eAxis axis, qint64& lMachinePos)
 
 bool CPosition::SetWorkZero(eAxis axis)
 {
+    if (RefuseInSimulation()) return false;
     qint64 lMachinePos = 0;
     if (AppConfig::m_bHomeSensorsUsed) {
         if (!CheckNewWorkZero(axis, lMachinePos)) return false;
@@ -98,6 +121,7 @@ bool CPosition::SetWorkZero(eAxis axis)
 
 void CPosition::SetWorkZero()
 {
+    if (RefuseInSimulation()) return;
     const int iAxes = CMachineAxes::AxesInUse();
     if (AppConfig::m_bHomeSensorsUsed) {
         qint64 lMachinePos[MAX_AXES] = {};

@@ -27,15 +27,23 @@ public:
     void ClearHome();
     void SetMchHome(const signed char* pAxes);   // of the axes that are marked
     void ClearHome(const signed char* pAxes);
-    // Refused, with a message: outside the machine.
+    // Simulated moves leave no trace: at the end all five axes are where they were, and the direction pins as m_eDir
+    // says.
+    void BeginSimulation();
+    void EndSimulation();
+
+    // Refused, with a message: in simulation, where the axes are not where they count to be; outside the machine.
     bool SetWorkZero(eAxis axis);
-    // An axis outside the machine is told and set all the same, unlike in the form for one axis: wanted, the operator
-    // who sets all axes at once has chosen this corner of the work.
+    // Refused in simulation alone. An axis outside the machine is told and set all the same, unlike in the form for one
+    // axis: wanted, the operator who sets all axes at once has chosen this corner of the work.
     void SetWorkZero();
 
 private:
     bool CheckNewWorkZero(eAxis axis, qint64& lMachinePos);
 
+    bool RefuseInSimulation();
+
     CMachineAxes& m_Axes;
     CMessages& m_Messages;
+    qint32 m_lBeforeSimulation[MAX_AXES] = {};   // position units
 };

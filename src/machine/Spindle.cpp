@@ -1,14 +1,30 @@
 #include "machine/Spindle.h"
 
+#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "machine/MCodeOutputs.h"
-#include "time/Wait.h"
 
 #include <cmath>
 
-static void WriteRelay(eDirection eDir, bool bOn)
+static QString NameOf(eDirection eDir)
 {
-    WriteMCodeOutput(eDir == DIR_CW ? 3 : 4, bOn ? 1 : 0);
+    return eDir == DIR_CW ? QStringLiteral("CW") : QStringLiteral("CCW");
+}
+
+void CSpindle::WriteRelay(eDirection eDir, bool bClose)
+{
+    m_bClosed[eDir] = bClose;
+    WriteMCodeOutput(eDir == DIR_CW ? 3 : 4, bClose ? 1 : 0);
+}
+
+// False: not behind a stop. A stop that comes in between opens it again.
+bool CSpindle::Close(eDirection eDir)
+{
+    if (m_Handshake.IsStopRequested()) return false;
+    if (!AppConfig::m_bSimulationMode) WriteRelay(eDir, true);
+    if (!m_Handshake.IsStopRequestedBehind()) return true;
+    WriteRelay(eDir, false);
+    return false;
 }
 
 void CSpindle::TurnOnOffSpindle(bool bOn, eDirection eDir)
@@ -16,26 +32,38 @@ void CSpindle::TurnOnOffSpindle(bool bOn, eDirection eDir)
     if (!bOn) {
         WriteRelay(DIR_CW, false);
         WriteRelay(DIR_CCW, false);
-    } else {
-        WriteRelay(eDir, true);
+    } else if (!Close(eDir)) {
+        return m_Messages.PushErrMsg(RELEASE_EMERGENCY_SWITCH);
     }
     AppConfig::m_bSpindleOn = bOn;
 }
 
+QString CSpindle::WhyNotStarted(eDirection eDir) const
+{
+    const eDirection eOther = Opposite(eDir);
+    if (!m_bClosed[eOther]) return {};
+    return QStringLiteral("Spindle turns %1: turn it off, it starts %2").arg(NameOf(eOther), NameOf(eDir));
+}
+
+QString CSpindle::WhyStillTurning() const
+{
+    for (const eDirection eDir : {DIR_CW, DIR_CCW})
+        if (m_bClosed[eDir]) return QStringLiteral("Spindle still turns ") + NameOf(eDir);
+    return {};
+}
+
 bool CSpindle::Toggle(eDirection eDir)
 {
-    const bool bOn = !AppConfig::m_bSpindleOn;
-    AppConfig::m_bSpindleOn = bOn;
-    WriteRelay(eDir, bOn);
-    return bOn;
+    const bool bTurns = m_bClosed[DIR_CW] || m_bClosed[DIR_CCW];
+    const bool bOn = !bTurns && !(AppConfig::m_bSimulationMode && AppConfig::m_bSpindleOn);
+    TurnOnOffSpindle(bOn, eDir);
+    return AppConfig::m_bSpindleOn;
 }
 
 bool CSpindle::StartFromProgram(eDirection eDir)
 {
     WriteRelay(Opposite(eDir), false);
-    CWait::SleepUs(OUTPUT_PAUSE_US);
-    if (m_Handshake.IsStopRequested()) return false;   // a spindle must not start behind a stop
-    WriteRelay(eDir, true);
+    if (!m_Handshake.SleepUnlessStopped(OUTPUT_PAUSE_US) || !Close(eDir)) return false;
     AppConfig::m_bSpindleOn = true;
     AppConfig::m_bSpindleDirInGcode = eDir == DIR_CCW;
     AppConfig::m_bSpindleOnOffStatusChangeInGCode = true;
@@ -67,5 +95,5 @@ void CSpindle::SetSpeed(int iSpeed)
     } else {
         m_Messages.PushErrMsg(QStringLiteral("Spindle speed not changed: its lowest and highest speed must differ"));
     }
-    CWait::SleepUs(pwm.iTimeDelay * 1000);   // run-up
+    (void)m_Handshake.SleepUnlessStopped(pwm.iTimeDelay * 1000);   // run-up
 }

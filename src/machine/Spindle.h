@@ -4,7 +4,8 @@
 #include "machine/Messages.h"
 #include "machine/WorkObserver.h"
 
-// The spindle: the only writer of its two relays.
+// The spindle: the only writer of its two relays, and the one that knows whether they are closed. Closing is refused
+// behind a stop, and moves no relay in simulation; opening always opens both.
 class CSpindle
 {
 public:
@@ -13,10 +14,16 @@ public:
     {
     }
 
-    // Any thread. On: the other relay is left as it is, wanted, the interface locks the other direction and a program
-    // stops in between.
+    // ---- Any thread ----
+    // On: the other relay is left as it is, wanted; whoever starts a spindle asks IsClosed first.
     void TurnOnOffSpindle(bool bOn, eDirection eDir);
-    // A press: on, or off by the relay of this direction alone. The result is whether it is on now. Interface.
+    // As it was last written: an expansion board does not tell.
+    bool IsClosed(eDirection eDir) const { return m_bClosed[eDir]; }
+    // Empty, or why a job must not start the spindle this way: nothing reverses one that turns.
+    QString WhyNotStarted(eDirection eDir) const;
+    // "Spindle still turns CW"; empty: it stands.
+    QString WhyStillTurning() const;
+    // A touch: off where a relay is closed, whatever the button shows, else on. Whether it is on now. Interface.
     bool Toggle(eDirection eDir);
 
     // ---- Worker ----
@@ -28,8 +35,11 @@ public:
 
 private:
     void SetSpeed(int iSpeed);
+    void WriteRelay(eDirection eDir, bool bClose);
+    bool Close(eDirection eDir);
 
     CMessages& m_Messages;
     const CHandshake& m_Handshake;
     const CWatchedWork& m_Watched;
+    CShared<bool> m_bClosed[2] = {false, false};   // by eDirection
 };

@@ -7,14 +7,14 @@
 #include "platform/Computer.h"
 #include "time/Wait.h"
 
+#include <QThreadPool>
+
 CMachineAxes* CAllAxisCtrl::m_pAppCtrl = nullptr;
 CShared<bool> CAllAxisCtrl::m_bAutoMode = false;
 CShared<bool> CAllAxisCtrl::m_bStartMotion = false;
 CShared<bool> CAllAxisCtrl::m_bAutoModeRunning = false;
 stAxisToMove CAllAxisCtrl::m_lstAxisToMov;
 
-// The core that a set-up Pi keeps free for the pulses.
-static constexpr int PULSE_CORE = 3;
 // A pulse cut off in the middle ends within this time.
 static constexpr qint64 PINS_LOW_DELAY_US = 100;
 
@@ -30,22 +30,16 @@ public:
     {
         m_bEnding = !CAllAxisCtrl::m_bAutoMode;
         if (m_bEnding) {
-            CAllAxisCtrl::m_bStartMotion = false;
+            CAllAxisCtrl::EndMove();
             return lStart + PINS_LOW_DELAY_US * 1000;
         }
         CShared<bool> bAutoMode = true;
+        CAllAxisCtrl::PrepareMove(m_Move);
         CDryMoveClock clock(*CVirtualTime::Current(), lStart, bAutoMode, m_Move.tracks);
-        CAllAxisCtrl::PrepareMove(m_Move, clock);
-        CRpiGpio pins;
-        RunMove(std::span(m_Move.tracks, m_Move.uAxes), bAutoMode, AppConfig::m_bSimulationMode, clock, pins);
+        CAllAxisCtrl::MakeMove(m_Move, bAutoMode, clock);
         return lStart + clock.End();
     }
-    void Finish() override
-    {
-        if (m_bEnding) return CAllAxisCtrl::EndAutoMode();
-        CAllAxisCtrl::TellMoveEnd();
-        CAllAxisCtrl::EndMove();
-    }
+    void Finish() override { m_bEnding ? CAllAxisCtrl::EndMode() : CAllAxisCtrl::EndMove(); }
 
 private:
     CAllAxisCtrl::stMove m_Move;
@@ -67,7 +61,14 @@ void CAllAxisCtrl::StartAutoMode(CMachineAxes* pAxes)
         static CAutoModeRun run;
         pTime->SetRun(0, &run);
     } else {
-        RunPooled(RunAutoMode);
+        // Never destroyed: a program may end, by a signal say, while the mode runs.
+        static QThreadPool* const pPool = [] {
+            auto* pNew = new QThreadPool;
+            pNew->setMaxThreadCount(1);
+            pNew->setExpiryTimeout(-1);
+            return pNew;
+        }();
+        (void)QtConcurrent::run(pPool, RunAutoMode);
     }
 }
 
@@ -91,12 +92,18 @@ void CAllAxisCtrl::WaitForAutoModeEnd()
     CWait::SleepUntil([] { return !m_bAutoModeRunning; }, 10);
 }
 
-template <class Clock> void CAllAxisCtrl::PrepareMove(stMove& move, Clock& clock)
+void CAllAxisCtrl::PrepareMove(stMove& move)
 {
     move.uAxes = AppConfig::m_iMchType == 5 ? 5 : 3;
     for (size_t n = 0; n < MAX_AXES; ++n)
         move.tracks[n] = m_pAppCtrl->m_AxisCtrl[n].Track(n < move.uAxes && m_lstAxisToMov[static_cast<int>(n)]);
+}
+
+template <class Clock> void CAllAxisCtrl::MakeMove(stMove& move, const CShared<bool>& bAutoMode, Clock& clock)
+{
     clock.start();   // time zero of all axes
+    CRpiGpio pins;
+    RunMove(std::span(move.tracks, move.uAxes), bAutoMode, AppConfig::m_bSimulationMode, clock, pins);
 }
 
 void CAllAxisCtrl::RunAutoMode()
@@ -106,30 +113,31 @@ void CAllAxisCtrl::RunAutoMode()
     QElapsedTimer timer;
     timer.start();
     CSpinClock clock(timer);
-    CRpiGpio pins;
     stMove move;
     while (m_bAutoMode) {
         // No sleep: the start of a move must have no scheduler latency. The reading keeps the thread on the core.
         while (!m_bStartMotion && m_bAutoMode) (void)timer.nsecsElapsed();
         if (m_bStartMotion) {
-            PrepareMove(move, clock);
-            RunMove(std::span(move.tracks, move.uAxes), m_bAutoMode, AppConfig::m_bSimulationMode, clock, pins);
-            TellMoveEnd();
+            PrepareMove(move);
+            MakeMove(move, m_bAutoMode, clock);
         }
         EndMove();
     }
+    EndMove();   // asked for between the last look at it and the end of the mode
     CWait::SleepUs(PINS_LOW_DELAY_US);
-    EndAutoMode();
+    EndMode();
 }
 
-// While the next move can't be handed over yet.
-void CAllAxisCtrl::TellMoveEnd()
+void CAllAxisCtrl::EndMove()
 {
+    if (!m_bStartMotion) return;
+    // While the next move can't be handed over yet.
     if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(-1);
+    m_bStartMotion = false;
 }
 
 // A move that was cut off between the edges of a pulse leaves no pin high.
-void CAllAxisCtrl::EndAutoMode()
+void CAllAxisCtrl::EndMode()
 {
     for (int axis = 0; axis < (AppConfig::m_iMchType == 5 ? 5 : 3); ++axis)
         if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iAxisPulseOutput[axis]), 0);

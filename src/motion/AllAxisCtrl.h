@@ -26,7 +26,7 @@ public:
     static void WaitForMotion();
     // Sleeps until the loop has really gone.
     static void WaitForAutoModeEnd();
-    // The thread function.
+    // The thread function, on a thread of its own that no other task ever gets: it stays bound to the pulse core.
     static void RunAutoMode();
 
     static CMachineAxes* m_pAppCtrl;
@@ -43,8 +43,11 @@ private:
         stAxisTrack tracks[MAX_AXES];
         size_t uAxes = 0;
     };
-    template <class Clock> static void PrepareMove(stMove& move, Clock& clock);
-    static void TellMoveEnd();
-    static void EndMove() { m_bStartMotion = false; }
-    static void EndAutoMode();
+    // The steps of the mode, called alike by its thread and by the dry run's form of it: a move until it ends or
+    // bAutoMode falls; its end, also of one that was asked for and never begun; the end of the mode, PINS_LOW_DELAY_US
+    // behind the last edge.
+    static void PrepareMove(stMove& move);
+    template <class Clock> static void MakeMove(stMove& move, const CShared<bool>& bAutoMode, Clock& clock);
+    static void EndMove();
+    static void EndMode();
 };

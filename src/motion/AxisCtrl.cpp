@@ -29,6 +29,7 @@ AxisCtrl::~AxisCtrl()
     if (CVirtualTime* pTime = CVirtualTime::Current()) pTime->DropRun(this);
     m_bMoving = false;
     WaitForThread();
+    CWait::SleepUntil([this] { return m_iPooled == 0; }, 100);
 }
 
 // What the thread has done is done: said again by run's last store, because a thread sanitizer does not see the lock
@@ -115,7 +116,13 @@ bool AxisCtrl::Jog(eDirection eDir)
 {
     Refuse(QString());
     if (m_bMoving) return Refuse(InMotion());
-    m_lTargetPos = eDir == AppConfig::m_eAxisPosDir[m_sAxis] ? m_lPosLimit : m_lNegLimit;
+    const bool bPositive = eDir == AppConfig::m_eAxisPosDir[m_sAxis];
+    const qint32 lLimit = bPositive ? m_lPosLimit : m_lNegLimit, lPos = m_lCurPos;
+    if (bPositive ? lPos > lLimit : lPos < lLimit)   // the way to the limit would be the other way
+        return Refuse(QLatin1String(g_szAxes[m_sAxis]) + QStringLiteral(" is beyond its limit of ") +
+                      QString::number(lLimit / DECIMAL_MULTIPLYER, 'f', PRECISION) +
+                      QStringLiteral(", jog the other way"));
+    m_lTargetPos = lLimit;
     return MoveAxis();
 }
 
@@ -226,21 +233,72 @@ bool AxisCtrl::RefuseBuild(const QString& strWhy)
 bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
 {
     const QMutexLocker lock(&m_Mutex);
-    const stRampSettings settings = stRampSettings::OfAxis(m_sAxis);
-    const QString strWhy = WhyNoRamp(settings, fVel, fAcc);
+    m_bBuildPending = false;   // it is out of date
+    ++m_uBuilds;
+    return BuildTable(fVel, fAcc);
+}
+
+void AxisCtrl::SetVelocityAccSoon(double fVel, double fAcc)
+{
+    quint32 uBuild = 0;
+    {
+        const QMutexLocker lock(&m_Mutex);
+        uBuild = ++m_uBuilds;
+        m_bBuildPending = true;
+    }
+    ++m_iPooled;
+    RunPooled([this, uBuild, fVel, fAcc] {
+        {
+            const QMutexLocker lock(&m_Mutex);
+            if (m_uBuilds == uBuild) {
+                (void)BuildTable(fVel, fAcc);
+                m_bBuildPending = false;
+            }
+        }
+        --m_iPooled;   // last: whoever waits for it destroys the axis
+    });
+}
+
+// Ahead of a move.
+void AxisCtrl::FinishBuild()
+{
+    if (m_bBuildPending) CWait::SleepUntil([this] { return !m_bBuildPending; }, 100);
+}
+
+bool AxisCtrl::BuildTable(double fVel, double fAcc)
+{
+    const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
+    const QString strWhy = WhyNoRamp(wanted.settings, fVel, fAcc);
     if (!RefuseBuild(strWhy.isEmpty() ? strWhy : AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ') + strWhy))
         return false;
 
     const size_t t = 1u - m_ucCurTable;
     m_fVel[t] = fVel;
+    m_bNewTable = true;
+    if (!m_bStoreVelCurve && ReuseTable(wanted, t)) return true;
     m_Building.lstHigh.swap(m_lstHighTime[t]);
     m_Building.lstLow.swap(m_lstLowTime[t]);
-    BuildRamp(settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
+    BuildRamp(wanted.settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
     m_Building.lstHigh.swap(m_lstHighTime[t]);
     m_Building.lstLow.swap(m_lstLowTime[t]);
     m_fConstHighTime[t] = m_Building.fConstHigh;
     m_fConstLowTime[t] = m_Building.fConstLow;
-    m_bNewTable = true;
+    m_Built[t] = wanted;
+    return true;
+}
+
+// Where this slot or the other one is built for the very same: a long ramp takes its time, and a stop rebuilds them
+// all.
+bool AxisCtrl::ReuseTable(const stBuilt& wanted, size_t uSlot)
+{
+    if (m_Built[uSlot] == wanted) return true;
+    const size_t uOther = 1 - uSlot;
+    if (!(m_Built[uOther] == wanted)) return false;
+    m_lstHighTime[uSlot] = m_lstHighTime[uOther];
+    m_lstLowTime[uSlot] = m_lstLowTime[uOther];
+    m_fConstHighTime[uSlot] = m_fConstHighTime[uOther];
+    m_fConstLowTime[uSlot] = m_fConstLowTime[uOther];
+    m_Built[uSlot] = wanted;
     return true;
 }
 
@@ -255,6 +313,7 @@ AxisCtrl::stWay AxisCtrl::Way() const
 
 bool AxisCtrl::MoveAxis()
 {
+    FinishBuild();
     if (const QString strWhy = GetBuildError(); !strWhy.isEmpty()) return Refuse(strWhy);
     const stWay way = Way();
     if (way.bNone) return true;
@@ -291,6 +350,7 @@ void AxisCtrl::StartThread()
 
 void AxisCtrl::CreateMotionCurve()
 {
+    FinishBuild();
     const stWay way = Way();
     if (way.bNone) {
         m_uAccPulses = m_uConstPulses = m_uDecPulses = 0;
@@ -304,12 +364,17 @@ void AxisCtrl::CreateMotionCurve()
     SplitMove(way.uPulses);
 }
 
+void AxisCtrl::PutDirection()
+{
+    if (!AppConfig::m_bSimulationMode)
+        CRpiGpio::WriteOutput(Pin(AppConfig::m_iAxisDirOutput[m_sAxis]), static_cast<quint8>(m_eDir));
+    CWait::SpinBeyond(DIRECTION_SETTLING_NS);   // in simulation too: it takes as long as a real run
+}
+
 void AxisCtrl::SetDirection(eDirection eDir)
 {
     m_eDir = eDir;
-    if (!AppConfig::m_bSimulationMode)
-        CRpiGpio::WriteOutput(Pin(AppConfig::m_iAxisDirOutput[m_sAxis]), static_cast<quint8>(eDir));
-    CWait::SpinBeyond(DIRECTION_SETTLING_NS);   // in simulation too: it takes as long as a real run
+    PutDirection();
 }
 
 void AxisCtrl::UseNewTable()
@@ -414,6 +479,20 @@ void AxisCtrl::Finish()
 {
     if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(m_sAxis);
     m_bDecelerate = false;
-    m_bMoving = false;
+    m_bMoving.Exchange(false);
+    if (m_bEndWatch.Ordered()) DropWatch();
     m_bThreadIdle = true;
+}
+
+void AxisCtrl::EndWatch()
+{
+    m_bEndWatch.Exchange(true);
+    if (!m_bMoving.Ordered()) DropWatch();   // else the end of the move sees the flag
+}
+
+void AxisCtrl::DropWatch()
+{
+    m_bHoming = false;
+    m_bWatchZProbe = false;
+    m_bEndWatch = false;
 }

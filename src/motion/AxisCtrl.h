@@ -9,6 +9,8 @@
 #include <QMutex>
 #include <QThread>
 
+#include <atomic>
+#include <limits>
 #include <vector>
 
 // One axis: its position, its two sets of ramp tables, its soft limits, and a thread that makes its step pulses in
@@ -29,6 +31,9 @@ public:
     // Builds the ramp tables of the inactive slot for fVel (mm/s) at fAcc (mm/s^2); the next move uses them. Any
     // thread, also while the axis moves. A refusal (WhyNoRamp) changes nothing but the mark below.
     bool SetVelocityAcc(double fVel, double fAcc);
+    // The same on a pooled thread, for a caller that must not wait for up to 90 ms; the next move does. A later build,
+    // of either kind, takes its place. Why it was refused is in GetBuildError.
+    void SetVelocityAccSoon(double fVel, double fAcc);
     // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked, and
     // so is one that needs a restart.
     QString GetBuildError() const;
@@ -55,6 +60,14 @@ public:
     void DeccelerateAxis();
     // Ends the move at once, without a ramp, and waits until the thread is idle.
     void Stop();
+    // The same without the wait: where several axes are to stop, all are told first.
+    void RequestStop() { m_bMoving = false; }
+    // Sensor and probe are no longer watched, on an axis that still moves from its standstill on: with the watch gone
+    // it would run through.
+    void EndWatch();
+    // Puts m_eDir on the pin and lets it settle: what was commanded in simulation, or before the pins were set up, has
+    // not got there.
+    void PutDirection();
 
     static constexpr qint32 NO_LIMIT = 100'000'000;   // 10 m: moves that run until something ends them
 
@@ -79,6 +92,7 @@ public:
     CShared<bool> m_bNewTable = false;        // a rebuilt set waits in the inactive slot
     QMutex m_Mutex;                           // around the building of a set
     CShared<bool> m_bWatchZProbe = false;
+    CShared<bool> m_bEndWatch = false;       // the watch ends with the move
     CShared<bool> m_bNeedsRestart = false;   // the board was changed: this axis has no pins of its own yet, or no more
 
     // The pulse of the active slot in one coordinated move.
@@ -101,6 +115,7 @@ private:
     bool MoveAxis();
     void CreateMotionCurve();
     void SetDirection(eDirection eDir);
+    void DropWatch();
     void UseNewTable();
     void SplitMove(quint32 uPulses);
     void WaitForThread();
@@ -108,7 +123,22 @@ private:
     bool Refuse(const QString& strWhy);
     bool RefuseBuild(const QString& strWhy);
     stAxisRun MakeRun();
-    stRampTable m_Building;   // gets the memory of a slot while that is built
+    // What a slot was built for; not a number: for nothing.
+    struct stBuilt
+    {
+        stRampSettings settings;
+        double fVel = std::numeric_limits<double>::quiet_NaN(), fAcc = 0.0;
+        bool operator==(const stBuilt&) const = default;
+    };
+    bool BuildTable(double fVel, double fAcc);
+    bool ReuseTable(const stBuilt& wanted, size_t uSlot);
+    void FinishBuild();
+
+    stRampTable m_Building;                  // gets the memory of a slot while that is built
+    stBuilt m_Built[2];                      // under m_Mutex, like all of the building
+    quint32 m_uBuilds = 0;                   // asked for so far
+    CShared<bool> m_bBuildPending = false;   // a pooled one is the last that was asked for
+    std::atomic<int> m_iPooled = 0;          // tasks that know this axis
 
     bool IsDue() const override { return m_bStartPending; }
     qint64 Run(qint64 lStart) override;

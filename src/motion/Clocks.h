@@ -16,10 +16,11 @@ public:
     explicit CSpinClock(QElapsedTimer& timer) : m_Timer(timer) {}
     void start() { m_Timer.start(); }
     qint64 nsecsElapsed() const { return m_Timer.nsecsElapsed(); }
-    void Hold(double fNs) const
+    void Hold(double fNs, const CShared<bool>& bMoving) const
     {
         const qint64 lFrom = m_Timer.nsecsElapsed();
-        while (static_cast<double>(m_Timer.nsecsElapsed() - lFrom) < fNs) {
+        const bool bWhole = fNs <= LONG_HOLD_NS;
+        while (static_cast<double>(m_Timer.nsecsElapsed() - lFrom) < fNs && (bWhole || bMoving.Relaxed())) {
         }
     }
 
@@ -48,6 +49,14 @@ protected:
         m_lNow = lTo;
         m_Time.SetEdgeTime(m_lStart + lTo);
         if (m_Time.IsInterrupted()) m_bRun.SetRelaxed(false);
+    }
+    // The same for a long hold: a stop ends it where it came.
+    void JumpUnlessStopped(qint64 lTo)
+    {
+        if (!m_bRun.Relaxed()) return;
+        if (lTo >= m_lEvent) PassEvents(lTo);
+        if (!m_bRun.Relaxed()) lTo = std::min(lTo, m_lStopped);
+        JumpTo(lTo);
     }
     // The same for a loop whose edges due at the time of an event, or later, must not be made.
     void JumpBefore(qint64 lTo)
@@ -99,7 +108,14 @@ public:
     using CDryClock::CDryClock;
     void start() { JumpTo(0); }
     qint64 nsecsElapsed() const { return m_lNow; }
-    void Hold(double fNs) { JumpTo(m_lNow + std::max<qint64>(0, static_cast<qint64>(std::ceil(fNs)))); }
+    void Hold(double fNs, const CShared<bool>&)
+    {
+        const qint64 lTo = m_lNow + std::max<qint64>(0, static_cast<qint64>(std::ceil(fNs)));
+        if (fNs <= LONG_HOLD_NS)
+            JumpTo(lTo);
+        else
+            JumpUnlessStopped(lTo);
+    }
 };
 
 // A coordinated move: between rounds the clock jumps to the next edge that is due.
@@ -119,7 +135,7 @@ public:
         if (uNext != std::numeric_limits<quint64>::max()) JumpBefore(std::max(m_lNow, static_cast<qint64>(uNext)));
         return m_lNow;
     }
-    void Hold(double) const {}
+    void Hold(double, const CShared<bool>&) const {}
     // When the loop was over: the time of the event that stopped it, otherwise its last reading.
     qint64 End() const { return std::max(m_lNow, m_lStopped); }
 

@@ -11,15 +11,19 @@
 // same text. Inside them: no virtual call, no allocation, no lock, no log; a pin is written before any arithmetic,
 // because everything ahead of a write is jitter. Times are ns since the clock's start.
 
-// start() is time zero; nsecsElapsed() reads; Hold(f) returns once at least f ns have passed since its call.
+// start() is time zero; nsecsElapsed() reads; Hold(f, bMoving) returns once at least f ns have passed since its call.
+// One of more than LONG_HOLD_NS returns as soon as bMoving falls: a stop must not wait for a pulse of a second. A
+// shorter one always lasts its time, so that the drive sees the last step whole.
+inline constexpr double LONG_HOLD_NS = 10'000'000.0;
+
 template <class C>
-concept PulseClock = requires(C c)
+concept PulseClock = requires(C c, const CShared<bool>& bMoving)
 {
     c.start();
     {
         c.nsecsElapsed()
         } -> std::convertible_to<qint64>;
-    c.Hold(1.0);
+    c.Hold(1.0, bMoving);
 };
 template <class P>
 concept PulsePins = requires(P p, quint16 pin, quint8 level)
@@ -60,10 +64,10 @@ template <PulseClock C, PulsePins P>
 inline void EmitPulse(stAxisRun& run, double fHigh, double fLow, CShared<bool>& bMoving, C& clock, P& pins)
 {
     if (!run.bSimulation.Relaxed()) pins.WriteOutput(run.uPulsePin, 1);
-    clock.Hold(fHigh);
+    clock.Hold(fHigh, bMoving);
     if (!run.bSimulation.Relaxed()) pins.WriteOutput(run.uPulsePin, 0);
-    clock.Hold(fLow);
-    MovePosition(run.lCurPos, run.lDelta);   // only when the pulse is complete
+    clock.Hold(fLow, bMoving);
+    MovePosition(run.lCurPos, run.lDelta);   // only when the pulse is complete; one cut short has stepped all the same
     // Inputs are read in simulation too: only outputs are silent.
     if (run.bSensors && run.bHoming.Relaxed() && pins.ReadInput(run.uHomePin) != 0) bMoving = false;
     if (run.bProbeAxis && run.bWatchZProbe.Relaxed() && pins.ReadInput(run.uProbePin) != 0) bMoving = false;

@@ -16,6 +16,8 @@ struct stRampSettings
     double fRateOfAcc = 0.0;   // mm/s^3, of an S-curve
     quint32 uSampleUs = 0;     // us for which a speed is held
     bool bSCurve = false;
+
+    bool operator==(const stRampSettings&) const = default;
 };
 
 struct stRampTable

@@ -3,8 +3,22 @@
 
 // What the computer offers beside its pins.
 
+// The core that a set-up Pi keeps free for the pulses.
+inline constexpr int PULSE_CORE = 3;
+
 // Binds the calling thread to one processor core. Not examined further where the computer has no such core.
 void BindThreadToCore(int iCore);
+
+// Keeps the program's pages in memory: one that has to be fetched in the middle of a move costs milliseconds. Those of
+// now in any case; later ones only where the limit on locked memory is none, because beyond a limit every allocation
+// would fail.
+enum eLockedMemory
+{
+    LOCKED_NOTHING,
+    LOCKED_PRESENT,
+    LOCKED_ALL
+};
+eLockedMemory LockMemory();
 
 // Starts a program that outlives this one. Tests and the headless runner put a function of their own in its place:
 // nothing but the machine's own program may shut a computer down.

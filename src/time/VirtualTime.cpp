@@ -31,13 +31,6 @@ void CVirtualTime::AddEvent(stVirtualEvent event)
     m_lstEvents.insert(place, std::move(event));
 }
 
-void CVirtualTime::Sleep(qint64 lNs)
-{
-    const qint64 lUntil = m_lNow + lNs;
-    if (m_fnSupervise) m_fnSupervise();
-    Wait([] { return false; }, lUntil);
-}
-
 void CVirtualTime::RunWhatIsDue()
 {
     if (IsInterrupted() && !m_bInterruptTold) {

@@ -69,7 +69,17 @@ public:
             if (Step(lUntil) != SOMETHING_CAME) return pred();
         }
     }
-    void Sleep(qint64 lNs);
+    void Sleep(qint64 lNs)
+    {
+        SleepUnless([] { return false; }, lNs);
+    }
+    // A sleep that ends early when the predicate holds; the result is that of the predicate.
+    template <class Pred> bool SleepUnless(Pred&& pred, qint64 lNs)
+    {
+        const qint64 lUntil = m_lNow + lNs;
+        if (m_fnSupervise) m_fnSupervise();
+        return Wait(pred, lUntil);
+    }
 
     // Called at the start of every timed sleep: what the supervision loop does on the machine.
     std::function<void()> m_fnSupervise;

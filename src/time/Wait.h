@@ -10,11 +10,26 @@ class CWait
 {
 public:
     static constexpr qint64 FOREVER = CVirtualTime::FOREVER;
+    static constexpr qint64 LOOK_US = 10'000;   // often enough for a stop that must act within 50 ms
 
     // Steady time, ns.
     static qint64 Now();
 
     static void SleepUs(qint64 lUs);
+
+    // A sleep that ends within LOOK_US of the predicate. The result is that of the predicate: true, it was cut short.
+    template <class Pred> static bool SleepUnless(Pred&& pred, qint64 lUs)
+    {
+        if (CVirtualTime* pTime = CVirtualTime::Current()) return pTime->SleepUnless(pred, lUs * 1000);
+        if (const auto fnHook = static_cast<void (*)(qint64)>(m_fnSleepHook)) fnHook(lUs);
+        const qint64 lUntil = Now() + lUs * 1000 / m_lShorten;
+        while (!pred()) {
+            const qint64 lLeftUs = (lUntil - Now()) / 1000;
+            if (lLeftUs <= 0) return false;
+            QThread::usleep(static_cast<unsigned long>(lLeftUs < LOOK_US ? lLeftUs : LOOK_US));
+        }
+        return true;
+    }
 
     // Spins until more than lNs have passed.
     static void SpinBeyond(qint64 lNs)
@@ -58,7 +73,6 @@ private:
     static CShared<void (*)(qint64)> m_fnSleepHook;
 };
 
-// A task on the thread pool whose result nobody asks for; in a dry run it is done at once.
-// The pool has at least four threads, so that the thread of the coordinated moves never starves the other tasks on a
-// small computer.
+// A task on the thread pool whose result nobody asks for; in a dry run it is done at once. The pool has at least four
+// threads, so that a long load does not hold up the other tasks on a small computer.
 void RunPooled(std::function<void()> fnTask);

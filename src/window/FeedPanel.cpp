@@ -1,7 +1,7 @@
 #include "window/FeedPanel.h"
 
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 #include "machine/MotorSettings.h"
 #include "screens/host/ScreenHost.h"
 #include "widgets/DlgMyHorizSlideBar.h"
@@ -31,13 +31,13 @@ void CFeedPanel::SetUp(QWidget* pFrame)
 void CFeedPanel::SetFeed(short iPercentage)
 {
     const QMutexLocker lock(&m_mtxFeed);
-    CMotorSettings(m_Host.Machine()).SetFeedOverride(iPercentage, m_Host.IsMachineFree());
+    CMotorSettings(m_Host.MachineParts()).SetFeedOverride(iPercentage, m_Host.IsMachineFree());
 }
 
 void CFeedPanel::SetRapid(short iPercentage)
 {
     const QMutexLocker lock(&m_mtxFeed);
-    CMotorSettings(m_Host.Machine()).SetRapidOverride(iPercentage, m_Host.IsMachineFree());
+    CMotorSettings(m_Host.MachineParts()).SetRapidOverride(iPercentage, m_Host.IsMachineFree());
 }
 
 void CFeedPanel::ChangeFeed(int iStep)

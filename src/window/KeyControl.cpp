@@ -1,7 +1,8 @@
 #include "window/KeyControl.h"
 
+#include "common/Operation.h"
 #include "common/UnitConverter.h"
-#include "control/AppControl.h"
+#include "config/AppConfig.h"
 
 #include <Qt>
 

@@ -1,7 +1,7 @@
 #include "window/PositionPanel.h"
 
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
+#include "motion/MachineAxes.h"
 #include "widgets/Look.h"
 
 #include <QLabel>
@@ -21,7 +21,7 @@ void CPositionPanel::Show()
 {
     QString strText;
     for (int axis = 0; axis < MAX_AXES; ++axis) {
-        double fPos = m_Machine.GetCurPos(static_cast<eAxis>(axis));
+        double fPos = m_Machine.m_AxisCtrl[axis].GetCurPos();
         if (std::fabs(fPos) < SHOWN_AS_ZERO) fPos = 0.0;
         const bool bExists = AppConfig::m_iMchType != 3 || axis <= Z_AXIS;
         strText += bExists ? QString::number(fPos, 'f', PRECISION) : QStringLiteral("NA");

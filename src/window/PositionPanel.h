@@ -1,6 +1,6 @@
 #pragma once
 
-class AppControl;
+struct CMachineAxes;
 class QLabel;
 class QWidget;
 
@@ -8,12 +8,12 @@ class QWidget;
 class CPositionPanel
 {
 public:
-    CPositionPanel(QLabel& positions, const AppControl& machine) : m_Positions(positions), m_Machine(machine) {}
+    CPositionPanel(QLabel& positions, const CMachineAxes& machine) : m_Positions(positions), m_Machine(machine) {}
 
     void SetUp(const QWidget& frame);   // that holds the letters
     void Show();                        // once a tick
 
 private:
     QLabel& m_Positions;
-    const AppControl& m_Machine;
+    const CMachineAxes& m_Machine;
 };

@@ -1,7 +1,7 @@
 #include "window/SpindlePanel.h"
 
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 #include "screens/host/ScreenHost.h"
 #include "widgets/ButtonStyle.h"
 #include "widgets/DlgMyHorizSlideBar.h"
@@ -43,7 +43,7 @@ void CSpindlePanel::SetUp(QWidget* pFrame)
 
 void CSpindlePanel::Toggle(eDirection eDir, QPushButton& button, QPushButton& other, const QString& strName)
 {
-    const bool bOn = m_Host.Machine().m_Spindle.Toggle(eDir);
+    const bool bOn = m_Host.MachineParts().m_Spindle.Toggle(eDir);
     button.setStyleSheet(bOn ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
     button.setText(strName + (bOn ? ON : OFF));
     other.setEnabled(!bOn);

@@ -56,6 +56,25 @@ TEST_F(ThreadsCamera, FramesArriveInOrderEachWithPixelsOfItsOwnAndTheLossIsToldO
     EXPECT_TRUE(WaitFor([this] { return m_lstImages.size() > 41; }));
 }
 
+// An emergency-stop input, say, while a camera hangs in its opening, or in a read behind which it is to stop.
+TEST_F(ThreadsCamera, WhoeverWaitsForItIsAskedForWhatMayNotWait)
+{
+    int iLooks = 0;
+    m_Camera.SetWhileWaiting([&] {
+        if (++iLooks == 3) m_pFeed->goOn.release();
+    });
+    m_pFeed->iFrames = 1000;
+    m_pFeed->bHoldOpen = true;
+    ASSERT_TRUE(m_Camera.StartVideoCapture());
+    EXPECT_GE(iLooks, 3);
+    m_pFeed->bHold = true;
+    m_pFeed->inRead.acquire();
+    iLooks = 0;
+    m_Camera.StopVideoCapture();
+    EXPECT_GE(iLooks, 3);
+    m_Camera.SetWhileWaiting({});
+}
+
 TEST_F(ThreadsCamera, ReadsNothingMoreWhileTheInterfaceIsBusyAndEndsFromThere)
 {
     m_pFeed->iFrames = 1000;

@@ -12,7 +12,7 @@ struct stFeed
 {
     std::atomic<int> iFrames = 0;   // that may be read before the camera is pulled out
     std::atomic<int> iReads = 0, iReleases = 0;
-    std::atomic<bool> bOpens = true, bHold = false;
+    std::atomic<bool> bOpens = true, bHold = false, bHoldOpen = false;
     QSemaphore inRead, goOn;   // of a read that is held
 };
 
@@ -21,7 +21,11 @@ class CFedFrames : public CFrameSource
 {
 public:
     explicit CFedFrames(std::shared_ptr<stFeed> pFeed) : m_pFeed(std::move(pFeed)) {}
-    bool Open() override { return m_pFeed->bOpens; }
+    bool Open() override
+    {
+        if (m_pFeed->bHoldOpen) m_pFeed->goOn.acquire();
+        return m_pFeed->bOpens;
+    }
     bool Read(cv::Mat& frame) override
     {
         if (m_pFeed->bHold) {

@@ -96,9 +96,9 @@ TEST_F(ThreadsWorker, AnEmergencyStopAtAnyMomentOfAStartLeavesNothingRunning)
 TEST_F(ThreadsWorker, AResetOfAPausedJobAbandonsItAndTheAxesStillJog)
 {
     const GCodeProgram program = {{"G1", "X1"}, {"M3"}};
-    m_App.m_bPause = true;
+    m_App.m_bPause = true;   // holds it ahead of the way to work zero
     m_App.StartGCode(&program);
-    ASSERT_TRUE(Becomes([] { return bool(CAllAxisCtrl::m_bAutoModeRunning); }));
+    ASSERT_TRUE(Becomes([] { return CVirtualPins::Level(AppConfig::m_iPgmStatusOutput) == 1; }));
     m_App.StopAll();
     m_App.m_eOperation = OP_NONE;
     ASSERT_TRUE(m_App.MoveAbs(Y_AXIS, 0.05));

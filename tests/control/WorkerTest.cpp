@@ -172,9 +172,8 @@ TEST_P(WorkerStop, EndsTheOperationWithoutMoveShutDownOrFinish)
 {
     Build();
     AppConfig::m_bShutdownRPI = true;
-    m_App.m_bExecSingleLine = true;
-    m_App.m_bPause = true;
     const auto Stop = [&] {
+        m_App.m_bPause = true;
         if (GetParam().bEmergency) AppConfig::m_bEmergencyStopON = true;
         m_App.StopAll();
         m_App.m_eOperation = OP_NONE;
@@ -236,7 +235,7 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     m_App.wait();
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[3]), job.iCwLevel);
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[4]), job.iCcwLevel);
-    EXPECT_EQ(AppConfig::m_bSpindleOn, job.iCwLevel + job.iCcwLevel > 0);
+    EXPECT_EQ(AppConfig::m_bSpindleOn, job.bSimulation ? job.eWhat == eJob::LINE : job.bCw || job.bCcw);
     EXPECT_EQ(m_App.m_iWorkZeroMoves, job.eWhat == eJob::PROGRAM ? 1 : 0);
     EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
     EXPECT_TRUE(m_App.m_bOperationFinished);
@@ -246,7 +245,8 @@ INSTANTIATE_TEST_SUITE_P(Jobs, WorkerSpindle,
                                          stSpindle{eJob::PROGRAM, false, false, true, 0, 1},
                                          stSpindle{eJob::PROGRAM, false, false, false, 0, 0},
                                          stSpindle{eJob::PROGRAM, true, true, false, 0, 0},
-                                         stSpindle{eJob::LINE, true, false, true, 0, 1},   // in simulation too
+                                         stSpindle{eJob::LINE, true, false, true, 0,
+                                                   0},   // counts as on, moves no relay
                                          stSpindle{eJob::SHAPES, false, true, true, 1, 0},
                                          stSpindle{eJob::SHAPES, true, false, true, 0, 0}));
 }   // namespace

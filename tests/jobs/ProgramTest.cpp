@@ -205,7 +205,13 @@ INSTANTIATE_TEST_SUITE_P(M66, InputWait,
 
 TEST_F(ProgramTest, AWaitEndsWithAStop)
 {
+    AppConfig::m_GCodeRunSettings.bUsePrgmSpindleSpeed = true;
+    AppConfig::m_stPwmSpndlSettings.iTimeDelay = 60000;
     Begin();
+    StopAt(500, true);
+    ExecLines("S1000");
+    EXPECT_EQ(NowMs(), 500);
+    AppConfig::m_bEmergencyStopON = false;
     for (const auto& [szLine, bEmergency] :
          {std::pair{"M66 Q900000", true}, {"M66 P1 L3", true}, {"M66 P1 L3", false}}) {
         StopAt(700, bEmergency);
@@ -216,6 +222,23 @@ TEST_F(ProgramTest, AWaitEndsWithAStop)
         EXPECT_EQ(m_App.TakeErrors().isEmpty(), !bEmergency) << "a job that was given up has no further word";
         AppConfig::m_bEmergencyStopON = false;
     }
+}
+
+// The operator may be back within the second in which the worker looks.
+TEST_F(ProgramTest, AnAnswerToAToolChangeIsNotLostAndAStopTakesTheQuestionBack)
+{
+    AppConfig::m_bEnlManualToolChange = AppConfig::m_bEnlAutoToolChange = false;
+    m_bAnswerToolChange = false;
+    Begin();
+    m_Time.AddEvent({100'000'000, [&] { m_App.AnswerToolChange(); }, {}});
+    m_Time.AddEvent({200'000'000, [&] { m_App.Resume(); }, {}});
+    m_Time.AddEvent({9'000'000'000, {}, {}});
+    Run("M6\nG1 X1");
+    EXPECT_EQ(X(), 1.0);
+    EXPECT_LT(NowMs(), 2000);
+    StopAt(300, true);
+    EXPECT_EQ(ExecLines("M6"), "-");
+    EXPECT_FALSE(m_App.m_bToolChangePause);
 }
 
 // ---- Sub-programs ---------------------------------------------------------------------------------------------------
@@ -292,6 +315,9 @@ TEST_F(ProgramTest, TheStatusFileFollowsByTenLinesAndMore)
     EXPECT_EQ(Saved(), 10);
     AppConfig::m_GCodeRunSettings.iCurLine = 1;
     Run(QStringLiteral("G90\n").repeated(100));
+    EXPECT_EQ(Saved(), 99);
+    AppConfig::m_bSimulationMode = true;   // it has cut nothing that another run could go on from
+    Run(QStringLiteral("G90\n").repeated(40));
     EXPECT_EQ(Saved(), 99);
 }
 

@@ -1,4 +1,5 @@
 #include "common/Paths.h"
+#include "common/Refusals.h"
 #include "common/UnitConverter.h"
 #include "machine/WorkerFixture.h"
 
@@ -167,9 +168,80 @@ TEST_F(Homing, AStopLeavesTheMachineNotHomed)
     }
 }
 
+struct stHeld
+{
+    eOperation eCode;
+    bool bFromStart, bReset;
+};
+class HeldOperation : public Homing, public testing::WithParamInterface<stHeld>
+{
+};
+// Each of its moves waits at its head; a reset in the hold gives the operation up before any axis begins.
+TEST_P(HeldOperation, BeginsNoAxisUntilItIsResumedAndNoneWhenItIsGivenUp)
+{
+    const auto [eCode, bFromStart, bReset] = GetParam();
+    AppConfig::m_fZSafePos = -0.5;
+    BuildAtSensors();
+    m_pMachine->SetFlatSurface(m_pMachine->CarriageMm(Z_AXIS) - 4.0);
+    m_App.SetMchHome();
+    m_App.m_AxisCtrl[Y_AXIS].SetCurPos(-0.5);
+    if (bFromStart)
+        m_App.m_bPause = true;
+    else
+        At(0.02, [&] { m_App.m_bPause = true; });
+    size_t uHeld = 0;
+    At(60.0, [&] { uHeld = m_Strokes.m_lst.size(); });
+    At(70.0, [&] {
+        EXPECT_TRUE(m_App.IsMachineIdle());
+        EXPECT_EQ(m_Strokes.m_lst.size(), uHeld) << "nothing has begun in between";
+        bReset ? m_App.StopAll() : m_App.Resume();
+    });
+    m_App.RunAs(eCode);
+    EXPECT_GE(m_Time.Now(), 70'000'000'000);
+    EXPECT_EQ(uHeld == 0, bFromStart);
+    EXPECT_EQ(m_Strokes.m_lst.size() > uHeld, !bReset);
+    EXPECT_EQ(m_App.m_bOperationFinished, !bReset);
+}
+INSTANTIATE_TEST_SUITE_P(Operations, HeldOperation,
+                         testing::Values(stHeld{OP_WORK_HOME, true, false}, stHeld{OP_WORK_HOME, false, true},
+                                         stHeld{OP_MCH_HOME, true, true}, stHeld{OP_MCH_HOME, false, false},
+                                         stHeld{OP_Z_PROBE, true, true}, stHeld{OP_Z_PROBE, false, false},
+                                         stHeld{OP_Z_PROFILE, true, false}, stHeld{OP_Z_PROFILE, false, true}));
+
+TEST_F(Homing, InSimulationNothingChangesTheTruthAndItsEndBringsAllBack)
+{
+    BuildAtSensors();
+    m_App.SetMchHome();
+    for (int axis = 0; axis < MAX_AXES; ++axis) m_App.m_AxisCtrl[axis].SetCurPos(axis + 1);
+    m_App.m_CurGCodePos.x = 7.0;
+    m_App.SetSimulation(true);
+    EXPECT_FALSE(m_App.StartMchHomingSequence() || m_App.StartZ0usingZProbeSeq() || m_App.RunZProfile());
+    EXPECT_FALSE(m_App.SetWorkZero(X_AXIS));
+    m_App.SetWorkZero();
+    EXPECT_EQ(m_App.TakeErrors(), QStringList(5, NOT_IN_SIMULATION));
+    EXPECT_EQ(AppConfig::m_fAxisWorkZero[X_AXIS], 0.0);
+    EXPECT_EQ(m_App.m_eOperation, OP_NONE);
+
+    m_App.m_AxisCtrl[X_AXIS].m_eDir = DIR_CCW;   // as a simulated move leaves it
+    for (AxisCtrl& axis : m_App.m_AxisCtrl) axis.SetCurPos(-9.0);
+    m_App.m_CurGCodePos.x = -9.0;
+    m_App.SetSimulation(false);
+    for (int axis = 0; axis < MAX_AXES; ++axis) EXPECT_EQ(m_App.m_AxisCtrl[axis].GetCurPos(), axis + 1);
+    EXPECT_EQ(m_App.m_CurGCodePos.x, 7.0);
+    EXPECT_EQ(CVirtualPins::Level(AppConfig::m_iAxisDirOutput[X_AXIS]), 1);
+}
+
 TEST_F(Homing, StartsAreRefusedWithTheirReason)
 {
+    AppConfig::m_bAutoHmOnStartup = true;
+    CVirtualPins::SetInput(AppConfig::m_iEStopInput = 31, 1);
     Build();
+    EXPECT_EQ(m_App.GetErrMsg(), "Homing at start not begun: Emergency Stop input is High");
+    EXPECT_FALSE(AppConfig::m_bEmergencyStopON) << "the first look at the input does all that a rise does";
+    AppConfig::m_bEmergencyStopON = true;
+    EXPECT_FALSE(m_App.StartMchHomingSequence());
+    EXPECT_EQ(m_App.GetErrMsg(), RELEASE_EMERGENCY_SWITCH);
+    AppConfig::m_bEmergencyStopON = false;
     EXPECT_FALSE(m_App.StartWorkHomingSequence());
     EXPECT_EQ(m_App.GetErrMsg(), "Homing not done! Use \"Move Home\" in user Settings");
     AppConfig::m_bHomeSensorsUsed = false;

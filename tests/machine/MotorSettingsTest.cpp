@@ -43,4 +43,32 @@ INSTANTIATE_TEST_SUITE_P(Ways, BoardChange,
                                          stBoards{VTR5_CTRL, {VTR3_CTRL, VTR5_CTRL}, 5, true},
                                          stBoards{VTR5_CTRL, {SPI_CTRL_16}, 5, true}));
 
+class SpoiltHomes : public CWorkerTest
+{
+};
+TEST_F(SpoiltHomes, AreForgottenAndToldAndTheOthersKept)
+{
+    A::m_bHomeSensorsUsed = true;
+    Build();
+    CMotorSettings motors(m_App);
+    const auto LostBy = [&](auto&& fnChange) {
+        m_App.SetMchHome();
+        m_Screen.m_lstCalls.clear();
+        fnChange();
+        QString strLost;
+        for (int axis = 0; axis < 3; ++axis)
+            if (!m_App.m_AxisCtrl[axis].IsAxisHomeSet()) strLost += QStringLiteral("XYZ").at(axis);
+        EXPECT_EQ(m_Screen.m_lstCalls.filter(QStringLiteral("homed again")).isEmpty(), strLost.isEmpty());
+        return strLost;
+    };
+    EXPECT_EQ(LostBy([&] { motors.SetPosDir(Y_AXIS, DIR_CCW); }), "Y");
+    EXPECT_EQ(LostBy([&] { motors.SetHomeDir(Z_AXIS, DIR_CCW); }), "Z");
+    EXPECT_EQ(LostBy([&] { motors.SetMovPerPulse(X_AXIS, A::m_fAxisMovPerPulse[X_AXIS]); }), "");
+    EXPECT_EQ(LostBy([&] { motors.SetMovPerPulse(X_AXIS, 0.002); }), "X");
+    EXPECT_EQ(LostBy([&] { motors.CopyToGroup(X_AXIS); }), "YZ");
+    EXPECT_EQ(LostBy([&] { motors.SelectBoard(VTR5_CTRL); }), "XYZ");
+    A::m_bHomeSensorsUsed = false;
+    EXPECT_EQ(LostBy([&] { motors.UseHomeSensors(true); }), "XYZ");
+    EXPECT_EQ(LostBy([&] { motors.SetPosLimit(X_AXIS, 55.0); }), "");
+}
 }   // namespace

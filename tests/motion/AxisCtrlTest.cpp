@@ -63,6 +63,40 @@ TEST_F(AxisRules, NoAutoModeOutlivesAnEmergencyStopThatCameBeforeItsStart)
     EXPECT_FALSE(CAllAxisCtrl::StartMotion());
 }
 
+TEST_F(AxisRules, AJogBeyondItsLimitIsRefusedBecauseItWouldRunTheOtherWay)
+{
+    AppConfig::m_bHomeSensorsUsed = true;
+    AppConfig::m_fAxisNegDirLimit[X_AXIS] = -1.0;
+    AppConfig::m_fAxisPosDirLimit[X_AXIS] = 1.0;
+    m_X.ConfigAxis();
+    m_X.SetCurPos(1.5);
+    EXPECT_FALSE(m_X.Jog(DIR_CW));
+    EXPECT_EQ("X Axis is beyond its limit of 1.0000, jog the other way", m_X.GetErrorMsg());
+    EXPECT_TRUE(m_X.Jog(DIR_CCW));
+    CWait::SpinUntil([this] { return !m_X.GetAxisState(); });
+    EXPECT_EQ(-10000, m_X.GetCurPosLong());
+    m_X.SetCurPos(-1.5);
+    EXPECT_FALSE(m_X.Jog(DIR_CCW));
+}
+
+TEST_F(AxisRules, ASensorIsWatchedUntilTheAxisStandsAlsoWhenNobodyWaitsForIt)
+{
+    AppConfig::m_bHomeSensorsUsed = true;
+    const int iSensor = AppConfig::m_iAxisMchHomeSensorInput[X_AXIS] = 20;
+    CVirtualPins::SetInput(iSensor, 0);
+    m_X.m_bHoming = true;
+    ASSERT_TRUE(m_X.MoveAxisHome());
+    CWait::SpinBeyond(1'000'000);
+    m_X.EndWatch();
+    EXPECT_TRUE(m_X.m_bHoming);
+    m_X.RequestStop();
+    CWait::SpinUntil([this] { return m_X.m_bThreadIdle; });
+    EXPECT_FALSE(m_X.m_bHoming);
+    m_X.m_bWatchZProbe = true;
+    m_X.EndWatch();   // standing: at once
+    EXPECT_FALSE(m_X.m_bWatchZProbe);
+}
+
 TEST_F(AxisRules, TheDirectionIsSettledForFiveMicrosecondsAlsoInSimulationWhereNoPinIsWritten)
 {
     AppConfig::m_bSimulationMode = true;
@@ -74,4 +108,8 @@ TEST_F(AxisRules, TheDirectionIsSettledForFiveMicrosecondsAlsoInSimulationWhereN
     const qint64 lThen = m_Time.Now();
     ASSERT_TRUE(m_X.SetAxisMovParams(-2.0));   // the same direction again: no settling in the coordinated mode
     EXPECT_EQ(lThen, m_Time.Now());
+    AppConfig::m_bSimulationMode = false;
+    m_X.PutDirection();   // the pin catches up
+    EXPECT_EQ(1, CVirtualPins::Level(AppConfig::m_iAxisDirOutput[X_AXIS]));
+    EXPECT_EQ(lThen + 5001, m_Time.Now());
 }

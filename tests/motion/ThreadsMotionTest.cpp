@@ -81,6 +81,32 @@ TEST_F(ThreadsMotion, StopEndsAMoveAtOnceWithThePinLowAndThePositionTrue)
     m_X.Stop();   // on an idle axis: at once
 }
 
+TEST_F(ThreadsMotion, AStopDoesNotWaitForTheEndOfALongPulse)
+{
+    AppConfig::m_fAxisMovPerPulse[X_AXIS] = 0.01;
+    m_X.UpdateStepResolution();
+    ASSERT_TRUE(m_X.SetVelocityAcc(0.001, 1000.0));   // 10 s a pulse
+    ASSERT_TRUE(m_X.MoveAbs(1.0));
+    ASSERT_TRUE(CWait::SleepUntil([&] { return PulseLevel(X_AXIS) != 0; }, 100, LIMIT));
+    QElapsedTimer timer;
+    timer.start();
+    m_X.Stop();
+    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_EQ(0, PulseLevel(X_AXIS));
+    EXPECT_EQ(100, m_X.GetCurPosLong());   // its edge went out
+}
+
+TEST_F(ThreadsMotion, ABuildThatNobodyWaitedForIsThereForTheNextMoveUnlessALaterOneIs)
+{
+    for (int n = 1; n <= 20; ++n) {
+        m_X.SetVelocityAccSoon(20.0 + n, 3.0);   // a long ramp
+        if (n % 2 && !m_X.SetVelocityAcc(15.0, 600.0)) FAIL();
+        ASSERT_TRUE(m_X.MoveAbs(0.01 * n));
+        ASSERT_EQ(m_X.m_fVel[m_X.m_ucCurTable], n % 2 ? 15.0 : 20.0 + n);
+        ASSERT_TRUE(Idle(m_X));
+    }
+}
+
 TEST_F(ThreadsMotion, AReleaseRightBehindAJogCounts)
 {
     ASSERT_TRUE(m_X.Jog(DIR_CW));
@@ -129,13 +155,14 @@ TEST_F(ThreadsMotion, CoordinatedMovesFollowEachOtherOnOneThread)
 
 TEST_F(ThreadsMotion, StoppingTheAutoModeCutsItsMoveAndLeavesThePinsLow)
 {
-    for (int n = 0; n < 20; ++n) {
+    for (int n = 0; n < 40; ++n) {
         CAllAxisCtrl::StartAutoMode(&m_Axes);
         CAllAxisCtrl::m_lstAxisToMov = {};
         ASSERT_TRUE(Select(X_AXIS, 5000.0) && Select(Z_AXIS, 5000.0));
         const qint32 lFrom = m_X.GetCurPosLong();
         ASSERT_TRUE(CAllAxisCtrl::StartMotion());
-        ASSERT_TRUE(CWait::SpinUntil([&] { return m_X.GetCurPosLong() > lFrom + 50; }, LIMIT));
+        const qint32 lReached = n % 2 ? lFrom + 50 : lFrom - 1;   // or stopped before the first round
+        ASSERT_TRUE(CWait::SpinUntil([&] { return m_X.GetCurPosLong() > lReached; }, LIMIT));
         CAllAxisCtrl::StopAutoMode();
         CAllAxisCtrl::WaitForMotion();
         CAllAxisCtrl::WaitForAutoModeEnd();

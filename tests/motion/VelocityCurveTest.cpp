@@ -95,6 +95,21 @@ TEST_F(VelocityCurve, ARefusedBuildLeavesTheTablesAndMarksTheAxisUntilTheNextGoo
     EXPECT_FALSE(m_Axis.SetVelocityAcc(15, 600));
 }
 
+// A table is taken over where it was built for the very same, and never where a setting has changed since.
+TEST_F(VelocityCurve, ATableThatIsThereAlreadyIsNotBuiltAgain)
+{
+    ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
+    const auto low = m_Axis.m_lstLowTime[1];
+    m_Axis.m_ucCurTable = 1;
+    ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
+    EXPECT_EQ(m_Axis.m_lstLowTime[0], low);
+    EXPECT_EQ(m_Axis.m_fConstLowTime[0], m_Axis.m_fConstLowTime[1]);
+    EXPECT_TRUE(m_Axis.m_bNewTable);
+    AppConfig::m_fAxisDutyCycle[X_AXIS] = 0.4;
+    ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
+    EXPECT_NE(m_Axis.m_lstLowTime[0], low);
+}
+
 TEST_F(VelocityCurve, TheHighestRateIsBuilt)
 {
     ASSERT_TRUE(m_Axis.SetVelocityAcc(1500, 600));   // 1.5 MHz at 0.001 mm

@@ -135,8 +135,8 @@ TEST_F(RunnerTest, SettingsAreListedAsSet)
 
 TEST_F(RunnerTest, DataFolderKeepsWhatAMachineKeepsAndAConfigFileIsOnlyRead)
 {
-    Write("job.ngc", SQUARE + SQUARE.repeated(6).replace("M30\n", ""));
-    const QStringList save{"--set", "m_GCodeRunSettings.bSaveExecStatus=1", "--simulation", "--quiet"};
+    Write("job.ngc", SQUARE.repeated(7).replace("M30\n", ""));
+    const QStringList save{"--set", "m_GCodeRunSettings.bSaveExecStatus=1", "--quiet"};
     EXPECT_EQ(Call(QStringList{"job.ngc", "--data-dir", "machine/home"} + save).iExit, 0);
     EXPECT_TRUE(QFile::exists(Path("machine/home/VANTOR/VANTOR.dat")));
     EXPECT_TRUE(Read("machine/home/VANTOR/GCodeStatus.dat").size() > 8);

@@ -1,4 +1,6 @@
 #pragma once
+#include "motion/PulseLoops.h"
+
 #include <QtGlobal>
 
 #include <functional>
@@ -30,10 +32,10 @@ public:
         }
         return m_lNow;
     }
-    void Hold(double fNs)
+    void Hold(double fNs, const CShared<bool>& bMoving)
     {
         const qint64 lFrom = nsecsElapsed();
-        while (static_cast<double>(nsecsElapsed() - lFrom) < fNs) {
+        while (static_cast<double>(nsecsElapsed() - lFrom) < fNs && (fNs <= LONG_HOLD_NS || bMoving)) {
         }
     }
     qint64 Now() const { return m_lNow; }

@@ -35,6 +35,13 @@ QString RealTimeText(const stSystemFacts& facts)
     return QStringLiteral("%1 us of each %2 us").arg(*facts.lRealTimeUs).arg(*facts.lPeriodUs);
 }
 
+QString LockedMemoryText(const stSystemFacts& facts)
+{
+    if (!facts.lLockedMemory) return OrNotTold({});
+    if (*facts.lLockedMemory < 0) return QStringLiteral("any number of pages");
+    return QStringLiteral("%1 KiB").arg(*facts.lLockedMemory / 1024);
+}
+
 // Two digits, rounded down: more would promise what half a minute cannot know.
 QString SafeRate(double fRate)
 {
@@ -55,6 +62,7 @@ QString FiguresText(const stPulseTest& test, const stPulseResult& result, const 
     str += Row(qPrintable(QStringLiteral("Core %1").arg(test.iCore)), CoreText(test.iCore, result.bBound, facts));
     str += Row("Governor", OrNotTold(facts.strGovernor));
     str += Row("Real-time threads get", RealTimeText(facts));
+    str += Row("May lock in memory", LockedMemoryText(facts));
     str += Row("Temperature",
                facts.fTemperature ? QStringLiteral("%1 degrees").arg(*facts.fTemperature, 0, 'f', 1) : OrNotTold({}));
     return str;

@@ -21,6 +21,23 @@ std::optional<qint64> Number(const QString& strFile)
     const qint64 lValue = Line(strFile).toLongLong(&bOk);
     return bOk ? std::optional(lValue) : std::nullopt;
 }
+
+// The soft limit of this program.
+std::optional<qint64> LockedMemory(const QString& strFile)
+{
+    QFile file(strFile);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    static const QByteArray NAME = "Max locked memory";
+    for (const QByteArray& line : file.readAll().split('\n'))
+        if (line.startsWith(NAME)) {
+            const QByteArray value = line.mid(NAME.size()).simplified().split(' ').first();
+            bool bOk = false;
+            const qint64 lBytes = value.toLongLong(&bOk);
+            if (value == "unlimited") return -1;
+            return bOk ? std::optional(lBytes) : std::nullopt;
+        }
+    return {};
+}
 }   // namespace
 
 bool ListHasCore(const QString& strList, int iCore)
@@ -44,6 +61,7 @@ stSystemFacts stSystemFacts::Read(const QString& strRoot, int iCore)
     facts.strGovernor = Line(strCpu + QStringLiteral("cpu%1/cpufreq/scaling_governor").arg(iCore));
     facts.lRealTimeUs = Number(strKernel + QStringLiteral("sched_rt_runtime_us"));
     facts.lPeriodUs = Number(strKernel + QStringLiteral("sched_rt_period_us"));
+    facts.lLockedMemory = LockedMemory(strRoot + QStringLiteral("/proc/self/limits"));
     const QDir zones(strRoot + QStringLiteral("/sys/class/thermal"));
     for (const QString& strZone : zones.entryList({QStringLiteral("thermal_zone*")}, QDir::Dirs)) {
         const auto lMilli = Number(zones.filePath(strZone + QStringLiteral("/temp")));

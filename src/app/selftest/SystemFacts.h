@@ -10,6 +10,7 @@ struct stSystemFacts
     QString strNoTick;     // cores that the timer tick leaves alone
     QString strGovernor;   // of the pulse core
     std::optional<qint64> lRealTimeUs, lPeriodUs;   // of each period, what real-time threads may take; -1: all of it
+    std::optional<qint64> lLockedMemory;            // bytes that a program may lock; -1: any number
     std::optional<double> fTemperature;             // degrees, the hottest that is told
 
     // Reads below strRoot, which is empty but in tests.

@@ -22,6 +22,10 @@ static QStringList Advice(const stSystemFacts& facts, bool bBound, int iCore)
         lst += QStringLiteral("The timer tick still runs on core %1: nohz_full=%1 in the boot line, where the kernel "
                               "knows it, takes it away.")
                    .arg(iCore);
+    if (facts.lLockedMemory && *facts.lLockedMemory >= 0)
+        lst +=
+            QStringLiteral("The program may not lock all its memory: a page that the system has taken away comes back "
+                           "in the middle of a move. Installing grants it, from the next login on.");
     if (facts.fTemperature && *facts.fTemperature >= HOT)
         lst += QStringLiteral("It is hot: a Pi slows itself down from 80 degrees on. Cool it before a long job.");
     return lst;

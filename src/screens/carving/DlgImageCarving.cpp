@@ -81,7 +81,7 @@ void CDlgImageCarving::UpdatePlungeFeed()
 void CDlgImageCarving::ResetUI(bool bEnable)
 {
     m_bEnableWanted = bEnable;
-    const bool bFree = bEnable && !Host().Machine().isRunning();
+    const bool bFree = bEnable && !Host().IsWorkerRunning();
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setEnabled(bFree);
     if (bEnable == bFree) return;
     QTimer::singleShot(WORKER_POLL_MS, this, [this] {
@@ -301,20 +301,13 @@ void CDlgImageCarving::on_Btn_EndMillDia_clicked()
 
 // ---- Start and export -----------------------------------------------------------------------------------------------
 
-QString CDlgImageCarving::WhyNotStarted()
-{
-    if (!Host().IsMachineFree() || Host().Machine().isRunning()) return MACHINE_IN_USE;
-    if (!Host().Machine().GetHomeDone()) return HOMING_NOT_DONE_SHOWN;
-    return ::WhyNotStarted(Data());
-}
-
 bool CDlgImageCarving::StartImgCarving()
 {
     if (Host().IsEmergencyStopOn()) return false;
-    if (const QString strWhy = WhyNotStarted(); !strWhy.isEmpty()) {
-        LogError(strWhy);
+    if (Host().IsWorkerRunning()) return !Host().Refused(MACHINE_IN_USE);   // after a stop, with the old picture
+    if (Host().Refused(Host().WhyNotFree()) || Host().Refused(Host().WhyNotHomed()) ||
+        Host().Refused(WhyNotStarted(Data())))
         return false;
-    }
     ResetUI(false);
     Data().ppRows.Free();
     Info().ppZMap.Free();
@@ -322,9 +315,7 @@ bool CDlgImageCarving::StartImgCarving()
         Host().AddLogMsg(QStringLiteral("Large Image, Please Wait!\nCreating tool Paths will take time "), MSG_INFO);
     Host().ClearToolGraphics();
     DisplayImage(Data().pImage.get(), false);
-    AppControl& machine = Host().Machine();
-    machine.StartImgCarving();
-    if (machine.m_eOperation == OP_IMG_CARVING) return true;
+    if (Host().Machine().StartImgCarving()) return true;
     ResetUI(true);   // refused; the worker has said why
     return false;
 }

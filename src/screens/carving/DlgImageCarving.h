@@ -63,7 +63,6 @@ private:
     void ShowSizes();
     void ShowMultipass();
     void LoadImageFrom(const QString& strPath);
-    QString WhyNotStarted();
     void AskSide(QPushButton* pButton, const stNumberField& field, double stImgCarvingInfo::*pSide,
                  bool (*fnFit)(stImgCarvingInfo&, const QImage&));
     void AskPixelStep(QPushButton* pButton, const stNumberField& field, double& fStep);

@@ -102,16 +102,9 @@ void CdlgGCode::ResetUI(bool bEnable)
 
 // ---- State ----------------------------------------------------------------------------------------------------------
 
-bool CdlgGCode::Refused(const QString& strWhy)
-{
-    if (strWhy.isEmpty()) return false;
-    LogError(strWhy);
-    return true;
-}
-
 bool CdlgGCode::IsProgramRunning() const
 {
-    return Host().Machine().m_eOperation == OP_GCODE;
+    return Host().Operation() == OP_GCODE;
 }
 
 // The flag alone does not tell: the check of a tool-change file clears it.
@@ -130,7 +123,7 @@ QString CdlgGCode::WhyNoRun(const QString& strNoProgram) const
     if (const QString strBusy = WhyBusy(); !strBusy.isEmpty()) return strBusy;
     if (CGCodeEditor::LineCount() == 0) return strNoProgram;
     if (!m_CompilationErrors.empty()) return QStringLiteral("Fix Compilation errors");
-    return Host().Machine().GetHomeDone() ? QString() : HOMING_NOT_DONE_SHOWN;
+    return Host().WhyNotHomed();
 }
 
 // ---- View -----------------------------------------------------------------------------------------------------------
@@ -325,30 +318,30 @@ bool CdlgGCode::StartGCode()
 {
     if (Host().IsEmergencyStopOn()) return false;
     if (IsProgramRunning()) return PauseOrResume();
-    if (!Host().IsMachineFree()) return !Refused(MACHINE_IN_USE);
-    if (Refused(WhyNoRun(QStringLiteral("No G-Code added")))) return false;
+    if (Refused(Host().WhyNotFree()) || Refused(WhyNoRun(QStringLiteral("No G-Code added")))) return false;
     SetEditMode(false);
     ResetUI(false);
     Host().ClearToolGraphics();
     AppConfig::m_GCodeRunSettings.strFile = m_strFile;
-    Host().Machine().StartGCode(&m_lstOfGCodeCmds);
-    return HasStarted();
+    return IsOrOpen(Host().Machine().StartGCode(&m_lstOfGCodeCmds));
 }
 
 // The worker may still be busy with the end of a job that was given up: it has said so, and the screen must not stay
 // closed for a program that does not run.
-bool CdlgGCode::HasStarted()
+bool CdlgGCode::IsOrOpen(bool bStarted)
 {
-    if (IsProgramRunning()) return true;
-    ResetUI(true);
-    return false;
+    if (!bStarted) ResetUI(true);
+    return bStarted;
 }
 
 bool CdlgGCode::PauseOrResume()
 {
     AppControl& machine = Host().Machine();
     const bool bPause = !machine.m_bPause;
-    machine.m_bPause = bPause;
+    if (bPause)
+        machine.RequestPause();
+    else
+        machine.Resume();
     if (!bPause && AppConfig::m_bEnlManualToolChange) Host().EnableJogPanel(false);
     Host().AddLogMsg(bPause ? QStringLiteral("G-Code execution paused") : QStringLiteral("G-Code execution resumed"),
                      MSG_INFO);
@@ -357,7 +350,7 @@ bool CdlgGCode::PauseOrResume()
 
 void CdlgGCode::PauseGCode()
 {
-    Host().Machine().m_bPause = true;
+    Host().Machine().RequestPause();
 }
 
 void CdlgGCode::on_Btn_ExecOneGCodeLine_clicked()
@@ -369,8 +362,7 @@ void CdlgGCode::on_Btn_ExecOneGCodeLine_clicked()
     const int iLine = std::max(0, m_pUi->LW_GcodeCommands->currentRow());
     ResetUI(false);
     m_bSingleLineRun = true;
-    Host().Machine().StartExecGCodeLine(&m_lstOfGCodeCmds, iLine);
-    if (!HasStarted()) return;
+    if (!IsOrOpen(Host().Machine().StartExecGCodeLine(&m_lstOfGCodeCmds, iLine))) return;
     Host().AddLogMsg(QStringLiteral("Single line ") + CGCodeEditor::Field(iLine), MSG_INFO);
     press.StayOn();
 }
@@ -392,7 +384,7 @@ void CdlgGCode::on_Btn_UseZProfile_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_UseZProfile);
     auto& bUse = AppConfig::m_bUseZProfile;
-    if (Host().Machine().m_eOperation != OP_NONE)
+    if (Host().Operation() != OP_NONE)
         LogError(MACHINE_IN_USE);
     else if (AppConfig::m_ZProfileInfo.lstPoints.empty())
         LogError(QStringLiteral("No Z-Profile data added!\nPlease add Z-Profile data from Job Settings"));

@@ -84,8 +84,7 @@ private slots:
 private:
     CScreenHost& Host() const { return HostOf(*this); }
     void LogError(const QString& strText) { Host().AddLogMsg(strText, MSG_ERROR); }
-    // Logs the refusal, if any, and answers whether there was one.
-    bool Refused(const QString& strWhy);
+    bool Refused(const QString& strWhy) { return Host().Refused(strWhy); }
     QString WhyBusy() const;                               // for editing
     QString WhyNoRun(const QString& strNoProgram) const;   // for running
     bool IsProgramRunning() const;
@@ -107,7 +106,7 @@ private:
     void OnRunningLine(unsigned int uLine);   // any thread
 
     // ---- Run ----
-    bool HasStarted();
+    bool IsOrOpen(bool bStarted);   // what came of a start; the screen is open again where it was refused
     bool PauseOrResume();
 
     // ---- Files ----

@@ -1,6 +1,5 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
 #include "gcode/ExecStatus.h"
 #include "screens/gcode/DlgGCode.h"
 #include "screens/host/PressedBtn.h"

@@ -5,6 +5,7 @@
 #include <QString>
 
 class AppControl;
+class CMachine;
 class QPushButton;
 
 // What a screen asks of the window that shows it. The window implements it and is the screen's parent; tests give
@@ -36,8 +37,19 @@ public:
     virtual void EnableJogPanel(bool bEnable) = 0;
     virtual void EnableScreenSelectors(bool bEnable) = 0;   // off while shapes are edited; a job's own rule stays
 
-    // The operation has ended or none runs, and no axis moves.
-    bool IsMachineFree();
+    // ---- What screens ask of the machine ----
+    CMachine& MachineParts();   // for one that starts no job
+    qint32 Operation();
+    bool IsMachineFree();     // the operation has ended or none runs, and no axis moves
+    bool IsWorkerRunning();   // for a moment also after a stop
+    // Why not, in the operator's words; empty: nothing is in the way.
+    QString WhyNotFree();
+    QString WhyNotHomed();
+    bool Refused(const QString& strWhy);   // logs it, and answers whether there was one
+    // False: not started, and the worker has said why.
+    bool StartHoming();
+    bool StartHoming(eAxis axis);   // this one alone
+    bool StartZProfile();
 };
 
 // The host of a screen. The screen has been given its parent.

@@ -1,15 +1,19 @@
 #include "screens/host/SettingsInput.h"
 
 #include "common/Refusals.h"
+#include "config/AppConfig.h"
 #include "widgets/ButtonStyle.h"
 
 #include <QPushButton>
 
 bool RefuseMachineInUse(CScreenHost& host)
 {
-    if (host.IsMachineFree()) return false;
-    host.AddLogMsg(MACHINE_IN_USE, MSG_ERROR);
-    return true;
+    return host.Refused(host.WhyNotFree());
+}
+
+bool RefuseChangeOfPlace(CScreenHost& host)
+{
+    return RefuseMachineInUse(host) || host.Refused(AppConfig::m_bSimulationMode ? NOT_IN_SIMULATION : QString());
 }
 
 static QString Printed(const stNumberField& field, double fValue)

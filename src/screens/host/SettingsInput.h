@@ -9,6 +9,8 @@ class QPushButton;
 
 // True, and logged: an operation runs or an axis moves, so no setting changes.
 bool RefuseMachineInUse(CScreenHost& host);
+// The same, and in simulation: a setting by which places are counted would spoil those that are kept meanwhile.
+bool RefuseChangeOfPlace(CScreenHost& host);
 
 // One number behind a button.
 struct stNumberField

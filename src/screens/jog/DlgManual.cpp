@@ -1,7 +1,7 @@
 #include "screens/jog/DlgManual.h"
 
 #include "common/Refusals.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 #include "screens/host/ScreenHost.h"
 #include "ui_DlgManual.h"
 #include "widgets/ButtonStyle.h"
@@ -65,7 +65,7 @@ bool CDlgManual::MayJog(const stJog& jog)
         }
     }
     for (const stMove& move : jog.moves) {
-        if (!host.Machine().m_AxisCtrl[move.axis].GetAxisState()) continue;
+        if (!host.MachineParts().m_AxisCtrl[move.axis].GetAxisState()) continue;
         if (!host.IsEmergencyStopOn()) host.AddLogMsg(AXIS_IN_USE, MSG_ERROR);
         return false;
     }
@@ -79,15 +79,15 @@ void CDlgManual::OnPressed(size_t uJog)
     jog.pButton->setStyleSheet(BTN_BKGND_BLUE);
     if (!MayJog(jog)) return HostOf(*this).ResetBtnBkGnd(jog.pButton, BTN_BKGND_GRAY);
 
-    AppControl& machine = HostOf(*this).Machine();
+    CMachine& machine = HostOf(*this).MachineParts();
     for (const stMove& move : jog.moves)
         machine.m_AxisCtrl[move.axis].SetVelocityAcc(AppConfig::m_fAxisJogFeed[move.axis],
                                                      AppConfig::m_fAxisAcc[move.axis]);
     for (const stMove& move : jog.moves) {
         if (move.bPositive)
-            machine.JogPos(move.axis);
+            machine.m_AxisCommands.JogPos(move.axis);
         else
-            machine.JogNeg(move.axis);
+            machine.m_AxisCommands.JogNeg(move.axis);
     }
     m_bJogging = true;
 }
@@ -102,8 +102,8 @@ void CDlgManual::OnReleased(size_t uJog)
     if (!m_bJogging) return;
     m_bJogging = false;
     jog.pButton->setStyleSheet(BTN_BKGND_GRAY);
-    AppControl& machine = HostOf(*this).Machine();
-    for (auto it = jog.moves.rbegin(); it != jog.moves.rend(); ++it) machine.DeccelerateAxis(it->axis);   // X first
+    CAxisCommands& axes = HostOf(*this).MachineParts().m_AxisCommands;
+    for (auto it = jog.moves.rbegin(); it != jog.moves.rend(); ++it) axes.DeccelerateAxis(it->axis);   // X first
 }
 
 void CDlgManual::EndHeldJog()

@@ -1,7 +1,7 @@
 #include "screens/settings/DlgMachineSettings.h"
 
 #include "common/Refusals.h"
-#include "control/AppControl.h"
+#include "machine/Machine.h"
 #include "screens/settings/DlgPwmSpndlSettings.h"
 #include "screens/settings/KeyboardHelp.h"
 #include "screens/settings/MotorNumbers.h"
@@ -46,14 +46,14 @@ void CDlgMachineSettings::ConnectAxis(eAxis axis)
     connect(buttons.pPosLimit, &QPushButton::clicked, this, [this, axis] { EditLimit(axis, true); });
     connect(buttons.pNegLimit, &QPushButton::clicked, this, [this, axis] { EditLimit(axis, false); });
     connect(buttons.pPosDir, &QPushButton::clicked, this,
-            [this, axis] { FlipDirection(axis, A::m_eAxisPosDir[axis]); });
+            [this, axis] { FlipDirection(axis, A::m_eAxisPosDir[axis], &CMotorSettings::SetPosDir); });
     connect(buttons.pHomeDir, &QPushButton::clicked, this,
-            [this, axis] { FlipDirection(axis, A::m_eAxisHomeDir[axis]); });
+            [this, axis] { FlipDirection(axis, A::m_eAxisHomeDir[axis], &CMotorSettings::SetHomeDir); });
 }
 
 CMotorSettings CDlgMachineSettings::Motors()
 {
-    return CMotorSettings(HostOf(*this).Machine());
+    return CMotorSettings(HostOf(*this).MachineParts());
 }
 
 void CDlgMachineSettings::Tell(const QString& strProblem)
@@ -158,7 +158,7 @@ void CDlgMachineSettings::CreateVelAccGraphics()
         return;
     }
     const QString strWhy = Motors().Rebuild(m_eSelAxis);
-    const CVelocityGraph graph({.lstVel = host.Machine().m_AxisCtrl[m_eSelAxis].m_lstVelCurve,
+    const CVelocityGraph graph({.lstVel = host.MachineParts().m_AxisCtrl[m_eSelAxis].m_lstVelCurve,
                                 .fMovPerPulse = A::m_fAxisMovPerPulse[m_eSelAxis],
                                 .fSamplingTime = static_cast<double>(A::m_iVelAccSamplingTime),
                                 .strName = A::m_strAxisNames[m_eSelAxis],
@@ -171,7 +171,7 @@ void CDlgMachineSettings::CreateVelAccGraphics()
 void CDlgMachineSettings::EditMotor(const stMotorNumber& number)
 {
     CScreenHost& host = HostOf(*this);
-    if (RefuseMachineInUse(host)) return;
+    if (number.bOfPlace ? RefuseChangeOfPlace(host) : RefuseMachineInUse(host)) return;
     auto* pButton = findChild<QPushButton*>(number.strButton);
     const auto fNew = AskNumber(host, pButton, number.fnField(m_eSelAxis), number.fnValue(m_eSelAxis));
     if (!fNew) return;
@@ -208,12 +208,12 @@ void CDlgMachineSettings::CopyFrom(QPushButton* pButton)
 
 void CDlgMachineSettings::on_Btn_SameMotorSettings_clicked()
 {
-    if (!RefuseMachineInUse(HostOf(*this))) CopyFrom(m_pUi->Btn_SameMotorSettings);
+    if (!RefuseChangeOfPlace(HostOf(*this))) CopyFrom(m_pUi->Btn_SameMotorSettings);
 }
 
 void CDlgMachineSettings::on_Btn_SameMotorSettings_AB_clicked()
 {
-    if (RefuseMachineInUse(HostOf(*this))) return;
+    if (RefuseChangeOfPlace(HostOf(*this))) return;
     SelectAxis(A_AXIS);
     CopyFrom(m_pUi->Btn_SameMotorSettings_AB);
 }
@@ -223,7 +223,7 @@ void CDlgMachineSettings::on_Btn_SameMotorSettings_AB_clicked()
 void CDlgMachineSettings::EditLimit(eAxis axis, bool bPositive)
 {
     CScreenHost& host = HostOf(*this);
-    if (RefuseMachineInUse(host)) return;
+    if (RefuseChangeOfPlace(host)) return;
     const stNumberField field = {
         .strTitle = A::m_strAxisNames[axis].left(1) +
                     (bPositive ? QStringLiteral(" Axis +Dir Limit(mm)") : QStringLiteral(" Axis -Dir Limit(mm)")),
@@ -235,10 +235,11 @@ void CDlgMachineSettings::EditLimit(eAxis axis, bool bPositive)
     ShowLimits(axis);
 }
 
-void CDlgMachineSettings::FlipDirection(eAxis axis, eDirection& eDir)
+void CDlgMachineSettings::FlipDirection(eAxis axis, eDirection eDir, void (CMotorSettings::*fnSet)(eAxis, eDirection))
 {
-    if (RefuseMachineInUse(HostOf(*this))) return;
-    eDir = Opposite(eDir);
+    if (RefuseChangeOfPlace(HostOf(*this))) return;
+    CMotorSettings motors = Motors();
+    (motors.*fnSet)(axis, Opposite(eDir));
     ShowLimits(axis);
 }
 
@@ -248,7 +249,7 @@ void CDlgMachineSettings::on_Cmb_VantorCntrolSel_currentIndexChanged(int iBoard)
 {
     if (m_bConfiguring || iBoard < 0) return;
     CScreenHost& host = HostOf(*this);
-    if (RefuseMachineInUse(host)) return ConfigSettings();   // the box shows the board in force again
+    if (RefuseChangeOfPlace(host)) return ConfigSettings();   // the box shows the board in force again
     Motors().SelectBoard(iBoard);
     host.AddLogMsg(QStringLiteral("Please Save and Restart application for the changes to take affect"), MSG_ERROR);
     ConfigSettings();
@@ -258,10 +259,10 @@ void CDlgMachineSettings::on_Cmb_VantorCntrolSel_currentIndexChanged(int iBoard)
 void CDlgMachineSettings::on_Btn_UseHomeIP_clicked()
 {
     CScreenHost& host = HostOf(*this);
-    if (RefuseMachineInUse(host)) return;
-    A::m_bHomeSensorsUsed = !A::m_bHomeSensorsUsed;
+    if (RefuseChangeOfPlace(host)) return;
+    const QString strWhy = Motors().UseHomeSensors(!A::m_bHomeSensorsUsed);
     host.EnlMchHomingOptions(A::m_bHomeSensorsUsed);
-    Tell(Motors().ConfigAxes());
+    Tell(strWhy);
     EnlMotionLimits();
     ShowSwitches();
 }

@@ -61,7 +61,7 @@ private:
     void SelectAxis(eAxis axis);
     void EditMotor(const stMotorNumber& number);
     void EditLimit(eAxis axis, bool bPositive);
-    void FlipDirection(eAxis axis, eDirection& eDir);
+    void FlipDirection(eAxis axis, eDirection eDir, void (CMotorSettings::*fnSet)(eAxis, eDirection));
     void ShowLimits(eAxis axis);
     void ShowBoard();
     void ShowSwitches();

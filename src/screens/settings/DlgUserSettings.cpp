@@ -1,6 +1,7 @@
 #include "screens/settings/DlgUserSettings.h"
 
-#include "control/AppControl.h"
+#include "common/Operation.h"
+#include "machine/Machine.h"
 #include "screens/settings/DlgSpindleSpeeds.h"
 #include "screens/settings/UserNumbers.h"
 #include "ui_DlgUserSettings.h"
@@ -20,7 +21,7 @@ CDlgUserSettings::CDlgUserSettings(QWidget* pParent) : QDialog(pParent), m_pUi(s
                                             m_pUi->Btn_MoveHome_A, m_pUi->Btn_MoveHome_B};
     for (int n = 0; n < MAX_AXES; ++n)
         connect(lstHome[n], &QPushButton::clicked, this, [this, pButton = lstHome[n], axis = static_cast<eAxis>(n)] {
-            MoveHome(pButton, [this, axis] { return HostOf(*this).Machine().StartMchHomingSequence(axis); });
+            MoveHome(pButton, [this, axis] { return HostOf(*this).StartHoming(axis); });
         });
 }
 
@@ -85,7 +86,7 @@ void CDlgUserSettings::Edit(const stUserNumber& number)
     if (RefuseMachineInUse(host)) return;
     const auto fNew = AskNumber(host, findChild<QPushButton*>(number.strButton), number.fnField(), number.Value());
     if (!fNew) return;
-    CMotorSettings motors(host.Machine());
+    CMotorSettings motors(host.MachineParts());
     if (!number.fnStore)
         number.SetValue(*fNew);
     else if (const QString strWhy = number.fnStore(motors, *fNew); !strWhy.isEmpty())
@@ -130,7 +131,7 @@ void CDlgUserSettings::on_Btn_UseG01FeedForJog_clicked()
 {
     CScreenHost& host = HostOf(*this);
     if (RefuseMachineInUse(host)) return;
-    CMotorSettings(host.Machine()).UseG01FeedForJog(!A::m_bUseG01FeedForJog);
+    CMotorSettings(host.MachineParts()).UseG01FeedForJog(!A::m_bUseG01FeedForJog);
     ConfigSettings();
 }
 
@@ -151,7 +152,7 @@ void CDlgUserSettings::on_Btn_SpindleSpeeds_clicked()
 void CDlgUserSettings::MoveHome(QPushButton* pButton, const std::function<bool()>& fnStart)
 {
     CScreenHost& host = HostOf(*this);
-    if (pButton == m_pHomingBtn && host.Machine().m_eOperation == OP_MCH_HOME) return;   // it is on its way
+    if (pButton == m_pHomingBtn && host.Operation() == OP_MCH_HOME) return;   // it is on its way
     pButton->setStyleSheet(BTN_BKGND_BLUE);
     if (!host.IsEmergencyStopOn() && !RefuseMachineInUse(host) && fnStart())
         m_pHomingBtn = pButton;   // blue until the end of the operation
@@ -161,5 +162,5 @@ void CDlgUserSettings::MoveHome(QPushButton* pButton, const std::function<bool()
 
 void CDlgUserSettings::on_Btn_AutoHomeSequence_clicked()
 {
-    MoveHome(m_pUi->Btn_AutoHomeSequence, [this] { return HostOf(*this).Machine().StartMchHomingSequence(); });
+    MoveHome(m_pUi->Btn_AutoHomeSequence, [this] { return HostOf(*this).StartHoming(); });
 }

@@ -56,7 +56,7 @@ const std::vector<stMotorNumber>& MotorNumbers()
                                   .fRange = {.x = 0.0001, .y = 10.0}};
          },
          [](eAxis axis) { return A::m_fAxisMovPerPulse[axis]; },
-         [](CMotorSettings& motors, eAxis axis, double f) { return motors.SetMovPerPulse(axis, f); }},
+         [](CMotorSettings& motors, eAxis axis, double f) { return motors.SetMovPerPulse(axis, f); }, true, true},
         {QStringLiteral("Btn_VelAccUserTimePeriod"),
          [](eAxis) {
              return stNumberField{.strTitle = QStringLiteral("Sampling Time(sec)"),

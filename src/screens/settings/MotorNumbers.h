@@ -13,6 +13,7 @@ struct stMotorNumber
     std::function<double(eAxis)> fnValue;
     // Stores what was entered; a text that comes back is for the log.
     std::function<QString(CMotorSettings&, eAxis, double)> fnStore;
-    bool bGraph = true;   // the ramp changes
+    bool bGraph = true;      // the ramp changes
+    bool bOfPlace = false;   // positions are counted by it
 };
 const std::vector<stMotorNumber>& MotorNumbers();

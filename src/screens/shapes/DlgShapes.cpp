@@ -1,7 +1,6 @@
 #include "screens/shapes/DlgShapes.h"
 
 #include "common/Paths.h"
-#include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "screens/host/PressedBtn.h"
@@ -123,25 +122,18 @@ bool CDlgShapes::StartShapeCutting()
     if (Host().IsEmergencyStopOn()) return false;
     AppControl& machine = Host().Machine();
     if (machine.m_eOperation == OP_SHAPES) {
-        machine.m_bPause = !machine.m_bPause;
+        if (machine.m_bPause)
+            machine.Resume();
+        else
+            machine.RequestPause();
         return true;
     }
-    if (!Host().IsMachineFree()) {
-        LogError(MACHINE_IN_USE);
-        return false;
-    }
-    if (Count() == 0) {
-        LogError(QStringLiteral("No shapes are added"));
-        return false;
-    }
-    if (!machine.GetHomeDone()) {
-        LogError(HOMING_NOT_DONE_SHOWN);
-        return false;
-    }
+    if (Host().Refused(Host().WhyNotFree())) return false;
+    if (Count() == 0) return !Host().Refused(QStringLiteral("No shapes are added"));
+    if (Host().Refused(Host().WhyNotHomed())) return false;
     ResetUI(false);
     Host().ClearToolGraphics();
-    machine.StartShapeCutting(&m_stCuttingInfo);
-    if (machine.m_eOperation == OP_SHAPES) return true;
+    if (machine.StartShapeCutting(&m_stCuttingInfo)) return true;
     ResetUI(true);   // refused; the worker has said why
     return false;
 }
@@ -320,7 +312,7 @@ void CDlgShapes::ListNewShapes()
 void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
 {
     const int iRow = m_Rows.Current();
-    if (iRow < 0 || IsEditing() || Host().Machine().m_eOperation != OP_NONE) return;
+    if (iRow < 0 || IsEditing() || Host().Operation() != OP_NONE) return;
     BeginAdding();
     if (EllipseAt(static_cast<size_t>(iRow)))
         EditEllipse(static_cast<size_t>(iRow));

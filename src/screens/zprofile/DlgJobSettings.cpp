@@ -1,9 +1,7 @@
 #include "screens/zprofile/DlgJobSettings.h"
 
 #include "common/Paths.h"
-#include "common/Refusals.h"
 #include "config/AppConfig.h"
-#include "control/AppControl.h"
 #include "screens/host/PressedBtn.h"
 #include "screens/host/SettingsInput.h"
 #include "screens/zprofile/DlgZProfiler.h"
@@ -68,7 +66,7 @@ static QString Range(double fLow, double fHigh)
 
 void CdlgJobSettings::ShowGrid()
 {
-    if (Host().Machine().isRunning()) {   // it may be writing the grid, for a moment also after a stop
+    if (Host().IsWorkerRunning()) {   // it may be writing the grid, for a moment also after a stop
         if (!std::exchange(m_bGridAwaited, true))
             QTimer::singleShot(GRID_POLL_MS, this, [this] {
                 m_bGridAwaited = false;
@@ -99,12 +97,8 @@ void CdlgJobSettings::on_Btn_CreateZProfile_clicked()
 
 bool CdlgJobSettings::CreateZProfile()
 {
-    AppControl& machine = Host().Machine();
     if (Host().IsEmergencyStopOn()) return false;
-    if (!machine.GetHomeDone()) {
-        Host().AddLogMsg(HOMING_NOT_DONE_SHOWN, MSG_ERROR);
-        return false;
-    }
+    if (Host().Refused(Host().WhyNotHomed())) return false;
     if (!AppConfig::m_ZProfileInfo.lstPoints.empty() &&
         !AskYes(this, QStringLiteral("Z-Profile already created. Create new?")))
         return false;
@@ -112,8 +106,7 @@ bool CdlgJobSettings::CreateZProfile()
     dialog.ConfigSettings();
     if (dialog.exec() != QDialog::Accepted) return false;
     EnableButtons(false);
-    machine.RunZProfile();
-    if (machine.m_eOperation == OP_Z_PROFILE) return true;
+    if (Host().StartZProfile()) return true;
     EnableButtons(true);   // refused; the worker has said why
     return false;
 }

@@ -166,6 +166,8 @@ TEST(SelftestFacts, AreReadWhereTheSystemTellsThem)
     Put("sys/devices/system/cpu/cpu3/cpufreq/scaling_governor", "performance\n");
     Put("sys/devices/system/cpu/cpu0/cpufreq/scaling_governor", "powersave\n");
     Put("proc/sys/kernel/sched_rt_runtime_us", "-1\n");
+    Put("proc/self/limits", "Limit  Soft Limit  Hard Limit  Units\n"
+                            "Max locked memory         8388608              unlimited            bytes     \n");
     Put("sys/class/thermal/thermal_zone0/temp", "48312\n");
     Put("sys/class/thermal/thermal_zone1/temp", "61000\n");
     Put("sys/class/thermal/thermal_zone2/temp", "n/a\n");
@@ -174,6 +176,7 @@ TEST(SelftestFacts, AreReadWhereTheSystemTellsThem)
     EXPECT_EQ(facts.strNoTick, "");
     EXPECT_EQ(facts.strGovernor, "performance");
     EXPECT_EQ(facts.lRealTimeUs, -1);
+    EXPECT_EQ(facts.lLockedMemory, 8388608);
     EXPECT_FALSE(facts.lPeriodUs);
     EXPECT_EQ(facts.fTemperature, 61.0);
 }

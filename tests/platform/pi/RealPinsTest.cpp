@@ -99,8 +99,17 @@ TEST_F(RealPins, TheMachinesWindowSetsUpThePinsOfItsBoardAndNothingElse)
     while (Read(strRecord).size() < strExpected.size() && timer.elapsed() < 60'000) QThread::msleep(5);
     EXPECT_EQ(Read(strRecord), strExpected);
     EXPECT_EQ(vantor.state(), QProcess::Running) << vantor.readAll().constData();
-    vantor.terminate();
+
+    QProcess second;   // it would set the pins up under a running job
+    Start(second, VANTOR_ON_PINS);
+    ASSERT_TRUE(second.waitForFinished(60'000));
+    EXPECT_EQ(second.exitCode(), 1);
+    EXPECT_TRUE(second.readAll().contains("already runs"));
+    EXPECT_EQ(Read(strRecord), strExpected);
+
+    vantor.terminate();   // the window's own shut-down runs
     ASSERT_TRUE(vantor.waitForFinished(60'000));
+    EXPECT_EQ(vantor.exitStatus(), QProcess::NormalExit);
     EXPECT_FALSE(vantor.readAll().contains("virtual"));
 }
 

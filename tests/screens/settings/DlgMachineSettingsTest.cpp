@@ -1,4 +1,5 @@
 #include "platform/virtual/VirtualPins.h"
+#include "common/Refusals.h"
 #include "screens/settings/SettingsFixture.h"
 #include "widgets/ButtonStyle.h"
 
@@ -48,6 +49,19 @@ TEST_F(MachineSettings, NothingChangesWhileTheMachineIsInUse)
     EXPECT_EQ(m_Host.m_lstLog.size(), 1u);
     EXPECT_EQ(m_Host.m_lstLog.at(0), (CTestHost::stLog{"Machine in use", MSG_ERROR}));
     EXPECT_EQ(Child<QComboBox>(m_Dlg, "Cmb_VantorCntrolSel").currentIndex(), VTR5_CTRL);
+    m_Host.TakeLog();
+    m_Host.m_Machine.m_eOperation = OP_NONE;
+    A::m_bSimulationMode = true;   // what positions are counted by
+    for (const char* szButton :
+         {"Btn_MovPerPulse", "Btn_SameMotorSettings", "Btn_SameMotorSettings_AB", "Btn_X_PosDirMovLimit",
+          "Btn_X_NegDirMovLimit", "Btn_X_PosDirMotRot", "Btn_X_HomeDirMotRot", "Btn_UseHomeIP"}) {
+        Press(m_Dlg, szButton);
+        EXPECT_EQ(m_Host.TakeLog(), QStringList(NOT_IN_SIMULATION)) << szButton;
+    }
+    Child<QTabWidget>(m_Dlg, "tabWidget").setCurrentIndex(0);
+    SelectRow(m_Dlg, VTR3_CTRL);
+    EXPECT_EQ(m_Host.TakeLog(), QStringList(NOT_IN_SIMULATION));
+    A::m_bSimulationMode = false;
     EXPECT_EQ(CSettingsTable::List(), before);
 }
 
