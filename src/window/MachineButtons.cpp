@@ -112,17 +112,11 @@ void CMachineButtons::SaveSettings()
 // A simulated run leaves the machine's true position untouched.
 void CMachineButtons::ToggleSimulation()
 {
-    if (Refused(m_Supervision.WhyNotHomed())) return;
+    const bool bOn = !AppConfig::m_bSimulationMode;
+    if (m_Host.IsEmergencyStopOn()) return;   // a stop is released without a look at its input in simulation
+    if (bOn && Refused(m_Supervision.WhyNotHomed())) return;
     // An axis that moves would go on with its outputs switched in the middle of the move.
     if (Refused(m_Supervision.WhyNotFree())) return;
-    AppConfig::m_bSimulationMode = !AppConfig::m_bSimulationMode;
-    const bool bOn = AppConfig::m_bSimulationMode;
+    m_Host.Machine().SetSimulation(bOn);
     m_Form.Btn_SimulationMode->setStyleSheet(bOn ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
-    for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS}) {
-        double& fRemembered = AxisOf(m_PosBeforeSimulation, axis);
-        if (bOn)
-            fRemembered = m_Host.Machine().GetCurPos(axis);
-        else
-            m_Host.Machine().m_AxisCtrl[axis].SetCurPos(fRemembered);
-    }
 }

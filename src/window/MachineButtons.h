@@ -39,5 +39,4 @@ private:
     CScreenHost& m_Host;
     CSupervision& m_Supervision;
     std::function<bool()> m_fnKeyConfirms;
-    stFloatPoint m_PosBeforeSimulation;
 };

@@ -1,5 +1,5 @@
-#include "platform/virtual/VirtualPins.h"
 #include "common/Refusals.h"
+#include "platform/virtual/VirtualPins.h"
 #include "screens/settings/SettingsFixture.h"
 #include "widgets/ButtonStyle.h"
 
