@@ -30,6 +30,7 @@ void AppControl::WaitForWorker()
 {
     wait();
     ReadLeave();
+    (void)static_cast<bool>(m_bOutOfRun);
 }
 
 bool AppControl::Refuse(const QString& strWhy)
@@ -179,6 +180,7 @@ void AppControl::run()
     m_iWorkLine = -1;
     Watched([=] { return stWorkCommand{.eKind = WORK_OPERATION, .fValue = static_cast<double>(eCode)}; },
             [&] { RunOperation(eCode); });
+    m_bOutOfRun = true;
 }
 
 struct AppControl::stWork

@@ -153,6 +153,8 @@ private:
     void EndStoppedOperation();
 
     stFloatPoint m_GCodePosBeforeSimulation;
+    // The last store of run, behind what an observer is told of its end: for a thread sanitizer, as in ReadLeave.
+    CShared<bool> m_bOutOfRun = false;
     CProgramRun m_ProgramRun{*this};
     CShapeCutter m_ShapeCutter{*this};
     CCarver m_Carver{*this};
