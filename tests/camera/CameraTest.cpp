@@ -64,10 +64,9 @@ TEST_F(ThreadsCamera, WhoeverWaitsForItIsAskedForWhatMayNotWait)
         if (++iLooks == 3) m_pFeed->goOn.release();
     });
     m_pFeed->iFrames = 1000;
-    m_pFeed->bHoldOpen = true;
+    m_pFeed->bHoldOpen = m_pFeed->bHold = true;   // the first read too: nobody takes a frame here
     ASSERT_TRUE(m_Camera.StartVideoCapture());
     EXPECT_GE(iLooks, 3);
-    m_pFeed->bHold = true;
     m_pFeed->inRead.acquire();
     iLooks = 0;
     m_Camera.StopVideoCapture();
