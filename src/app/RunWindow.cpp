@@ -8,11 +8,12 @@
 #include <QApplication>
 #include <QMessageBox>
 
-int RunGuarded(const std::function<int()>& fnRun)
+int RunGuarded(const std::function<int()>& fnRun, const std::function<void()>& fnStop)
 {
     try {
         return fnRun();
     } catch (...) {
+        fnStop();
         QMessageBox::warning(nullptr, QStringLiteral("error here"), QStringLiteral("something screwed up"),
                              QMessageBox::Ok);
     }
@@ -25,9 +26,11 @@ int RunWindow(QApplication& app, const std::function<void(QWidget& window)>& fnB
     CTextPadOpener::WatchFileDialogs(app);
     MainWindow window;
     const CQuitOnSignal quit;
-    return RunGuarded([&] {
-        window.show();
-        if (fnBeside) fnBeside(window);
-        return QApplication::exec();
-    });
+    return RunGuarded(
+        [&] {
+            window.show();
+            if (fnBeside) fnBeside(window);
+            return QApplication::exec();
+        },
+        [&] { window.StopForGood(); });
 }

@@ -8,5 +8,6 @@ class QWidget;
 // window is there. Interface thread.
 int RunWindow(QApplication& app, const std::function<void(QWidget& window)>& fnBeside = {});
 
-// Whatever is thrown in fnRun ends in a box that tells the operator, and in 0.
-int RunGuarded(const std::function<int()>& fnRun);
+// Whatever is thrown in fnRun ends in a box that tells the operator, and in 0. fnStop is called before the box, which
+// would stand over a machine that goes on.
+int RunGuarded(const std::function<int()>& fnRun, const std::function<void()>& fnStop);

@@ -1,15 +1,26 @@
 #include "common/OperatorScreen.h"
 
-static COperatorScreen g_SilentScreen;
+namespace {
+// Where nobody operates the machine: a bench, a test of a part.
+class CSilentScreen : public COperatorScreen
+{
+public:
+    void EnableDisableWindows() override {}
+    void ClearToolGraphics() override {}
+    void OnOperationFinish() override {}
+    void UpdateWorkArea() override {}
+    void AddLogMsg(const QString&, eAppMsgType) override {}
+    void ShowCriticalBox(const QString&, const QString&) override {}
+};
+CSilentScreen g_SilentScreen;
+}   // namespace
+
 static COperatorScreen* g_pScreen = &g_SilentScreen;
 
 COperatorScreen::~COperatorScreen()
 {
     if (g_pScreen == this) g_pScreen = &g_SilentScreen;
 }
-
-void COperatorScreen::AddLogMsg(const QString&, eAppMsgType) {}
-void COperatorScreen::ShowCriticalBox(const QString&, const QString&) {}
 
 COperatorScreen& COperatorScreen::Get()
 {

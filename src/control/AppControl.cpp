@@ -155,7 +155,10 @@ bool AppControl::StartExecGCodeLine(const GCodeProgram* pProgram, int iLine)
     m_pGCodeProgram = pProgram;
     m_bExecSingleLine = true;
     m_iSingleLineNo = iLine;
-    return LaunchJob(OP_GCODE, true);   // in simulation too: wanted, a single line is tried with the spindle on
+    const bool bStarted =
+        LaunchJob(OP_GCODE, true);              // in simulation too: wanted, a single line is tried with the spindle on
+    if (!bStarted) m_bExecSingleLine = false;   // the Start button is dead while it stands
+    return bStarted;
 }
 
 bool AppControl::StartShapeCutting(stShapeCuttingInfo* pInfo)
@@ -276,5 +279,6 @@ void AppControl::EndStoppedOperation()
         WriteProgramStatus(0);
         CAllAxisCtrl::WaitForAutoModeEnd();
     }
+    m_AxisCommands.RequestStop();   // one that began behind the StopAll; nobody else moves until the worker has left
     Leave(false);
 }

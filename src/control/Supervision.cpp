@@ -10,6 +10,8 @@
 #include <optional>
 
 static constexpr double AT_ZERO = 9e-5;   // mm
+// A tick that is due 100 ms ago is more than the window's own work; a line a second tells as much as one for each.
+static constexpr qint64 LATE_MS = 100, LATE_TOLD_EVERY_MS = 1000;
 
 static std::optional<quint8> ReadInput(qint8 iPin)
 {
@@ -24,6 +26,11 @@ static std::optional<quint8> ReadChange(qint8 iPin, quint16& iPrevious)
     if (!input || *input == iPrevious) return std::nullopt;
     iPrevious = *input;
     return input;
+}
+
+static void LowerStatusOutput()
+{
+    if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), 0);
 }
 
 // ---- The steps of a tick --------------------------------------------------------------------------------------------
@@ -52,8 +59,21 @@ bool CSupervision::TakeStartRequest()
 bool CSupervision::BeginToolChange()
 {
     if (!m_Machine.m_bToolChangePause) return false;
+    if (m_Machine.m_eOperation == OP_NONE || m_Machine.IsStopRequested()) {
+        m_Machine.DropToolChange();
+        return false;
+    }
     AppConfig::m_bSpindleOn = false;
     return true;
+}
+
+QString CSupervision::MeasureLateness(qint64 lPeriodMs)
+{
+    const qint64 lLate = m_SinceTick.isValid() ? m_SinceTick.elapsed() - lPeriodMs : 0;
+    m_SinceTick.start();
+    if (lLate <= LATE_MS || (m_SinceLateTold.isValid() && m_SinceLateTold.elapsed() < LATE_TOLD_EVERY_MS)) return {};
+    m_SinceLateTold.start();
+    return QStringLiteral("Supervision was late by %1 ms").arg(lLate);
 }
 
 bool CSupervision::TakeOperationEnd()
@@ -67,6 +87,7 @@ eStopInput CSupervision::ReadStopInput()
     // The round button works independently of the input, and may have been there first.
     if (!input || (*input != 0) == AppConfig::m_bEmergencyStopON) return STOP_INPUT_SAME;
     if (*input != 0) return STOP_INPUT_RISEN;
+    if (m_bStoppedForGood) return STOP_INPUT_SAME;
     AppConfig::m_bEmergencyStopON = false;
     return STOP_INPUT_FALLEN;
 }
@@ -111,16 +132,24 @@ stOperationEnd CSupervision::Abandon()
 stOperationEnd CSupervision::EmergencyStop()
 {
     AppConfig::m_bEmergencyStopON.Exchange(true);
+    LowerStatusOutput();
     const stOperationEnd end = Abandon();
-    if (!AppConfig::m_bSimulationMode) CRpiGpio::WriteOutput(Pin(AppConfig::m_iPgmStatusOutput), 0);
+    LowerStatusOutput();
     return end;
 }
 
-bool CSupervision::ReleaseEmergencyStop()
+stOperationEnd CSupervision::StopForGood()
 {
-    if (ReadInput(AppConfig::m_iEStopInput).value_or(0) != 0) return false;
+    m_bStoppedForGood = true;
+    return EmergencyStop();
+}
+
+QString CSupervision::ReleaseEmergencyStop()
+{
+    if (m_bStoppedForGood) return QStringLiteral("Unknown error: restart the program");
+    if (ReadInput(AppConfig::m_iEStopInput).value_or(0) != 0) return QStringLiteral("Emergency Stop input is High");
     AppConfig::m_bEmergencyStopON = false;
-    return true;
+    return QString();
 }
 
 // ---- Words ----------------------------------------------------------------------------------------------------------
@@ -162,7 +191,17 @@ QString CSupervision::WhyNotReleased()
 
 QString CSupervision::WhyNotFree() const
 {
-    return m_Machine.m_eOperation == OP_NONE && m_Machine.IsMachineIdle() ? QString() : MACHINE_IN_USE;
+    return m_Machine.IsFree() ? QString() : MACHINE_IN_USE;
+}
+
+QString CSupervision::WhyNotInSimulation()
+{
+    return AppConfig::m_bSimulationMode ? NOT_IN_SIMULATION : QString();
+}
+
+QString CSupervision::WhyNotAllHomed() const
+{
+    return m_Machine.GetHomeDone() ? QString() : HOMING_NOT_DONE_SHOWN;
 }
 
 // X alone is asked: wanted, whether all axes have their home is asked where a move of all begins.

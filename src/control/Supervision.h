@@ -1,6 +1,7 @@
 #pragma once
 #include "common/Operation.h"
 
+#include <QElapsedTimer>
 #include <QString>
 
 class AppControl;
@@ -49,10 +50,14 @@ public:
     stMessages NextMessages();
     // True: the program asks that Start be shown as pressed.
     bool TakeStartRequest();
-    // True: the program waits for a tool. The spindle counts as off; Pause holds the worker.
+    // True: the program waits for a tool. The spindle counts as off; Pause holds the worker. A request that a stop has
+    // overtaken is dropped.
     bool BeginToolChange();
     // True: the worker has come to the end of its operation, which is still to be ended here.
     bool TakeOperationEnd();
+    // At its head: a line for the log where it comes much later than it is due, lPeriodMs behind the last one; empty
+    // where there is nothing to tell. An input is acted on no sooner than its tick comes.
+    QString MeasureLateness(qint64 lPeriodMs);
     // Changes of the inputs, not their levels; in simulation, and where none is wired, nothing is read.
     eStopInput ReadStopInput();
     // Wanted: it shows the program and lights Start, and no more. A program is started by a press of the button.
@@ -66,15 +71,20 @@ public:
     stOperationEnd EndOperation();
     // Everything stands at once; the operation is given up.
     stOperationEnd Abandon();
-    // The flag, which every loop reads, the axes, the operation, the status output: in this order.
+    // The flag, which every loop reads, the status output, the axes, the operation, and the output again, which a
+    // worker may have raised meanwhile: in this order. In simulation the output stays as it is.
     stOperationEnd EmergencyStop();
-    // False: the stop stays in force, its input is high.
-    static bool ReleaseEmergencyStop();
+    // The same, and nothing releases it: behind an error of which nothing is known the machine is not to be run.
+    stOperationEnd StopForGood();
+    // Empty: released. Else the stop stays in force, and why.
+    QString ReleaseEmergencyStop();
 
     // ---- Why something may not start, in the operator's words; empty: it may ----
     static QString WhyNotReleased();   // the emergency stop is on
     QString WhyNotFree() const;        // an operation runs or an axis moves
     QString WhyNotHomed() const;       // homing is asked for
+    QString WhyNotAllHomed() const;    // the same of every axis in use
+    static QString WhyNotInSimulation();
 
 private:
     QString EndMessage(qint32 iOperation) const;
@@ -82,6 +92,8 @@ private:
     AppControl& m_Machine;
     quint16 m_iLastPwmFreq = 0;                                // last given to the pin
     quint16 m_iPrevEStopInput = 0, m_iPrevPgmStartInput = 0;   // last seen levels
+    bool m_bStoppedForGood = false;
+    QElapsedTimer m_SinceTick, m_SinceLateTold;
 };
 
 // What is told when an operation begins; empty for none.

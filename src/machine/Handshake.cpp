@@ -17,6 +17,7 @@ void CHandshake::ForgetLast()
     // What the last operation has left for the interface must not be taken for the new one's.
     m_bOperationFinished = false;
     m_bToolChangePause = false;
+    m_bStartBtnPressRequest = false;
 }
 
 void CHandshake::Begin(eOperation eCode)

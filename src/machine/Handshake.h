@@ -26,6 +26,7 @@ public:
     bool TakeStartRequest() { return m_bStartBtnPressRequest.Exchange(false); }
     // The operator is to change the tool: the pause is set for it. False: nobody asks.
     bool AnswerToolChange();
+    void DropToolChange() { m_bToolChangePause = false; }   // nobody is to change it any more
 
     // ---- Worker ----
     // Holds while the pause is set, which is looked at once a second. False: there was a stop.

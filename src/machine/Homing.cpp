@@ -127,7 +127,9 @@ void CHoming::SetZ0usingZProbe()
         AppConfig::m_bHomeSensorsUsed ? CUnitConverter::GetDouble(static_cast<int>(z.m_lNegLimit)) : NO_LIMIT_DOWN;
     z.m_bWatchZProbe = true;
     (void)m_Commands.EngMoveAxisAbs(Z_AXIS, fTarget, true);
-    if (CRpiGpio::ReadInput(Pin(AppConfig::m_iZProbeInput)) != 0) (void)m_Position.SetWorkZero(Z_AXIS);
+    // A probing that was given up has found nothing, wherever the probe is.
+    if (!m_Commands.IsStopped() && CRpiGpio::ReadInput(Pin(AppConfig::m_iZProbeInput)) != 0)
+        (void)m_Position.SetWorkZero(Z_AXIS);
     z.EndWatch();
     z.SetVelocityAcc(AppConfig::m_fAxisFeed[Z_AXIS], AppConfig::m_fAxisAcc[Z_AXIS]);
     (void)m_Commands.EngMoveAxisAbs(Z_AXIS, PROBE_RETRACT, true);

@@ -17,22 +17,28 @@ void CSpindle::WriteRelay(eDirection eDir, bool bClose)
     WriteMCodeOutput(eDir == DIR_CW ? 3 : 4, bClose ? 1 : 0);
 }
 
-// False: not behind a stop. A stop that comes in between opens it again.
-bool CSpindle::Close(eDirection eDir)
+// bStop: a stop is asked for. One that comes in between opens it again.
+bool CSpindle::Close(eDirection eDir, bool bStop)
 {
-    if (m_Handshake.IsStopRequested()) return false;
+    if (bStop || AppConfig::m_bEmergencyStopON) return false;
     if (!AppConfig::m_bSimulationMode) WriteRelay(eDir, true);
-    if (!m_Handshake.IsStopRequestedBehind()) return true;
+    if (!AppConfig::m_bEmergencyStopON.Ordered()) return true;
     WriteRelay(eDir, false);
     return false;
 }
 
 void CSpindle::TurnOnOffSpindle(bool bOn, eDirection eDir)
 {
+    const QMutexLocker lock(&m_Mutex);
+    Switch(bOn, eDir);
+}
+
+void CSpindle::Switch(bool bOn, eDirection eDir)
+{
     if (!bOn) {
         WriteRelay(DIR_CW, false);
         WriteRelay(DIR_CCW, false);
-    } else if (!Close(eDir)) {
+    } else if (!Close(eDir, false)) {   // a job that was given up does not forbid it
         return m_Messages.PushErrMsg(RELEASE_EMERGENCY_SWITCH);
     }
     AppConfig::m_bSpindleOn = bOn;
@@ -54,16 +60,24 @@ QString CSpindle::WhyStillTurning() const
 
 bool CSpindle::Toggle(eDirection eDir)
 {
+    const QMutexLocker lock(&m_Mutex);
     const bool bTurns = m_bClosed[DIR_CW] || m_bClosed[DIR_CCW];
     const bool bOn = !bTurns && !(AppConfig::m_bSimulationMode && AppConfig::m_bSpindleOn);
-    TurnOnOffSpindle(bOn, eDir);
+    Switch(bOn, eDir);
     return AppConfig::m_bSpindleOn;
 }
 
 bool CSpindle::StartFromProgram(eDirection eDir)
 {
-    WriteRelay(Opposite(eDir), false);
-    if (!m_Handshake.SleepUnlessStopped(OUTPUT_PAUSE_US) || !Close(eDir)) return false;
+    const eDirection eOther = Opposite(eDir);
+    {
+        const QMutexLocker lock(&m_Mutex);
+        WriteRelay(eOther, false);
+    }
+    if (!m_Handshake.SleepUnlessStopped(OUTPUT_PAUSE_US)) return false;
+    const QMutexLocker lock(&m_Mutex);
+    if (m_bClosed[eOther]) WriteRelay(eOther, false);   // a touch in the pause has closed it again
+    if (!Close(eDir, m_Handshake.IsStopRequested())) return false;
     AppConfig::m_bSpindleOn = true;
     AppConfig::m_bSpindleDirInGcode = eDir == DIR_CCW;
     AppConfig::m_bSpindleOnOffStatusChangeInGCode = true;

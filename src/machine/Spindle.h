@@ -4,6 +4,8 @@
 #include "machine/Messages.h"
 #include "machine/WorkObserver.h"
 
+#include <QMutex>
+
 // The spindle: the only writer of its two relays, and the one that knows whether they are closed. Closing is refused
 // behind a stop, and moves no relay in simulation; opening always opens both.
 class CSpindle
@@ -36,10 +38,13 @@ public:
 private:
     void SetSpeed(int iSpeed);
     void WriteRelay(eDirection eDir, bool bClose);
-    bool Close(eDirection eDir);
+    bool Close(eDirection eDir, bool bStop);
+    void Switch(bool bOn, eDirection eDir);
 
     CMessages& m_Messages;
     const CHandshake& m_Handshake;
     const CWatchedWork& m_Watched;
+    QMutex
+        m_Mutex;   // around what is decided by the relays and written to them: a touch may meet a word of the program
     CShared<bool> m_bClosed[2] = {false, false};   // by eDirection
 };

@@ -17,7 +17,7 @@ class CAllAxisCtrl
 public:
     // Starts the thread. Waits first until a loop that was told to stop has gone; if one still runs it starts none.
     static void StartAutoMode(CMachineAxes* pAxes);
-    static void StopAutoMode() { m_bAutoMode = false; }
+    static void StopAutoMode() { m_bAutoMode.Exchange(false); }
     // Hands the prepared move over. False: the auto mode does not run.
     static bool StartMotion();
     // A move is requested or running.

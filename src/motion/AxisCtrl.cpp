@@ -274,8 +274,7 @@ bool AxisCtrl::BuildTable(double fVel, double fAcc)
 
     const size_t t = 1u - m_ucCurTable;
     m_fVel[t] = fVel;
-    m_bNewTable = true;
-    if (!m_bStoreVelCurve && ReuseTable(wanted, t)) return true;
+    if (!m_bStoreVelCurve && ReuseTable(wanted, t)) return m_bNewTable = true;
     m_Building.lstHigh.swap(m_lstHighTime[t]);
     m_Building.lstLow.swap(m_lstLowTime[t]);
     BuildRamp(wanted.settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
@@ -284,7 +283,7 @@ bool AxisCtrl::BuildTable(double fVel, double fAcc)
     m_fConstHighTime[t] = m_Building.fConstHigh;
     m_fConstLowTime[t] = m_Building.fConstLow;
     m_Built[t] = wanted;
-    return true;
+    return m_bNewTable = true;   // behind the build: a move may look meanwhile
 }
 
 // Where this slot or the other one is built for the very same: a long ramp takes its time, and a stop rebuilds them

@@ -61,7 +61,7 @@ public:
     // Ends the move at once, without a ramp, and waits until the thread is idle.
     void Stop();
     // The same without the wait: where several axes are to stop, all are told first.
-    void RequestStop() { m_bMoving = false; }
+    void RequestStop() { m_bMoving.Exchange(false); }
     // Sensor and probe are no longer watched, on an axis that still moves from its standstill on: with the watch gone
     // it would run through.
     void EndWatch();

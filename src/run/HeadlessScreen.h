@@ -24,6 +24,11 @@ public:
     // strFile as it is to be told; bQuiet: errors only.
     CHeadlessScreen(const QString& strFile, bool bQuiet);
 
+    // Nothing is shown, so nothing is to be disabled, emptied or made anew; the runner sees an end by itself.
+    void EnableDisableWindows() override {}
+    void ClearToolGraphics() override {}
+    void OnOperationFinish() override {}
+    void UpdateWorkArea() override {}
     void AddLogMsg(const QString& strMsg, eAppMsgType eType) override;
     void ShowCriticalBox(const QString& strTitle, const QString& strText) override;
 

@@ -28,16 +28,23 @@ void CFeedPanel::SetUp(QWidget* pFrame)
     m_G00FeedBar.setValue(qRound(AppConfig::m_fAxisFeedPercent[Z_AXIS] * 100.0));
 }
 
+// A worker that a stop has ended may still be leaving: it plans nothing more.
+bool CFeedPanel::MayRebuild() const
+{
+    const CMachine& machine = m_Host.MachineParts();
+    return machine.m_eOperation == OP_NONE && machine.m_AxisCommands.IsMachineIdle();
+}
+
 void CFeedPanel::SetFeed(short iPercentage)
 {
     const QMutexLocker lock(&m_mtxFeed);
-    CMotorSettings(m_Host.MachineParts()).SetFeedOverride(iPercentage, m_Host.IsMachineFree());
+    CMotorSettings(m_Host.MachineParts()).SetFeedOverride(iPercentage, MayRebuild());
 }
 
 void CFeedPanel::SetRapid(short iPercentage)
 {
     const QMutexLocker lock(&m_mtxFeed);
-    CMotorSettings(m_Host.MachineParts()).SetRapidOverride(iPercentage, m_Host.IsMachineFree());
+    CMotorSettings(m_Host.MachineParts()).SetRapidOverride(iPercentage, MayRebuild());
 }
 
 void CFeedPanel::ChangeFeed(int iStep)

@@ -21,6 +21,8 @@ public:
     void Reapply();               // the operator's override, back on the axes
 
 private:
+    bool MayRebuild() const;
+
     CdlgMyHorizSlideBar &m_G01FeedBar, &m_G00FeedBar;
     CScreenHost& m_Host;
     QMutex m_mtxFeed;

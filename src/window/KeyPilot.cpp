@@ -131,7 +131,9 @@ void CKeyPilot::Do(const stKeyDecision& decision, int iKey)
 
 void CKeyPilot::Jog(eAxis axis, int iSign)
 {
+    if (m_Faces.host.IsEmergencyStopOn()) return;
     AppControl& machine = m_Faces.host.Machine();
+    if (machine.IsWorkerBusy()) return LogError(AXIS_IN_USE);   // one that was given up still leaves
     if (!m_bContinuous) {
         (void)machine.MoveRel(axis, iSign * m_fJogStep);
         return;
@@ -157,8 +159,9 @@ void CKeyPilot::EndJog()
 // An operation may have begun since the key went down.
 void CKeyPilot::MoveZero(eKeyAction eAction)
 {
+    if (m_Faces.host.IsEmergencyStopOn()) return;
     AppControl& machine = m_Faces.host.Machine();
-    if (machine.m_eOperation != OP_NONE) return LogError(AXIS_IN_USE);
+    if (machine.m_eOperation != OP_NONE || machine.IsWorkerBusy()) return LogError(AXIS_IN_USE);
     if (eAction == KEY_MOVE_Z_ZERO) {
         (void)machine.MoveWorkZero(Z_AXIS, false);
         return;
@@ -167,11 +170,21 @@ void CKeyPilot::MoveZero(eKeyAction eAction)
     (void)machine.MoveWorkZero(Y_AXIS, false);
 }
 
+static bool Zeroes(eKeyAction eAction, int axis)
+{
+    if (eAction == KEY_SET_ALL_ZERO) return true;
+    return eAction == KEY_SET_Z_ZERO ? axis == Z_AXIS : axis < Z_AXIS;
+}
+
 void CKeyPilot::SetZero(eKeyAction eAction)
 {
-    if (const QString strWhy = m_Faces.supervision.WhyNotFree(); !strWhy.isEmpty())
-        return LogError(strWhy);   // the same
+    if (m_Faces.host.IsEmergencyStopOn()) return;
+    for (const QString& strWhy : {CSupervision::WhyNotInSimulation(), m_Faces.supervision.WhyNotFree()})
+        if (!strWhy.isEmpty()) return LogError(strWhy);   // it may have changed since the key went down
     AppControl& machine = m_Faces.host.Machine();
+    for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis)
+        if (AppConfig::m_bHomeSensorsUsed && Zeroes(eAction, axis) && !machine.m_AxisCtrl[axis].IsAxisHomeSet())
+            return LogError(HOMING_NOT_DONE_SHOWN);
     if (eAction == KEY_SET_ALL_ZERO) return machine.SetWorkZero();
     if (eAction == KEY_SET_Z_ZERO) {
         (void)machine.SetWorkZero(Z_AXIS);

@@ -1,6 +1,6 @@
 #include "window/KeypadEntry.h"
 
-#include "screens/host/ScreenHost.h"
+#include "screens/host/SettingsInput.h"
 #include "widgets/ButtonStyle.h"
 #include "widgets/DlgKeyPad.h"
 
@@ -13,6 +13,7 @@ static QString Decimals(double fValue, int iPrecision)
 
 QString CKeypadEntry::Enter(const QString& strTitle, const QString& strValue)
 {
+    if (RefuseMachineInUse(m_Host)) return strValue;   // over the keypad there is no Stop
     CDlgKeyPad keypad(&m_Window);
     keypad.SetCurValue(strValue);
     keypad.setWindowTitle(strTitle);
@@ -23,6 +24,7 @@ QString CKeypadEntry::Enter(const QString& strTitle, const QString& strValue)
 double CKeypadEntry::Enter(QPushButton* pButton, const QString& strTitle, const QString& strCaption,
                            const QString& strValue, stFloatPoint fRange, bool bShowSign, quint16 iPrecision)
 {
+    if (RefuseMachineInUse(m_Host)) return strValue.toDouble();
     if (pButton) pButton->setStyleSheet(BTN_BKGND_GREEN);
     CDlgKeyPad keypad(&m_Window);
     keypad.SetCurValue(strValue);

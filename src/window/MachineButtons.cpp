@@ -7,6 +7,7 @@
 #include "control/Supervision.h"
 #include "screens/host/PressedBtn.h"
 #include "ui_MainWindow.h"
+#include "window/SpindlePanel.h"
 
 #include <QMessageBox>
 
@@ -38,13 +39,16 @@ void CMachineButtons::ShowEnd(qint32 iOperation)
 
 void CMachineButtons::SetWorkZero()
 {
+    if (m_Host.IsEmergencyStopOn() || Refused(CSupervision::WhyNotInSimulation())) return;
     if (Refused(m_Supervision.WhyNotHomed())) return;
     QPushButton* pButton = m_Form.Btn_SetWorkZero;
     const CPressedBtn press(m_Host, pButton, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     if (Refused(m_Supervision.WhyNotFree())) return;
+    if (Refused(m_Supervision.WhyNotAllHomed())) return;   // all are zeroed at once, and X alone was asked
     const auto eAnswer = QMessageBox::warning(pButton->window(), QStringLiteral("Warning"),
                                               QStringLiteral("Set Work Zero?"), QMessageBox::Yes | QMessageBox::No);
-    if (eAnswer == QMessageBox::Yes) m_Host.Machine().SetWorkZero();
+    // A stop may have come while the box stood.
+    if (eAnswer == QMessageBox::Yes && MayMoveMachine()) m_Host.Machine().SetWorkZero();
     m_Host.ClearToolGraphics();
 }
 
@@ -95,7 +99,7 @@ void CMachineButtons::MoveHome(eAxis axis)
     const CPressedBtn press(m_Host, lstButtons[axis]);
     if (m_Host.IsEmergencyStopOn()) return;
     AxisCtrl& ctrl = m_Host.Machine().m_AxisCtrl[axis];
-    if (ctrl.GetAxisState() || m_Host.Machine().m_eOperation != OP_NONE)
+    if (ctrl.GetAxisState() || m_Host.Machine().m_eOperation != OP_NONE || m_Host.Machine().IsWorkerBusy())
         return m_Host.AddLogMsg(AXIS_IN_USE, MSG_ERROR);
     ctrl.SetVelocityAcc(AppConfig::m_fAxisFeed[axis], AppConfig::m_fAxisAcc[axis]);
     (void)m_Host.Machine().MoveWorkZero(axis, false);
@@ -109,7 +113,7 @@ void CMachineButtons::SaveSettings()
     if (AppConfig::SaveConfig(CONFIG_FILE)) m_Host.AddLogMsg(QStringLiteral("Settings saved"), MSG_INFO);
 }
 
-// A simulated run leaves the machine's true position untouched.
+// A simulated run leaves the machine's true position untouched. It is left whatever has become of the home.
 void CMachineButtons::ToggleSimulation()
 {
     const bool bOn = !AppConfig::m_bSimulationMode;
@@ -119,4 +123,5 @@ void CMachineButtons::ToggleSimulation()
     if (Refused(m_Supervision.WhyNotFree())) return;
     m_Host.Machine().SetSimulation(bOn);
     m_Form.Btn_SimulationMode->setStyleSheet(bOn ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
+    if (!bOn) m_Spindle.ShowOutputs();
 }

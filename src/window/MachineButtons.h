@@ -4,6 +4,7 @@
 #include <functional>
 
 class CScreenHost;
+class CSpindlePanel;
 class CSupervision;
 class Ui_MainWindow;
 
@@ -13,9 +14,10 @@ class CMachineButtons
 {
 public:
     // fnKeyConfirms: a held key stands for the answer to the box before a move of all axes.
-    CMachineButtons(const Ui_MainWindow& form, CScreenHost& host, CSupervision& supervision,
+    CMachineButtons(const Ui_MainWindow& form, CScreenHost& host, CSupervision& supervision, CSpindlePanel& spindle,
                     std::function<bool()> fnKeyConfirms)
-        : m_Form(form), m_Host(host), m_Supervision(supervision), m_fnKeyConfirms(std::move(fnKeyConfirms))
+        : m_Form(form), m_Host(host), m_Supervision(supervision), m_Spindle(spindle),
+          m_fnKeyConfirms(std::move(fnKeyConfirms))
     {
     }
 
@@ -38,5 +40,6 @@ private:
     const Ui_MainWindow& m_Form;
     CScreenHost& m_Host;
     CSupervision& m_Supervision;
+    CSpindlePanel& m_Spindle;
     std::function<bool()> m_fnKeyConfirms;
 };

@@ -5,6 +5,7 @@
 #include "config/AppConfig.h"
 #include "hardware/VantorGpio.h"
 #include "screens/host/PressedBtn.h"
+#include "screens/host/SettingsInput.h"
 #include "ui_MainWindow.h"
 #include "widgets/Look.h"
 #include "window/FeedPanel.h"
@@ -25,7 +26,6 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <QThread>
-#include <QThreadPool>
 #include <QTimer>
 
 static constexpr int SUPERVISION_MS = 34;
@@ -57,6 +57,7 @@ MainWindow::MainWindow(QWidget* pParent)
     m_pSupervisionTimer->start(SUPERVISION_MS);
     SetUpSlideBars();
     m_CncCamera.setParent(this);
+    m_CncCamera.SetWhileWaiting([this] { m_pStartStop->WatchStopInput(); });   // no tick comes meanwhile
     connect(&m_CncCamera, &CCncCamera::NewImage, this, &MainWindow::OnNewCncCamImage);
     m_pBtnClickTimer = new QTimer(this);
     connect(m_pBtnClickTimer, &QTimer::timeout, this, &MainWindow::OnBtnClickTimerElapsed);
@@ -90,7 +91,7 @@ void MainWindow::MakeParts()
                                  form.Btn_SetWorkPieceHeight, form.Btn_SelectToolPaths, form.Btn_SelectCamera,
                                  form.Btn_CameraRecStop},
         m_CncCamera, *this);
-    m_pMachineButtons = std::make_unique<CMachineButtons>(form, *this, m_Supervision,
+    m_pMachineButtons = std::make_unique<CMachineButtons>(form, *this, m_Supervision, *m_pSpindle,
                                                           [this] { return m_pKeys->IsMeasured(Qt::Key_5); });
     m_pStartStop = std::make_unique<CStartStop>(
         CStartStop::stWidgets{m_BtnStart, m_BtnPause, m_BtnReset, m_BtnStop, *form.Btn_StartPause, *form.Btn_Reset},
@@ -173,23 +174,6 @@ void MainWindow::SetUpSlideBars()
     connect(&m_SpindleSpeedBar, &CdlgMyHorizSlideBar::ValueChanged, this, &MainWindow::OnSpindleSpeedChange);
 }
 
-// ---- Shut-down ------------------------------------------------------------------------------------------------------
-
-MainWindow::~MainWindow()
-{
-    m_pPicture->CloseCamera();
-    CVANTORGPIO::PwmStop();
-    m_pSupervisionTimer->stop();
-    m_AppControl.StopAll();
-    m_AppControl.wait();
-    QThreadPool::globalInstance()->waitForDone();   // a load or a compilation reports to a screen
-    COperatorScreen::Set(nullptr);
-    delete m_pSupervisionTimer;
-    delete m_pBtnClickTimer;
-    // Only the record: the frames are children of the window and go behind the bars, which are members.
-    delete m_pUi;
-}
-
 // ---- The supervision loop -------------------------------------------------------------------------------------------
 
 // The order of the steps is binding. One that must not go on ends the whole loop: after an error of which nothing is
@@ -198,6 +182,7 @@ void MainWindow::OnTimer()
 {
     if (m_bInOnTimer) return;
     try {
+        AddLogMsg(m_Supervision.MeasureLateness(SUPERVISION_MS), MSG_NOTICE);
         m_Supervision.SendSpindleFrequency();
         m_bInOnTimer = true;
         ShowMessages(m_Supervision.NextMessages());
@@ -214,6 +199,7 @@ void MainWindow::OnTimer()
         m_bInOnTimer = false;
     } catch (...) {
         m_bInOnTimer = true;
+        m_pStartStop->StopForGood();   // no input is read any more, and no message
         AddLogMsg(QStringLiteral("Unknown error"), MSG_ERROR);
     }
 }
@@ -261,7 +247,11 @@ void MainWindow::AddLogMsg(const QString& strMsg, eAppMsgType eMsgType)
 // read. At start-up there is no tick yet.
 void MainWindow::ShowCriticalBox(const QString& strTitle, const QString& strText)
 {
-    const auto fnShow = [this, strTitle, strText] { QMessageBox::critical(this, strTitle, strText, QMessageBox::Ok); };
+    const auto fnShow = [this, strTitle, strText] {
+        QMessageBox box(QMessageBox::Critical, strTitle, strText, QMessageBox::Ok, this);
+        if (!IsMachineFree()) AddStop(box);
+        box.exec();
+    };
     if (m_bStarting)
         fnShow();
     else
@@ -271,6 +261,11 @@ void MainWindow::ShowCriticalBox(const QString& strTitle, const QString& strText
 void MainWindow::ClearToolGraphics()
 {
     if (!PostToInterface([this] { ClearToolGraphics(); })) m_pPicture->Clear();
+}
+
+void MainWindow::UpdateWorkArea()
+{
+    if (!PostToInterface([this] { UpdateWorkArea(); })) m_dlgShapes.UpdateWorkArea();
 }
 
 void MainWindow::EnableDisableWindows()
@@ -379,6 +374,7 @@ bool MainWindow::event(QEvent* pEvent)
 
 bool MainWindow::eventFilter(QObject* pObject, QEvent* pEvent)
 {
+    if (pObject == qApp && pEvent->type() == QEvent::Quit) m_bQuitting = true;
     return m_pKeys->TakeStopKey(*pEvent) || QMainWindow::eventFilter(pObject, pEvent);
 }
 
@@ -423,6 +419,7 @@ void MainWindow::on_Btn_UserSettings_clicked()
 }
 void MainWindow::on_Btn_MachineSettings_clicked()
 {
+    if (AppConfig::m_bAppPassword && RefuseMachineInUse(*this)) return;   // over the keypad there is no Stop
     m_pScreens->Show(m_dlgMachineSettings);
 }
 
@@ -591,10 +588,10 @@ void MainWindow::SaveLog()
 void MainWindow::on_Btn_ClearLog_clicked()
 {
     const CPressedBtn press(*this, m_pUi->Btn_ClearLog);
-    m_pLog->AskToClear();
+    if (!Refused(WhyNotFree())) m_pLog->AskToClear();
 }
 void MainWindow::on_Btn_SaveLog_clicked()
 {
     const CPressedBtn press(*this, m_pUi->Btn_SaveLog);
-    SaveLog();
+    if (!Refused(WhyNotFree())) SaveLog();   // a box would take Stop away while axes move
 }

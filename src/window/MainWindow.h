@@ -31,6 +31,7 @@ class CPositionPanel;
 class CScreenStack;
 class CSpindlePanel;
 class CStartStop;
+class QMessageBox;
 class QTimer;
 class Ui_MainWindow;
 
@@ -53,6 +54,7 @@ public:
     void EnableDisableWindows() override;
     void OnOperationFinish() override;
     void ShowCriticalBox(const QString& strTitle, const QString& strText) override;
+    void UpdateWorkArea() override;
 
     void EnlMchHomingOptions(bool bEnable) override;
     void EnableDisableSpindleSpeedCtrl(bool bEnable) override;
@@ -71,6 +73,9 @@ public:
     // A round button springs back 100 ms from now, unless its press has succeeded meanwhile.
     void RndBtnRefresh(CMyRndBtn* pButton);
     void ResetBtnBkGnd(QPushButton* pButton, const QString& strStyle) override;
+
+    // Behind an error of which nothing is known: the machine stands, and stays so until the program is started anew.
+    void StopForGood();
 
     void ClearLog();
     void SaveLog();
@@ -138,6 +143,8 @@ public slots:
 protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
     void keyReleaseEvent(QKeyEvent* pEvent) override;
+    // A user's close asks while an operation runs; the end of the program, as by a signal, does not.
+    void closeEvent(QCloseEvent* pEvent) override;
     bool event(QEvent* pEvent) override;
     bool eventFilter(QObject* pObject, QEvent* pEvent) override;
 
@@ -159,6 +166,7 @@ private:
     void WatchStartInput();
 
     void ShowOperationEnd(const stOperationEnd& end);
+    void AddStop(QMessageBox& box);
     bool StartShapes();
 
     Ui_MainWindow* m_pUi;
@@ -175,7 +183,7 @@ private:
     std::unique_ptr<CKeyPilot> m_pKeys;
 
     CdlgMyHorizSlideBar m_G01FeedBar, m_G00FeedBar, m_SpindleSpeedBar;
-    bool m_bInOnTimer = false;
+    bool m_bInOnTimer = false, m_bQuitting = false;
     CdlgJobSettings m_dlgJobSettings;
     CDlgImageCarving m_dlgImageCarving;
     CDlgManual m_dlgManual;

@@ -82,6 +82,7 @@ double CPicturePanel::AskSize(QPushButton* pButton, const QString& strTitle, con
 
 void CPicturePanel::AskLength()
 {
+    if (m_Host.Refused(m_Host.WhyNotFree())) return;   // the keypad would take Stop away
     m_Picture.SetLength(
         AskSize(m_Widgets.pLength, QStringLiteral("Workpiece Length"), LENGTH_LABEL, m_Picture.Length()));
     Clear();
@@ -89,12 +90,14 @@ void CPicturePanel::AskLength()
 
 void CPicturePanel::AskWidth()
 {
+    if (m_Host.Refused(m_Host.WhyNotFree())) return;
     m_Picture.SetWidth(AskSize(m_Widgets.pWidth, QStringLiteral("Workpiece Width"), WIDTH_LABEL, m_Picture.Width()));
     Clear();
 }
 
 void CPicturePanel::AskHeight()
 {
+    if (m_Host.Refused(m_Host.WhyNotFree())) return;
     SetHeight(AskSize(m_Widgets.pHeight, QStringLiteral("Workpiece Height"), HEIGHT_LABEL, m_Picture.Height()));
     Clear();
 }

@@ -43,7 +43,10 @@ void CSpindlePanel::SetUp(QWidget* pFrame)
 
 void CSpindlePanel::Toggle(eDirection eDir, QPushButton& button, QPushButton& other, const QString& strName)
 {
-    const bool bOn = m_Host.MachineParts().m_Spindle.Toggle(eDir);
+    CSpindle& spindle = m_Host.MachineParts().m_Spindle;
+    const bool bOtherTurned = spindle.IsClosed(Opposite(eDir));
+    const bool bOn = spindle.Toggle(eDir);
+    if (bOtherTurned) ShowOutputs();   // both are off now
     button.setStyleSheet(bOn ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
     button.setText(strName + (bOn ? ON : OFF));
     other.setEnabled(!bOn);
@@ -63,8 +66,7 @@ void CSpindlePanel::ToggleCCW()
 
 void CSpindlePanel::ToggleByKey()
 {
-    if (!m_BtnCW.isEnabled()) return m_Host.AddLogMsg(QStringLiteral("Spindle runs CCW"), MSG_ERROR);
-    ToggleCW();
+    ToggleCW();   // counter-clockwise too it goes off
 }
 
 QString CSpindlePanel::NoSpeedControl()
@@ -85,8 +87,10 @@ void CSpindlePanel::SetSpeed(short iStep)
 
 void CSpindlePanel::ChangeSpeed(int iStep)
 {
+    const int iWanted = m_SpindleSpeedBar.GetValue() + iStep;
+    // Up ends at 15, also from above; down goes by one from wherever the bar is.
     const auto iSpeed =
-        static_cast<short>(std::clamp(m_SpindleSpeedBar.GetValue() + iStep, LOWEST_SPEED, HIGHEST_SPEED));
+        static_cast<short>(iStep > 0 ? std::min(iWanted, HIGHEST_SPEED) : std::max(iWanted, LOWEST_SPEED));
     SetSpeed(iSpeed);
     m_SpindleSpeedBar.setValue(iSpeed);
 }
@@ -119,9 +123,21 @@ void CSpindlePanel::ShowStart(qint32 iOperation)
 void CSpindlePanel::ShowEnd(const stOperationEnd& end)
 {
     if (end.iOperation == OP_GCODE) m_SpindleSpeedBar.setEnabled(AppConfig::m_bPWMCtrlUsed);
+    if (IsJob(end.iOperation) && AppConfig::m_bSimulationMode) return ShowOutputs();
     if (!end.bSpindleOff) return;
     Show(m_BtnCW, true, BTN_BKGND_GRAY, SPINDLE_CW + OFF);
     Show(m_BtnCCW, true, BTN_BKGND_GRAY, SPINDLE_CCW + OFF);
+}
+
+void CSpindlePanel::ShowOutputs()
+{
+    const CSpindle& spindle = m_Host.MachineParts().m_Spindle;
+    AppConfig::m_bSpindleOnOffStatusChangeInGCode = false;
+    AppConfig::m_bSpindleOn = spindle.IsClosed(DIR_CW) || spindle.IsClosed(DIR_CCW);
+    Show(m_BtnCW, true, BTN_BKGND_GRAY, SPINDLE_CW + OFF);
+    Show(m_BtnCCW, true, BTN_BKGND_GRAY, SPINDLE_CCW + OFF);
+    if (spindle.IsClosed(DIR_CW)) ShowOn(m_BtnCW, m_BtnCCW, SPINDLE_CW);
+    if (spindle.IsClosed(DIR_CCW)) ShowOn(m_BtnCCW, m_BtnCW, SPINDLE_CCW);
 }
 
 // "Off" in lower case and only here: wanted, it tells a tool change from a spindle that was switched off.

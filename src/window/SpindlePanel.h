@@ -23,7 +23,7 @@ public:
     // ---- The operator's ----
     void ToggleCW();
     void ToggleCCW();
-    void ToggleByKey();            // clockwise, where its button is on
+    void ToggleByKey();            // clockwise, or off
     void SetSpeed(short iStep);    // 1 to 24, or refused
     void ChangeSpeed(int iStep);   // by a key; the bar follows
     void EnableSpeed(bool bEnable);
@@ -33,6 +33,7 @@ public:
     void ShowStart(qint32 iOperation);   // of an operation
     void ShowEnd(const stOperationEnd& end);
     void ShowToolChange();
+    void ShowOutputs();     // what the relays are: behind a simulation nothing is shown that was simulated
     void FollowProgram();   // where it has switched the spindle
 
 private:

@@ -80,11 +80,12 @@ void CStartStop::PressStart()
     if (const QString strWhy = CSupervision::WhyNotReleased(); !strWhy.isEmpty()) return RefuseStart(strWhy);
     if (!machine.IsMachineIdle()) return RefuseStart(MACHINE_IN_USE);
     if (machine.m_bExecSingleLine) return RefuseStart(QString());
-    if (const QString strWhy = m_Screens.WhyNotStart(); !strWhy.isEmpty()) return RefuseStart(strWhy);
-    if (machine.m_eOperation != OP_NONE) {
+    if (machine.m_eOperation != OP_NONE) {   // from whatever screen: what is shown says what a start would begin
         machine.Resume();
         m_bJogPanelTaken = true;
         m_Host.EnableJogPanel(false);
+    } else if (const QString strWhy = m_Screens.WhyNotStart(); !strWhy.isEmpty()) {
+        return RefuseStart(strWhy);
     } else if (!m_Screens.StartShown()) {
         return RefuseStart(QString());
     }
@@ -149,9 +150,21 @@ void CStartStop::PressStop()
 
 void CStartStop::ReleaseStop()
 {
-    if (CSupervision::ReleaseEmergencyStop()) return;
-    m_Host.AddLogMsg(QStringLiteral("Emergency Stop input is High"), MSG_ERROR);
+    const QString strWhy = m_Supervision.ReleaseEmergencyStop();
+    if (strWhy.isEmpty()) return;
+    m_Host.AddLogMsg(strWhy, MSG_ERROR);
     m_Widgets.stop.SetPressed();
+}
+
+// What throws again in the showing is no reason to go on: the flag stands and the axes have been told by then.
+void CStartStop::StopForGood()
+{
+    m_Widgets.stop.SetPressed();
+    try {
+        m_fnShowEnd(m_Supervision.StopForGood());
+    } catch (...) {
+        m_Host.AddLogMsg(QStringLiteral("Stop Function throw the error"), MSG_ERROR);
+    }
 }
 
 // The latch is drawn first: with the input still high the stop stays in force and the button down.
@@ -185,9 +198,10 @@ void CStartStop::PressPlainStart()
     AppControl& machine = m_Host.Machine();
     QPushButton& button = m_Widgets.startPause;
     button.setStyleSheet(BTN_BKGND_GRAY);
-    if (machine.m_bExecSingleLine || m_Screens.AreSettingsShown())
+    const bool bStart = machine.m_eOperation == OP_NONE;
+    if (machine.m_bExecSingleLine || (bStart && m_Screens.AreSettingsShown()))
         return m_Host.ResetBtnBkGnd(&button, BTN_BKGND_START);
-    if (machine.m_eOperation == OP_NONE) {
+    if (bStart) {
         const QString strWhy = m_Screens.WhyNotStart();
         m_Host.AddLogMsg(strWhy, MSG_ERROR);
         if (!strWhy.isEmpty() || !m_Screens.StartShown()) return m_Host.ResetBtnBkGnd(&button, BTN_BKGND_START);

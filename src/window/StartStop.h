@@ -43,6 +43,7 @@ public:
     void ReleaseStop();
     void ToggleStop();   // by a key
     void WatchStopInput();
+    void StopForGood();   // behind an unknown error; nothing releases it
 
     void ShowIdle();   // no operation runs
     // Springs back 100 ms from now, unless its press has succeeded meanwhile.

@@ -101,8 +101,8 @@ TEST_F(ThreadsWorker, AResetOfAPausedJobAbandonsItAndTheAxesStillJog)
     ASSERT_TRUE(Becomes([] { return CVirtualPins::Level(AppConfig::m_iPgmStatusOutput) == 1; }));
     m_App.StopAll();
     m_App.m_eOperation = OP_NONE;
-    ASSERT_TRUE(m_App.MoveAbs(Y_AXIS, 0.05));
     EXPECT_TRUE(WorkerEnded());
+    ASSERT_TRUE(m_App.MoveAbs(Y_AXIS, 0.05));
     EXPECT_TRUE(Becomes([&] { return m_App.IsMachineIdle(); }));
     EXPECT_EQ(m_App.GetCurPos(X_AXIS), 0.0);
     EXPECT_EQ(m_App.GetCurPos(Y_AXIS), 0.05);

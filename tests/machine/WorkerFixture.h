@@ -28,6 +28,7 @@ public:
     void OnOperationFinish() override { m_lstCalls += QStringLiteral("finish"); }
     void UpdateWorkArea() override { m_lstCalls += QStringLiteral("area"); }
     void AddLogMsg(const QString& strMsg, eAppMsgType) override { m_lstCalls += strMsg; }
+    void ShowCriticalBox(const QString&, const QString& strText) override { m_lstCalls += strText; }
     QStringList m_lstCalls;
 };
 

@@ -8,6 +8,10 @@ class CLoggedScreen : public COperatorScreen
 {
 public:
     CLoggedScreen() { COperatorScreen::Set(this); }
+    void EnableDisableWindows() override {}
+    void ClearToolGraphics() override {}
+    void OnOperationFinish() override {}
+    void UpdateWorkArea() override {}
     void AddLogMsg(const QString& strMsg, eAppMsgType eType) override
     {
         m_lstLog += QStringLiteral("%1 %2").arg(int(eType)).arg(strMsg);

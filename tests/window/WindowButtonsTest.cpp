@@ -156,11 +156,11 @@ TEST_P(MachineButton, RefusesInItsOrderAndTurnsGray)
     EXPECT_FALSE(AppConfig::m_bSimulationMode);
 }
 INSTANTIATE_TEST_SUITE_P(All, MachineButton,
-                         testing::Values(stRefusal{"Btn_SetWorkZero", false, true, true},
+                         testing::Values(stRefusal{"Btn_SetWorkZero", true, true, true},
                                          stRefusal{"Btn_MoveWorkZero", true, true, true},
                                          stRefusal{"Btn_MoveZSafePos", true, true, false},
                                          stRefusal{"Btn_SetZ0WithZProbe", true, true, true},
-                                         stRefusal{"Btn_SimulationMode", false, true, true},
+                                         stRefusal{"Btn_SimulationMode", true, true, true},
                                          stRefusal{"Btn_MoveWorkHome_X", true, true, false, "Axis in use"},
                                          stRefusal{"Btn_MoveWorkHome_Y", true, true, false, "Axis in use"},
                                          stRefusal{"Btn_MoveWorkHome_Z", true, true, false, "Axis in use"}));
@@ -179,6 +179,16 @@ TEST_F(WindowButtons, SetTheWorkZeroWhenItIsConfirmed)
     TouchButton("Btn_SetWorkZero");
     EXPECT_EQ(Machine().GetCurPos(Y_AXIS), 0.0);
     ExpectLogged("Work Zero is set");
+    EXPECT_TRUE(TurnsGray("Btn_SetWorkZero"));
+    // Without a question.
+    AppConfig::m_bHomeSensorsUsed = true;
+    Machine().m_AxisCtrl[X_AXIS].SetMchHome();
+    ClearLog();
+    TouchButton("Btn_SetWorkZero");
+    EXPECT_EQ(Log(), QStringList("Homing not done!\nUse \"Move Home\" in user Settings")) << "Y has no home";
+    AppConfig::m_bSimulationMode = true;
+    TouchButton("Btn_SetWorkZero");
+    EXPECT_EQ(Log().value(0), "Not in simulation: it would change the real machine's place");
     EXPECT_TRUE(TurnsGray("Btn_SetWorkZero"));
 }
 
@@ -269,6 +279,7 @@ TEST_F(WindowButtons, KeepTheTruePositionThroughASimulation)
     EXPECT_EQ(Button("Btn_SimulationMode").styleSheet(), BTN_BKGND_GREEN);
     TouchButton("Btn_MoveWorkHome_X");
     EXPECT_TRUE(WaitFor([&] { return Machine().GetCurPos(X_AXIS) == 0.0 && Machine().IsMachineIdle(); }));
+    AppConfig::m_bHomeSensorsUsed = true;   // left without a home all the same
     TouchButton("Btn_SimulationMode");
     EXPECT_FALSE(AppConfig::m_bSimulationMode);
     EXPECT_EQ(Machine().GetCurPos(X_AXIS), 1.25);

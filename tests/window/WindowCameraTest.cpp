@@ -35,6 +35,25 @@ protected:
     std::shared_ptr<stFeed> m_pFeed = std::make_shared<stFeed>();
 };
 
+TEST_F(WindowCamera, AHungOneHoldsNoStopUp)
+{
+    m_pFeed->bHoldOpen = true;
+    Open();
+    std::atomic<bool> bActed = false;
+    std::thread hand([&] {
+        QThread::msleep(100);
+        Carriages().PressEmergencyStop(true);
+        for (int n = 0; n < 1000 && !bActed; ++n) {
+            QThread::msleep(5);
+            bActed = AppConfig::m_bEmergencyStopON;
+        }
+        m_pFeed->goOn.release();
+    });
+    TouchButton("Btn_SelectCamera");   // opening it hangs until the stop has come through
+    hand.join();
+    EXPECT_TRUE(bActed && Round("m_BtnStop").IsPressed());
+}
+
 TEST_F(WindowCamera, TakesThePictureAreaUntilItIsPulledOut)
 {
     m_pFeed->bOpens = false;

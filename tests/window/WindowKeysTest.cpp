@@ -86,7 +86,7 @@ TEST_F(WindowKeys, AJogEndsWhenABoxComesOrTheWindowLosesTheKeyboard)
             EXPECT_TRUE(AllStand());
             Answer(modal, QMessageBox::No);
         });
-        TouchButton("Btn_ClearLog");
+        QMessageBox::question(&Window(), "Question", "?", QMessageBox::Yes | QMessageBox::No);
     }
     Key(Qt::Key_6, false);
     Window().activateWindow();
@@ -178,6 +178,11 @@ TEST_F(WindowKeys, ChangeFeedAndSpeedWithinTheirBounds)
     EXPECT_EQ(pwm.iCurFreq, pwm.iMinFreq + 14 * pwm.iFreqStep);
     for (int n = 0; n < 16; ++n) TapKey(Qt::Key_Slash);
     EXPECT_EQ(Bar("m_SpindleSpeedBar").GetValue(), 1);
+    for (const auto& [eKey, iStep] : {std::pair(Qt::Key_Slash, 23), {Qt::Key_Asterisk, 15}}) {
+        Bar("m_SpindleSpeedBar").setValue(24);   // by touch
+        TapKey(eKey);
+        EXPECT_EQ(Bar("m_SpindleSpeedBar").GetValue(), iStep);
+    }
     AppConfig::m_GCodeRunSettings.bUsePrgmSpindleSpeed = true;
     ClearLog();
     TapKey(Qt::Key_Asterisk);
@@ -195,7 +200,10 @@ TEST_F(WindowKeys, SwitchTheSpindleButNeverBothWays)
     TouchButton("Btn_SpindleCCWOnOff");
     TapKey(Qt::Key_Minus);
     EXPECT_EQ(CVirtualPins::Level(iCW), 0);
-    EXPECT_TRUE(AppConfig::m_bSpindleOn && Logged("Spindle runs CCW"));
+    EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[4]), 0) << "it turned, so it goes off";
+    EXPECT_FALSE(AppConfig::m_bSpindleOn);
+    EXPECT_TRUE(Button("Btn_SpindleCWOnOff").isEnabled() && Button("Btn_SpindleCCWOnOff").isEnabled());
+    EXPECT_EQ(Button("Btn_SpindleCCWOnOff").text(), "Spindle\nCCW OFF");
 }
 
 TEST_F(WindowKeys, LightStartAndAreRefusedWhileAnOperationRuns)
@@ -217,6 +225,27 @@ TEST_F(WindowKeys, LightStartAndAreRefusedWhileAnOperationRuns)
     Machine().m_eOperation = OP_NONE;
     TapKey(Qt::Key_6);
     EXPECT_TRUE(MovesTo(X_AXIS, 0.05)) << "toggled once, not again by the release";
+}
+
+TEST_F(WindowKeys, SetNoZeroOfAMachineThatIsNotHomedAndMoveNothingBehindAStop)
+{
+    AppConfig::m_bHomeSensorsUsed = true;
+    Open();
+    Machine().m_AxisCtrl[X_AXIS].SetMchHome();
+    PlaceAll(0.2);
+    for (const Qt::Key eKey : {Qt::Key_1, Qt::Key_5, Qt::Key_7}) {
+        ClearLog();
+        Key(eKey);
+        ExpectLogged("Homing not done!\nUse \"Move Home\" in user Settings");
+        Key(eKey, false);
+    }
+    AppConfig::m_bEmergencyStopON = true;
+    for (const Qt::Key eKey : {Qt::Key_1, Qt::Key_7, Qt::Key_6}) {
+        ClearLog();
+        TapKey(eKey);
+        EXPECT_EQ(Log(), QStringList("Release Emergency Switch"));
+    }
+    EXPECT_EQ(Positions(), QList<double>({0.2, 0.2, 0.2}));
 }
 
 // The figures go to what is open, and the machine stands.

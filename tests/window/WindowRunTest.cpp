@@ -1,5 +1,6 @@
 #include "motion/AllAxisCtrl.h"
 #include "widgets/ButtonStyle.h"
+#include "widgets/DlgKeyPad.h"
 #include "window/WindowSupport.h"
 
 namespace {
@@ -202,9 +203,9 @@ TEST_P(EmergencyStop, EndsThePulsesAndTheJob)
             Click(pBox ? *pBox->button(QMessageBox::No) : Child(modal, "Btn_Cancel"));
         });
         if (GetParam().state == BOX_OPEN)
-            TouchButton("Btn_ClearLog");
+            QMessageBox::question(&Window(), "Question", "?", QMessageBox::Yes | QMessageBox::No);
         else
-            Window().OpenKeypad(nullptr, "Keypad", "", "1", {}, false, 2);
+            CDlgKeyPad(&Window()).exec();
     } else {
         Stop();
     }
@@ -289,14 +290,96 @@ TEST_F(WindowRun, TheStopEndsAJog)
     TouchUp(Button("Btn_JogEast"), QPoint(5, 5));
 }
 
-// Closing the window in the middle of a job leaves nothing behind.
-TEST_F(WindowRun, ClosingStopsTheMachine)
+TEST_F(WindowRun, TheStatusOutputFallsAheadOfAllElseAtAStop)
 {
     Open();
     Hold({"G1 X30"});
     StartByTouch();
     ASSERT_TRUE(WaitFor([&] { return Carriages().Carriage(X_AXIS) > 50; }));
+    std::vector<bool> running;
+    const CPinWatch watch(Carriages(), [&](int iPin, int iLevel) {
+        if (iPin == AppConfig::m_iPgmStatusOutput && iLevel == 0 && QThread::currentThread() == Window().thread())
+            running.push_back(CAllAxisCtrl::m_bAutoMode);
+    });
+    Touch(Round("m_BtnStop"));
+    EXPECT_EQ(running, std::vector<bool>({true, false})) << "and again at the end";
+    EXPECT_TRUE(WaitIdle());
+}
+
+TEST_F(WindowRun, AnUnknownErrorStopsTheMachineForGood)
+{
+    AppConfig::m_bAutoSpindleOnCW = AppConfig::m_bAutoSpindleOff = true;
+    Open();
+    Hold({"G1 X0.01"});
+    int iThrows = 1;
+    const CPinWatch watch(Carriages(), [&](int iPin, int iLevel) {
+        const bool bRelay = iPin == AppConfig::m_lstMCodesPin[3] && iLevel == 0;
+        if (bRelay && iThrows-- > 0) throw std::runtime_error("of a pin");
+    });
+    StartByTouch();
+    ExpectLogged("Unknown error");
+    EXPECT_EQ(Machine().m_eOperation, OP_NONE);
+    EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[3]), 0);
+    EXPECT_TRUE(AppConfig::m_bEmergencyStopON && Round("m_BtnStop").IsPressed());
+    Touch(Round("m_BtnStop"));
+    EXPECT_EQ(Log().value(0), "Unknown error: restart the program");
+    EXPECT_TRUE(AppConfig::m_bEmergencyStopON && Round("m_BtnStop").IsPressed());
+    Touch(Round("m_BtnStart"));
+    EXPECT_EQ(Log().value(0), "Release Emergency Switch");
+}
+
+TEST_F(WindowRun, APausedOperationIsResumedFromTheSettings)
+{
+    Open();
+    Hold({"G1 X0.1", "G1 X0"});
+    StartByTouch();
+    Touch(Round("m_BtnPause"));
+    EXPECT_TRUE(WaitFor([&] { return AllStands(); }));
+    TouchButton("Btn_GCode");
+    Window().on_Btn_UserSettings_clicked();
+    Touch(Round("m_BtnStart"));
+    EXPECT_FALSE(Machine().m_bPause);
+    ExpectLogged("G-Code execution finished");
+}
+
+// Closing the window in the middle of a job leaves nothing behind.
+TEST_F(WindowRun, ClosingStopsTheMachine)
+{
+    Open();
+    Hold({"G1 X30"});
+    TouchButton("Btn_SpindleCWOnOff");
+    StartByTouch();
+    ASSERT_TRUE(WaitFor([&] { return Carriages().Carriage(X_AXIS) > 50; }));
+    CVirtualPins::SetInput(AppConfig::m_lstMCodesPin[7], 1);
     Close();
     EXPECT_FALSE(CAllAxisCtrl::m_bAutoModeRunning);
+    EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[3]), 0);
+    EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[7]), 0);
+}
+
+TEST_F(WindowRun, AsksBeforeItClosesOverAJobInABoxWithAStop)
+{
+    Open();
+    Hold({"G1 X30"});
+    StartByTouch();
+    {
+        CAnswer no(QMessageBox::No);
+        Window().close();
+        EXPECT_TRUE(Window().isVisible() && Machine().m_eOperation == OP_GCODE);
+    }
+    {
+        CAnswer stop([](QWidget& modal) {
+            for (QPushButton* pButton : modal.findChildren<QPushButton*>())
+                if (pButton->text() == "Stop") return Click(*pButton);
+        });
+        Window().close();
+        EXPECT_TRUE(Window().isVisible() && Round("m_BtnStop").IsPressed());
+    }
+    EXPECT_TRUE(AppConfig::m_bEmergencyStopON && Machine().m_eOperation == OP_NONE);
+    Machine().m_eOperation = OP_GCODE;
+    QEvent quit(QEvent::Quit);   // as behind a signal: nothing is asked
+    static_cast<QObject&>(Window()).eventFilter(qApp, &quit);
+    Window().close();
+    EXPECT_FALSE(Window().isVisible());
 }
 }   // namespace

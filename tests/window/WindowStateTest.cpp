@@ -90,6 +90,23 @@ TEST_P(WindowState, LeavesWhatItHasNotTaken)
     EXPECT_TRUE(Bar("m_SpindleSpeedBar").isEnabled());
 }
 
+// Neither a jog nor a box without a Stop comes in between.
+TEST_P(WindowState, RefusesJogsAndBoxes)
+{
+    Open();
+    EnterOperation();
+    for (const auto& [strButton, strWhy] : {std::pair(QString("Btn_JogEast"), QString("Axis in use")),
+                                            {"Btn_SaveLog", "Machine in use"},
+                                            {"Btn_ClearLog", "Machine in use"},
+                                            {"Btn_SetWorkPieceWidth", "Machine in use"}}) {
+        if (!Button(strButton).isEnabled()) continue;
+        ClearLog();
+        TouchButton(strButton);
+        EXPECT_EQ(Log(), QStringList(strWhy)) << strButton.toStdString();
+    }
+    EXPECT_TRUE(Machine().IsMachineIdle());
+}
+
 // The relays follow the settings at the end of a job, and of no other operation.
 TEST_P(WindowState, ShowsAndStopsTheAutomaticSpindle)
 {
@@ -124,9 +141,25 @@ class Window_ : public CWindowTest
 {
 };
 
+TEST_F(Window_, ShowsNoSpindleOfASimulatedJobBehindItsEnd)
+{
+    Open();
+    AppConfig::m_bAutoSpindleOnCW = AppConfig::m_bSimulationMode = true;
+    Machine().m_eOperation = OP_GCODE;
+    Window().EnableDisableWindows();
+    EXPECT_EQ(Button("Btn_SpindleCWOnOff").text(), "Spindle\nCW ON");
+    Window().OnOperationFinish();
+    EXPECT_EQ(Button("Btn_SpindleCWOnOff").text(), "Spindle\nCW OFF");
+    EXPECT_TRUE(Button("Btn_SpindleCCWOnOff").isEnabled() && !AppConfig::m_bSpindleOn);
+}
+
 TEST_F(Window_, TakesCallsFromOtherThreadsAndDropsAnEndThatComesLate)
 {
     Open();
+    AppConfig::m_bHomeSensorsUsed = true;
+    AppConfig::m_fAxisPosDirLimit[X_AXIS] = 345.0;
+    std::thread([this] { Window().UpdateWorkArea(); }).join();   // a probe has set a work zero
+    EXPECT_TRUE(WaitFor([this] { return Button("Btn_WorkAreaLength").text() == "345\nLength"; }));
     ClearLog();
     Machine().m_eOperation = OP_Z_PROFILE;
     Window().EnableDisableWindows();
@@ -195,6 +228,31 @@ TEST_F(Window_, PausesForAToolChangeAndLendsThePanel)
     EXPECT_TRUE(panel.isEnabled());
 }
 
+TEST_F(Window_, DropsAToolChangeThatAStopHasOvertaken)
+{
+    Open();
+    for (const bool bStop : {false, true}) {
+        AppConfig::m_bEmergencyStopON = bStop;
+        Machine().m_eOperation = bStop ? OP_GCODE : OP_NONE;
+        AppConfig::m_bSpindleOn = Machine().m_bToolChangePause = true;
+        Window().OnTimer();
+        EXPECT_FALSE(Machine().m_bToolChangePause || Machine().m_bPause);
+        EXPECT_TRUE(AppConfig::m_bSpindleOn);
+    }
+}
+
+TEST_F(Window_, TellsATickThatComesLateAtMostOnceASecond)
+{
+    Open();
+    ClearLog();
+    for (int n = 0; n < 3; ++n) {
+        QThread::msleep(150);
+        Window().OnTimer();
+    }
+    const auto lines = Child<QListWidget>(Window(), "LV_Log").findItems("Supervision was late by", Qt::MatchContains);
+    EXPECT_EQ(lines.size(), 1);
+}
+
 TEST_F(Window_, StartInputShowsTheProgramAndLightsStartOnly)
 {
     Open();
@@ -221,6 +279,18 @@ TEST_F(Window_, StartInputShowsTheProgramAndLightsStartOnly)
 }
 
 // ---- Start-up ----
+
+TEST_F(Window_, StartsStoppedWhereTheInputIsHigh)
+{
+    AppConfig::m_bHomeSensorsUsed = AppConfig::m_bAutoHmOnStartup = m_bStopHighAtStart = true;
+    Open();
+    ExpectLogged("Emergency Stop Triggered");
+    ExpectLogged("Homing at start not begun: Emergency Stop input is High");
+    EXPECT_TRUE(AppConfig::m_bEmergencyStopON && Round("m_BtnStop").IsPressed());
+    EXPECT_EQ(Machine().m_eOperation, OP_NONE);
+    Carriages().PressEmergencyStop(false);
+    EXPECT_TRUE(WaitFor([&] { return !AppConfig::m_bEmergencyStopON && !Round("m_BtnStop").IsPressed(); }));
+}
 
 TEST_F(Window_, HomesAtStartUpAndRoundsTheOverride)
 {

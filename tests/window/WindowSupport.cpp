@@ -39,6 +39,7 @@ MainWindow& CWindowTest::Open()
     machine.iStartPin = AppConfig::m_iPgmStartInput;
     m_pMachine = std::make_unique<CVirtualMachine>(machine);
     CVirtualPins::SetObserver(m_pMachine.get());
+    if (m_bStopHighAtStart) m_pMachine->PressEmergencyStop(true);
 
     m_pWindow = std::make_unique<MainWindow>();
     ShowWindow(*m_pWindow);
@@ -64,7 +65,7 @@ QStringList CWindowTest::Log() const
     const auto& list = Child<QListWidget>(*m_pWindow, "LV_Log");
     QStringList texts;
     for (int row = 0; row < list.count(); ++row) texts += list.item(row)->text().section(']', 1);
-    return texts;
+    return texts.filter(QRegularExpression(QStringLiteral("^(?!Supervision was late)")));
 }
 
 void CWindowTest::ExpectLogged(const QString& strText)

@@ -13,6 +13,27 @@ inline void Answer(QWidget& modal, QMessageBox::StandardButton eButton)   // a m
     Click(*qobject_cast<QMessageBox*>(&modal)->button(eButton));
 }
 
+// Sees every write ahead of the machine, on the thread that writes; while it lives.
+class CPinWatch : public CPinObserver
+{
+public:
+    CPinWatch(CVirtualMachine& machine, std::function<void(int iPin, int iLevel)> fnOnWrite)
+        : m_Machine(machine), m_fnOnWrite(std::move(fnOnWrite))
+    {
+        CVirtualPins::SetObserver(this);
+    }
+    ~CPinWatch() override { CVirtualPins::SetObserver(&m_Machine); }
+    void OnWrite(int iPin, int iLevel) override
+    {
+        m_fnOnWrite(iPin, iLevel);
+        m_Machine.OnWrite(iPin, iLevel);
+    }
+
+private:
+    CVirtualMachine& m_Machine;
+    std::function<void(int, int)> m_fnOnWrite;
+};
+
 // The window on the virtual machine, with real threads and a real clock. Settings made before Open are those of its
 // configuration file.
 class CWindowTest : public CCleanMachine
@@ -41,7 +62,7 @@ protected:
         Key(iKey, false);
     }
 
-    // Log texts without their times, newest first.
+    // Log texts without their times, newest first, but for the lateness of ticks, which is the computer's.
     QStringList Log() const;
     bool Logged(const QString& strText) const { return Log().contains(strText); }
     void ExpectLogged(const QString& strText);   // waits for it
@@ -53,6 +74,7 @@ protected:
     bool WaitIdle(int iLimitMs = 30000);
     static int StatusOutput();
 
+    bool m_bStopHighAtStart = false;   // the input, before the window is there
     std::unique_ptr<CVirtualMachine> m_pMachine;
     std::unique_ptr<MainWindow> m_pWindow;
 };

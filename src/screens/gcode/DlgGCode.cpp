@@ -1,64 +1,53 @@
 #include "screens/gcode/DlgGCode.h"
 
+#include "common/Paths.h"
 #include "common/Refusals.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
+#include "gcode/ExecStatus.h"
+#include "screens/dxf/DlgDxfToGCode.h"
 #include "screens/gcode/DlgGCodeSettings.h"
 #include "screens/host/PressedBtn.h"
+#include "screens/host/SettingsInput.h"
 #include "ui_DlgGCode.h"
 #include "widgets/ButtonStyle.h"
+#include "widgets/DlgTextPad.h"
 #include "widgets/Look.h"
 
+#include <QFile>
 #include <QLabel>
-#include <QPainter>
-#include <QStyledItemDelegate>
 #include <QThread>
+#include <QTimer>
 #include <QWheelEvent>
 #include <QtConcurrent>
 
 #include <algorithm>
 #include <cmath>
 
-static constexpr int LINE_ROLE = Qt::UserRole;
-static constexpr int ROW_HEIGHT = 22, NUMBER_WIDTH = 66;   // pixels
-static const QColor FAULTY(255, 150, 0);                   // as errors in the log
+static QString NoLineSelected()
+{
+    return QStringLiteral("Select a G-Code line first");
+}
 
 static QString NothingLoaded()
 {
     return QStringLiteral("No G-Code Loaded");
 }
 
-namespace {
-// A line of the program with its number before it.
-class CNumberedRow : public QStyledItemDelegate
+static std::unique_ptr<Ui::CdlgGCode> SetUp(QDialog* pDialog)
 {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    void paint(QPainter* pPainter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
-    {
-        QRect number = option.rect;
-        number.setWidth(NUMBER_WIDTH - 6);
-        pPainter->setPen(QColor(150, 150, 150));
-        pPainter->setFont(option.font);
-        pPainter->drawText(number, Qt::AlignRight | Qt::AlignVCenter, index.data(LINE_ROLE).toString());
-        QStyleOptionViewItem text = option;
-        text.rect.setLeft(option.rect.left() + NUMBER_WIDTH);
-        QStyledItemDelegate::paint(pPainter, text, index);
-    }
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override
-    {
-        return {option.rect.width(), ROW_HEIGHT};
-    }
-};
-}   // namespace
+    auto pUi = std::make_unique<Ui::CdlgGCode>();
+    pUi->setupUi(pDialog);
+    return pUi;
+}
 
-CdlgGCode::CdlgGCode(QWidget* pParent) : QDialog(pParent), m_pUi(std::make_unique<Ui::CdlgGCode>())
+CdlgGCode::CdlgGCode(QWidget* pParent)
+    : QDialog(pParent), m_pUi(SetUp(this)), m_View(*m_pUi, [this] { return IsCompiling(); }),
+      m_File(*this, *m_pUi->LE_GCodeFile)
 {
-    m_pUi->setupUi(this);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
     for (QLabel* pLabel : {m_pUi->Hdg_Program, m_pUi->Hdg_Lines, m_pUi->Hdg_Check, m_pUi->Hdg_Run})
         pLabel->setStyleSheet(CLook::HEADING_STYLE);
-    m_pUi->LW_GcodeCommands->setItemDelegate(new CNumberedRow(m_pUi->LW_GcodeCommands));
     // The running line is shown in the closed field: it must be read from afar.
     m_pUi->LE_GCodeCmnds->setStyleSheet(QStringLiteral("QLineEdit:disabled {color: rgb(230, 230, 230);}"));
     m_pUi->LE_GCodeCmnds->installEventFilter(this);
@@ -75,10 +64,9 @@ CdlgGCode::~CdlgGCode()
 void CdlgGCode::ConfigSettings()
 {
     m_bToolChgCompiling = false;
-    m_strFile.clear();
-    m_iFirstRow = 0;
-    m_iCurErrLine = 0;
-    m_bEdited = m_bSingleLineRun = false;
+    m_File.Take({});
+    m_View.Begin();
+    m_bSingleLineRun = false;
     SetEditMode(false);
     // Directly on the worker's thread, where the slot's queue is kept at one call.
     disconnect(m_RunningLine);
@@ -86,7 +74,6 @@ void CdlgGCode::ConfigSettings()
         &Host().Machine(), &AppControl::SelNxtGCodeLine, this, [this](unsigned uLine) { OnRunningLine(uLine); },
         Qt::DirectConnection);
     m_pUi->Btn_UseZProfile->setStyleSheet(AppConfig::m_bUseZProfile ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
-    ShowFile();
     ShowStartLine();
 }
 
@@ -113,14 +100,22 @@ bool CdlgGCode::IsCompiling() const
     return m_bGCodeCompiling || m_bProgramExchanged || m_CompileTask.isRunning();
 }
 
-QString CdlgGCode::WhyBusy() const
+QString CdlgGCode::WhyInUse() const
 {
     return CGCodeEditor::WhyBusy(m_CompileTask.isRunning(), IsProgramRunning());
 }
 
+QString CdlgGCode::WhyBusy() const
+{
+    const QString strWhy = WhyInUse();
+    // A worker that was given up may still sleep in a line of the program.
+    return strWhy.isEmpty() && !Host().IsMachineFree() ? MACHINE_IN_USE : strWhy;
+}
+
 QString CdlgGCode::WhyNoRun(const QString& strNoProgram) const
 {
-    if (const QString strBusy = WhyBusy(); !strBusy.isEmpty()) return strBusy;
+    // Whether the axes are free is asked where the run begins.
+    if (const QString strBusy = WhyInUse(); !strBusy.isEmpty()) return strBusy;
     if (CGCodeEditor::LineCount() == 0) return strNoProgram;
     if (!m_CompilationErrors.empty()) return QStringLiteral("Fix Compilation errors");
     return Host().WhyNotHomed();
@@ -128,60 +123,9 @@ QString CdlgGCode::WhyNoRun(const QString& strNoProgram) const
 
 // ---- View -----------------------------------------------------------------------------------------------------------
 
-void CdlgGCode::FillRows(qint32 iPlace)
-{
-    const CGCodeEditor::stRows rows = CGCodeEditor::RowsAt(iPlace);
-    m_iFirstRow = rows.iFirst;
-    QListWidget& list = *m_pUi->LW_GcodeCommands;
-    list.clear();
-    for (qint32 iLine = rows.iFirst; iLine < rows.iEnd; ++iLine) {
-        auto* pItem = new QListWidgetItem(m_lstOfGCodeLines[static_cast<size_t>(iLine)], &list);
-        pItem->setData(LINE_ROLE, iLine);
-        if (!IsCompiling() && m_CompilationErrors.contains(static_cast<quint32>(iLine))) pItem->setForeground(FAULTY);
-    }
-}
-
 void CdlgGCode::on_VS_ForGCodeScrolling_valueChanged(int iValue)
 {
-    FillRows(iValue);
-}
-
-void CdlgGCode::ShowFrom(qint32 iPlace)
-{
-    FillRows(iPlace);
-    const QSignalBlocker quiet(m_pUi->VS_ForGCodeScrolling);
-    m_pUi->VS_ForGCodeScrolling->setValue(m_iFirstRow);
-}
-
-void CdlgGCode::SetScrollMaximum(qint32 iMaximum)
-{
-    const QSignalBlocker quiet(m_pUi->VS_ForGCodeScrolling);
-    m_pUi->VS_ForGCodeScrolling->setMaximum(std::max(0, iMaximum));
-}
-
-qint32 CdlgGCode::CurrentLine() const
-{
-    const int iRow = m_pUi->LW_GcodeCommands->currentRow();
-    return iRow < 0 ? -1 : m_iFirstRow + iRow;
-}
-
-void CdlgGCode::BringIntoView(qint32 iLine)
-{
-    const CGCodeEditor::stRows rows = CGCodeEditor::RowsAt(m_iFirstRow);
-    if (!rows.Holds(iLine)) ShowFrom(CGCodeEditor::PlaceWith(iLine, rows));
-}
-
-void CdlgGCode::SelectLine(qint32 iLine)
-{
-    BringIntoView(iLine);
-    m_pUi->LW_GcodeCommands->setCurrentRow(iLine - m_iFirstRow);
-    ShowField(CGCodeEditor::Field(iLine));
-}
-
-void CdlgGCode::ShowField(const QString& strField)
-{
-    m_pUi->LE_GCodeCmnds->setText(strField);
-    m_pUi->LE_GCodeCmnds->setCursorPosition(0);
+    m_View.FillRows(iValue);
 }
 
 // A program may run through lines faster than a screen can show them: of those that wait, only the newest counts.
@@ -204,41 +148,18 @@ void CdlgGCode::SetCurGCodeLine(unsigned int uLine)
     if (uLine == 0 || uLine > static_cast<unsigned>(CGCodeEditor::LineCount())) return;
     // The line before: wanted, the worker reads one move ahead of the axes.
     const auto iLine = static_cast<qint32>(uLine - 1);
-    if (!m_bSingleLineRun) return SelectLine(iLine);
-    // The row that the next press executes stays the operator's choice.
-    const int iRow = m_pUi->LW_GcodeCommands->currentRow();
-    BringIntoView(iLine);
-    m_pUi->LW_GcodeCommands->setCurrentRow(iRow);
-    ShowField(CGCodeEditor::Field(iLine));
+    if (m_bSingleLineRun)
+        m_View.ShowExecuted(iLine);   // the row that the next press executes stays the operator's choice
+    else
+        m_View.SelectLine(iLine);
 }
 
 void CdlgGCode::on_LW_GcodeCommands_itemClicked(QListWidgetItem* pItem)
 {
     if (IsProgramRunning()) return;
-    const qint32 iLine = CurrentLine();
-    ShowField(QStringLiteral("[%1]").arg(iLine) + pItem->text());
-    ShowErrorsOf(iLine);
-}
-
-void CdlgGCode::ShowErrorsOf(qint32 iLine)
-{
-    m_pUi->LW_GCodeCompileErrors->clear();
-    if (IsCompiling()) return;
-    const QString strErrors = CGCodeEditor::ErrorText(static_cast<quint32>(iLine));
-    if (!strErrors.isEmpty())
-        m_pUi->LW_GCodeCompileErrors->addItems({QStringLiteral("Unsupported commands:"), strErrors});
-}
-
-void CdlgGCode::ShowErrorCount()
-{
-    QLabel& label = *m_pUi->LBL_GCodeCompileErrorCount;
-    label.setText(QString::number(m_CompilationErrors.size()));
-    label.setStyleSheet(m_CompilationErrors.empty() ? QString() : QStringLiteral("color: ") + FAULTY.name());
-}
-
-void CdlgGCode::ShowFile()
-{
-    m_pUi->LE_GCodeFile->setText(m_strFile.isEmpty() ? QStringLiteral("Unnamed") : m_strFile);
+    const qint32 iLine = m_View.CurrentLine();
+    m_View.ShowField(QStringLiteral("[%1]").arg(iLine) + pItem->text());
+    m_View.ShowErrorsOf(iLine);
 }
 
 void CdlgGCode::ShowStartLine()
@@ -271,45 +192,29 @@ void CdlgGCode::on_GCode_Compile_Complete()
     Host().AddLogMsg(QStringLiteral("G-Code Compilation Completed"), MSG_INFO);
     if (!m_strStickFile.isEmpty()) Host().AddLogMsg(QStringLiteral("G-Code loaded:") + m_strStickFile, MSG_INFO);
     m_strStickFile.clear();
-    ShowErrorCount();
-    m_pUi->LW_GCodeCompileErrors->clear();
     m_pUi->Btn_CompileGCode->setStyleSheet(BTN_BKGND_GRAY);
-    const int iRow = m_pUi->LW_GcodeCommands->currentRow();
-    FillRows(m_iFirstRow);   // marks the faulty lines
-    m_pUi->LW_GcodeCommands->setCurrentRow(iRow);
-    GoToError(CGCodeEditor::FirstError());
-}
-
-void CdlgGCode::GoToError(std::optional<quint32> uLine)
-{
-    if (!uLine) return;
-    m_iCurErrLine = *uLine;
-    ShowErrorsOf(static_cast<qint32>(*uLine));
-    if (*uLine < static_cast<quint32>(CGCodeEditor::LineCount())) return SelectLine(static_cast<qint32>(*uLine));
-    // Of a tool-change file with more lines than the program: there is none to change here.
-    m_pUi->LW_GcodeCommands->setCurrentRow(-1);
-    m_pUi->LE_GCodeCmnds->clear();
+    m_View.ShowChecked();
 }
 
 void CdlgGCode::on_Btn_GCodeFirstError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeFirstError);
-    if (!IsCompiling()) GoToError(CGCodeEditor::FirstError());
+    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::FirstError());
 }
 void CdlgGCode::on_Btn_GCodePrevError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodePrevError);
-    if (!IsCompiling()) GoToError(CGCodeEditor::ErrorBefore(m_iCurErrLine));
+    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::ErrorBefore(m_View.ErrorLine()));
 }
 void CdlgGCode::on_Btn_GCodeNextError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeNextError);
-    if (!IsCompiling()) GoToError(CGCodeEditor::ErrorBehind(m_iCurErrLine));
+    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::ErrorBehind(m_View.ErrorLine()));
 }
 void CdlgGCode::on_Btn_GCodeLastError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeLastError);
-    if (!IsCompiling()) GoToError(CGCodeEditor::LastError());
+    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::LastError());
 }
 
 // ---- Run ------------------------------------------------------------------------------------------------------------
@@ -322,7 +227,7 @@ bool CdlgGCode::StartGCode()
     SetEditMode(false);
     ResetUI(false);
     Host().ClearToolGraphics();
-    AppConfig::m_GCodeRunSettings.strFile = m_strFile;
+    AppConfig::m_GCodeRunSettings.strFile = m_File.Name();
     return IsOrOpen(Host().Machine().StartGCode(&m_lstOfGCodeCmds));
 }
 
@@ -396,9 +301,270 @@ void CdlgGCode::on_Btn_UseZProfile_clicked()
 void CdlgGCode::on_Btn_GCodeRunSettings_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeRunSettings);
+    if (RefuseMachineInUse(Host())) return;   // over the dialog there is no Stop
     dlgGCodeSettings dialog(parentWidget());
     dialog.ConfigSettings();
     dialog.exec();
+}
+
+static bool IsReadable(const QString& strPath)
+{
+    return QFile(strPath).open(QIODevice::ReadOnly);
+}
+
+// ---- Open -----------------------------------------------------------------------------------------------------------
+
+void CdlgGCode::on_Btn_OpenGCode_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_OpenGCode);
+    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
+    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
+    if (Refused(WhyBusy())) return;
+    if (CGCodeEditor::LineCount() > 0 && !m_File.AskToSave()) return;
+    AppConfig::m_GCodeRunSettings.iCurLine = 0;
+    ShowStartLine();
+    const QString strPath = m_File.AskProgram();
+    if (strPath.isEmpty()) return;
+    RememberProgram(strPath);
+    if (!IsReadable(strPath)) return;   // wanted: nothing is said, and the old program stays
+    TakeProgram(strPath);
+    Host().AddLogMsg(QStringLiteral("Loading G-Code.This may take few seconds based on the G-Code File size"),
+                     MSG_INFO);
+    LoadInBackground(strPath);
+}
+
+void CdlgGCode::LoadInBackground(const QString& strPath)
+{
+    m_bGCodeLoading = true;
+    m_LoadTask = QtConcurrent::run([this, strPath, freed = m_FreeTask]() mutable {
+        freed.waitForFinished();
+        LoadGCode(strPath, this);
+    });
+}
+
+// The status file names the last program opened, even when it never runs.
+void CdlgGCode::RememberProgram(const QString& strPath)
+{
+    AppConfig::m_strLastFolderPath = strPath.left(strPath.lastIndexOf(QLatin1Char('/')) + 1);
+    if (!WriteExecStatus(GCODE_EXEC_STATUS_FILE, strPath, AppConfig::m_GCodeRunSettings.iCurLine))
+        LogError(QStringLiteral("Status File not written"));
+    ShowStartLine();
+}
+
+// The held program goes; the screen bears the name of the one that comes.
+void CdlgGCode::TakeProgram(const QString& strPath)
+{
+    ClearCurGCodeData();
+    m_File.Take(strPath);
+    m_pUi->LE_GCodeCmnds->clear();
+}
+
+void CdlgGCode::on_GCode_Load_Complete()
+{
+    if (m_bGCodeLoading) return;   // of one before: another has begun, which will tell its own end
+    m_View.ShowNew();
+    Host().AddLogMsg(QStringLiteral("G-Code Loaded"), MSG_INFO);
+}
+
+bool CdlgGCode::LoadFromStick(const QString& strPath)
+{
+    if (Refused(WhyBusy())) return false;
+    if (!IsReadable(strPath)) return !Refused(QStringLiteral("G-Code File not readable: ") + strPath);
+    if (!m_File.SaveUnsaved()) return false;
+    AppConfig::m_GCodeRunSettings.iCurLine = 0;
+    RememberProgram(strPath);
+    TakeProgram(strPath);
+    m_strStickFile = strPath;
+    m_bGCodeLoading = true;
+    m_bGCodeCompiling = true;
+    m_CompileTask = QtConcurrent::run([this, strPath, freed = m_FreeTask]() mutable {
+        freed.waitForFinished();
+        LoadGCode(strPath, this);
+        CompileGCode(this);
+    });
+    return true;
+}
+
+// ---- Save -----------------------------------------------------------------------------------------------------------
+
+void CdlgGCode::on_Btn_SaveGCode_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_SaveGCode);
+    if (CGCodeEditor::LineCount() == 0) return;
+    m_File.Save();
+}
+
+void CdlgGCode::on_Btn_SaveAsGCode_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_SaveAsGCode);
+    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
+    SaveGCode();
+}
+
+// ---- New ------------------------------------------------------------------------------------------------------------
+
+void CdlgGCode::on_Btn_NewGCode_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_NewGCode);
+    if (Refused(Host().WhyNotFree()) || CGCodeEditor::LineCount() == 0) return;
+    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
+    if (!m_File.AskToSave()) return;
+    AppConfig::m_GCodeRunSettings.iCurLine = 0;
+    TakeProgram(QString());
+    ShowStartLine();
+}
+
+void CdlgGCode::ClearCurGCodeData()
+{
+    m_FreeTask = CGCodeEditor::Clear();
+    m_View.Clear();
+}
+
+// ---- Drawing --------------------------------------------------------------------------------------------------------
+
+// A drawing becomes the held program. It bears the drawing's name, not that of the file it was written to. A number in
+// the drawing that cannot be read is thrown through here: it must not become a cut.
+void CdlgGCode::on_Btn_OpenDXF_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_OpenDXF);
+    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
+    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
+    if (Refused(WhyBusy())) return;
+    if (CGCodeEditor::LineCount() > 0 && !m_File.AskToSave()) return;
+    const QString strDrawing = m_File.AskDrawing();
+    if (strDrawing.isEmpty()) return;
+    AppConfig::m_strLastFolderPath = strDrawing.left(strDrawing.lastIndexOf(QLatin1Char('/')) + 1);
+    // The run starts at the program's first line, which this button alone counts from 1.
+    AppConfig::m_GCodeRunSettings.iCurLine = 0;
+    m_pUi->Btn_GCodeExecStartLine->setText(QStringLiteral("1\nStart Line"));
+    Host().AddLogMsg(QStringLiteral("Creating G-Code from DXF file"), MSG_INFO);
+
+    dlgDxfToGCode dialog(parentWidget());
+    dialog.m_stSettings.strDxfFile = QFile::encodeName(strDrawing).toStdString();
+    dialog.exec();   // however it is closed, the conversion goes on
+    const QString strProgram =
+        QFile::decodeName(QByteArray::fromStdString(DxfOutputName(dialog.m_stSettings.strDxfFile)));
+    QFile::remove(strProgram);
+    if (CreateGcodeFromDxf(dialog.m_stSettings) != 0) return LogError(QStringLiteral("Not a valid DXF File"));
+
+    TakeProgram(strDrawing);
+    LoadInBackground(strProgram);
+    Host().AddLogMsg(QStringLiteral("G-Code saved at") + m_File.Name(), MSG_INFO);
+}
+
+// ---- Editing --------------------------------------------------------------------------------------------------------
+
+// Line editing. Errors of the last check go with their lines, or a new check is made at once.
+
+void CdlgGCode::SetEditMode(bool bOn)
+{
+    if (bOn != m_bEditMode) Host().GrabKeyboard(!bOn);   // letters go to the edit field
+    m_bEditMode = bOn;
+    m_pUi->LE_GCodeCmnds->setEnabled(bOn);
+    m_pUi->Btn_EditGCode->setStyleSheet(bOn ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
+}
+
+void CdlgGCode::on_Btn_EditGCode_clicked()
+{
+    CPressedBtn press(Host(), m_pUi->Btn_EditGCode);
+    if (CGCodeEditor::LineCount() == 0)
+        LogError(QStringLiteral("No G-Code loaded"));
+    else
+        SetEditMode(!m_bEditMode);
+    press.RestAt(m_bEditMode ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
+}
+
+void CdlgGCode::on_Btn_UpdateGCodeLine_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_UpdateGCodeLine);
+    if (m_pUi->LE_GCodeCmnds->text().isEmpty() || Refused(WhyBusy())) return;
+    if (CGCodeEditor::LineCount() == 0) return InsertLine();
+    const qint32 iLine = m_View.CurrentLine();
+    if (iLine < 0) return LogError(NoLineSelected());
+    m_File.MarkEdited();
+    const QString strText = CGCodeEditor::TextOf(m_pUi->LE_GCodeCmnds->text());
+    CGCodeEditor::Update(iLine, strText);
+    m_pUi->LW_GcodeCommands->currentItem()->setText(strText);
+}
+
+void CdlgGCode::on_Btn_InsertNewGCodeLine_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_InsertNewGCodeLine);
+    InsertLine();
+}
+
+void CdlgGCode::on_Btn_AddNewGCodeLine_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_AddNewGCodeLine);
+    InsertLine();
+}
+
+void CdlgGCode::InsertLine()
+{
+    if (m_pUi->LE_GCodeCmnds->text().isEmpty() || Refused(WhyBusy())) return;
+    const qint32 iLine = m_View.CurrentLine();
+    if (iLine < 0 && CGCodeEditor::LineCount() > 0) return LogError(NoLineSelected());
+    m_File.MarkEdited();
+    CGCodeEditor::InsertBehind(iLine, CGCodeEditor::TextOf(m_pUi->LE_GCodeCmnds->text()));
+    m_View.ShowChange(iLine + 1);
+}
+
+void CdlgGCode::on_Btn_DeleteGCodeLine_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_DeleteGCodeLine);
+    const qint32 iLine = m_View.CurrentLine();
+    if (Refused(WhyBusy()) || CGCodeEditor::LineCount() == 0 || iLine < 0) return;
+    m_File.MarkEdited();
+    CGCodeEditor::Delete(iLine);
+    m_View.StepBack();
+    m_View.ShowChange(std::min(iLine, CGCodeEditor::LineCount() - 1));
+    m_pUi->LE_GCodeCmnds->clear();
+}
+
+void CdlgGCode::on_Btn_MoveGCodeLineUp_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_MoveGCodeLineUp);
+    MoveLine(-1);
+}
+
+void CdlgGCode::on_Btn_MoveGCodeLineDown_clicked()
+{
+    const CPressedBtn press(Host(), m_pUi->Btn_MoveGCodeLineDown);
+    MoveLine(1);
+}
+
+void CdlgGCode::MoveLine(qint32 iStep)
+{
+    const qint32 iLine = m_View.CurrentLine(), iOther = iLine + iStep;
+    if (Refused(WhyBusy()) || iLine < 0 || iOther < 0 || iOther >= CGCodeEditor::LineCount()) return;
+    Swap_GCode_Lines(iLine, iOther);
+    m_View.ShowAgain();
+    m_View.SelectLine(iOther);
+    m_View.ShowErrorsOf(iOther);
+}
+
+void CdlgGCode::Swap_GCode_Lines(qint32 iLine, qint32 iOther)
+{
+    m_File.MarkEdited();
+    CGCodeEditor::Swap(iLine, iOther);
+}
+
+// The keyboard opens behind the release, when the field has done with the press.
+bool CdlgGCode::eventFilter(QObject* pObject, QEvent* pEvent)
+{
+    if (pObject == m_pUi->LE_GCodeCmnds && pEvent->type() == QEvent::MouseButtonRelease && m_bEditMode)
+        QTimer::singleShot(0, this, [this] { EditByTouch(); });
+    return QDialog::eventFilter(pObject, pEvent);
+}
+
+// Only the text of the line: the number before it stays.
+void CdlgGCode::EditByTouch()
+{
+    QLineEdit& field = *m_pUi->LE_GCodeCmnds;
+    const QString strField = field.text();
+    QString strText = CGCodeEditor::TextOf(strField);
+    const QString strNumber = strField.left(strField.size() - strText.size());
+    if (CDlgTextPad::Edit(this, QStringLiteral("G-Code Line"), strText)) field.setText(strNumber + strText);
 }
 
 // ---- Window system --------------------------------------------------------------------------------------------------

@@ -2,6 +2,8 @@
 #include "common/Shared.h"
 #include "gcode/GCodeEditor.h"
 #include "gcode/GCodeStore.h"
+#include "screens/gcode/ProgramFile.h"
+#include "screens/gcode/ProgramView.h"
 #include "screens/host/ScreenHost.h"
 
 #include <QDialog>
@@ -39,8 +41,8 @@ public:
     bool LoadFromStick(const QString& strPath);
 
     void ClearCurGCodeData();
-    bool SaveGCode();            // false: cancelled or refused
-    bool OverWriteGCodeFile();   // false: the disk failed while writing; the old file stands
+    bool SaveGCode() { return m_File.SaveAs(); }
+    bool OverWriteGCodeFile() { return m_File.OverWrite(); }
     void on_GCode_Load_Complete();
     void on_GCode_Compile_Complete();
 
@@ -85,23 +87,13 @@ private:
     CScreenHost& Host() const { return HostOf(*this); }
     void LogError(const QString& strText) { Host().AddLogMsg(strText, MSG_ERROR); }
     bool Refused(const QString& strWhy) { return Host().Refused(strWhy); }
-    QString WhyBusy() const;                               // for editing
+    QString WhyInUse() const;                              // the program
+    QString WhyBusy() const;                               // for editing, and boxes
     QString WhyNoRun(const QString& strNoProgram) const;   // for running
     bool IsProgramRunning() const;
     bool IsCompiling() const;   // then the errors belong to the task
 
     // ---- View ----
-    void FillRows(qint32 iPlace);
-    void ShowFrom(qint32 iPlace);   // the scroll bar follows
-    void BringIntoView(qint32 iLine);
-    void SelectLine(qint32 iLine);   // in view, current, and in the edit field
-    qint32 CurrentLine() const;      // of the store; -1: none
-    void SetScrollMaximum(qint32 iMaximum);
-    void ShowField(const QString& strField);
-    void ShowErrorsOf(qint32 iLine);
-    void ShowErrorCount();
-    void GoToError(std::optional<quint32> uLine);
-    void ShowFile();
     void ShowStartLine();
     void OnRunningLine(unsigned int uLine);   // any thread
 
@@ -110,13 +102,9 @@ private:
     bool PauseOrResume();
 
     // ---- Files ----
-    bool AskToSave();
-    bool SaveProgram();   // under its name, if it has one of its own
-    QString AskProgram();
     void RememberProgram(const QString& strPath);
     void TakeProgram(const QString& strPath);
     void LoadInBackground(const QString& strPath);
-    static QString WhyNotSaved(const QString& strPath, bool bOpened);
 
     // ---- Editing ----
     void SetEditMode(bool bOn);
@@ -124,16 +112,12 @@ private:
     void InsertLine();
     void MoveLine(qint32 iStep);
     void Swap_GCode_Lines(qint32 iLine, qint32 iOther);
-    void AfterLineChange(qint32 iLine);   // which becomes the current one; -1: none
 
     std::unique_ptr<Ui::CdlgGCode> m_pUi;
-    qint32 m_iFirstRow = 0;      // line of the first row
-    QString m_strFile;           // empty: unnamed
-    quint32 m_iCurErrLine = 0;   // of the error shown
-    bool m_bEdited = false;      // changed since it was loaded or saved
+    CProgramView m_View;
+    CProgramFile m_File;
     bool m_bSingleLineRun = false;
     bool m_bEditMode = false;                  // the edit field accepts input
-    QString m_strOpenFilter;                   // the kind of file chosen last
     QString m_strStickFile;                    // being loaded from a stick
     QFuture<void> m_LoadTask, m_CompileTask;   // the last ones; the destructor waits for them
     QFuture<void> m_FreeTask;                  // of the program before

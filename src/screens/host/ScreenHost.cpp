@@ -15,7 +15,7 @@ qint32 CScreenHost::Operation()
 
 bool CScreenHost::IsMachineFree()
 {
-    return Operation() == OP_NONE && Machine().IsMachineIdle();
+    return Machine().IsFree();
 }
 
 bool CScreenHost::IsWorkerRunning()

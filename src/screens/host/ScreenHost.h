@@ -40,7 +40,7 @@ public:
     // ---- What screens ask of the machine ----
     CMachine& MachineParts();   // for one that starts no job
     qint32 Operation();
-    bool IsMachineFree();     // the operation has ended or none runs, and no axis moves
+    bool IsMachineFree();     // no operation runs, its worker has ended, and no axis moves
     bool IsWorkerRunning();   // for a moment also after a stop
     // Why not, in the operator's words; empty: nothing is in the way.
     QString WhyNotFree();

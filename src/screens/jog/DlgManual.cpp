@@ -1,5 +1,6 @@
 #include "screens/jog/DlgManual.h"
 
+#include "common/Operation.h"
 #include "common/Refusals.h"
 #include "machine/Machine.h"
 #include "screens/host/ScreenHost.h"
@@ -7,6 +8,8 @@
 #include "widgets/ButtonStyle.h"
 
 #include <QMouseEvent>
+
+#include <algorithm>
 
 CDlgManual::CDlgManual(QWidget* pParent) : QDialog(pParent), m_pUi(new Ui::CDlgManual)
 {
@@ -64,12 +67,14 @@ bool CDlgManual::MayJog(const stJog& jog)
             return false;
         }
     }
-    for (const stMove& move : jog.moves) {
-        if (!host.MachineParts().m_AxisCtrl[move.axis].GetAxisState()) continue;
-        if (!host.IsEmergencyStopOn()) host.AddLogMsg(AXIS_IN_USE, MSG_ERROR);
-        return false;
-    }
-    return true;
+    // An operation has the axes, also those that stand just now; only the pause of a tool change gives them away.
+    const CMachine& machine = host.MachineParts();
+    const bool bTaken = (machine.m_eOperation != OP_NONE || machine.IsWorkerBusy()) &&
+                        !(machine.m_eOperation == OP_GCODE && machine.m_bPause);
+    const bool bMoves = std::any_of(jog.moves.begin(), jog.moves.end(),
+                                    [&](const stMove& move) { return machine.m_AxisCtrl[move.axis].GetAxisState(); });
+    if ((bTaken || bMoves) && !host.IsEmergencyStopOn()) host.AddLogMsg(AXIS_IN_USE, MSG_ERROR);
+    return !bTaken && !bMoves;
 }
 
 void CDlgManual::OnPressed(size_t uJog)

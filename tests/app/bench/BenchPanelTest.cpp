@@ -67,9 +67,13 @@ TEST_F(BenchPanel, ShowsCarriagesAndOutputs)
 
 TEST(RunGuarded, TellsWhatWasThrownAndEndsWithoutAnErrorStatus)
 {
-    EXPECT_EQ(RunGuarded([] { return 7; }), 7);
+    bool bStopped = false;
+    const auto Stop = [&] { bStopped = true; };
+    EXPECT_EQ(RunGuarded([] { return 7; }, Stop), 7);
+    EXPECT_FALSE(bStopped);
     CAnswer box(QMessageBox::Ok);
-    EXPECT_EQ(RunGuarded([]() -> int { throw 1; }), 0);
+    EXPECT_EQ(RunGuarded([]() -> int { throw 1; }, Stop), 0);
+    EXPECT_TRUE(bStopped);
     EXPECT_EQ(box.Title(), "error here");
     EXPECT_EQ(box.Text(), "something screwed up");
 }

@@ -264,23 +264,29 @@ protected:
     {
         const QString strDrawing = m_Home.filePath("bad.dxf");
         WriteAll(strDrawing, BAD_NUMBER);
-        bool bDestroyed = false, bMoved = false;
-        CAnswer file(CAnswer::File(strDrawing)), dialog([](QWidget&modal) { Click(modal, "Btn_Ok"); }),
-            box(QMessageBox::Ok);
-        const int iStatus = RunWindow(*qApp, [&](QWidget& window) {
-            auto& machine = dynamic_cast<MainWindow&>(window).m_AppControl;
-            QObject::connect(&window, &QObject::destroyed, [&] { bDestroyed = true; });
-            QTimer::singleShot(0, &window, [&] {
-                machine.m_AxisCtrl[X_AXIS].MoveRel(500);
-                bMoved = WaitFor([&] { return machine.m_AxisCtrl[X_AXIS].GetCurPos() > 0.01; });
-                Click(window, "Btn_OpenDXF");
+        AppControl* pMachine = nullptr;
+        bool bDestroyed = false, bMoved = false, bStood = false;
+        CAnswer file(CAnswer::File(strDrawing)), dialog([&](QWidget&modal) {
+            // A machine that moves opens no drawing: it moves from here on.
+            pMachine->m_AxisCtrl[X_AXIS].MoveRel(500);
+            bMoved = WaitFor([&] { return pMachine->m_AxisCtrl[X_AXIS].GetCurPos() > 0.01; });
+            Click(modal, "Btn_Ok");
+        }),
+            box([&](QWidget&modal) {
+                bStood = pMachine->IsMachineIdle() && AppConfig::m_bEmergencyStopON;
+                Click(*qobject_cast<QMessageBox*>(&modal)->button(QMessageBox::Ok));
             });
+        const int iStatus = RunWindow(*qApp, [&](QWidget& window) {
+            pMachine = &dynamic_cast<MainWindow&>(window).m_AppControl;
+            QObject::connect(&window, &QObject::destroyed, [&] { bDestroyed = true; });
+            QTimer::singleShot(0, &window, [&] { Click(window, "Btn_OpenDXF"); });
         });
         // Now nobody listens to the worker any more, and no motion loop is left.
-        const bool bEnded = bDestroyed && typeid(COperatorScreen::Get()) == typeid(COperatorScreen) &&
-                            !CAllAxisCtrl::m_bAutoModeRunning;
-        std::fprintf(stderr, "box: %s, status %d, moved %d, ended %d, program held %zu\n",
-                     box.Title().toUtf8().constData(), iStatus, bMoved, bEnded, CGCodeStore::m_lstOfGCodeLines.size());
+        const bool bEnded =
+            bDestroyed && !dynamic_cast<MainWindow*>(&COperatorScreen::Get()) && !CAllAxisCtrl::m_bAutoModeRunning;
+        std::fprintf(stderr, "box: %s, status %d, moved %d, stood %d, ended %d, program held %zu\n",
+                     box.Title().toUtf8().constData(), iStatus, bMoved, bStood, bEnded,
+                     CGCodeStore::m_lstOfGCodeLines.size());
         std::_Exit(HasFailure() ? 1 : 0);
     }
 };
@@ -290,5 +296,5 @@ TEST_F(BadDrawing, IsThrownToTheProgramsCatchAllWhichEndsInOrder)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(OpenAndEnd(), testing::ExitedWithCode(0),
-                "box: error here, status 0, moved 1, ended 1, program held 0");
+                "box: error here, status 0, moved 1, stood 1, ended 1, program held 0");
 }

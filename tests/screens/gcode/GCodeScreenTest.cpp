@@ -309,7 +309,7 @@ TEST_F(GCodeScreen, NothingChangesWhileTheProgramIsInUse)
     EXPECT_EQ(LogOf({"OpenGCode", "CompileGCode", "NewGCode"}), QStringList(3, STILL_COMPILING));
     Store::m_bGCodeCompiling = false;
     m_Host.Machine().m_eOperation = OP_GCODE;
-    EXPECT_EQ(LogOf(EDITS + L({"NewGCode", "OpenGCode", "CompileGCode"})), QStringList(8, "Machine in use"));
+    EXPECT_EQ(LogOf(EDITS + L({"NewGCode", "OpenGCode", "CompileGCode"})), QStringList(9, "Machine in use"));
     ClickRow(2);
     EXPECT_EQ(Field().text(), "[1]G1 X1 Y0");
     m_Host.Machine().m_eOperation = OP_NONE;
