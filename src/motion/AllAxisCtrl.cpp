@@ -8,6 +8,7 @@
 #include "time/Wait.h"
 
 #include <QThreadPool>
+#include <QtConcurrent>
 
 CMachineAxes* CAllAxisCtrl::m_pAppCtrl = nullptr;
 CShared<bool> CAllAxisCtrl::m_bAutoMode = false;

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QThreadPool>
+#include <QtConcurrent>
 
 CShared<qint64> CWait::m_lShorten = 1;
 CShared<void (*)(qint64)> CWait::m_fnSleepHook = nullptr;

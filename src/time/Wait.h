@@ -2,7 +2,7 @@
 #include "time/VirtualTime.h"
 
 #include <QThread>
-#include <QtConcurrent>
+#include <functional>
 
 // Every wait outside the pulse loops. On the real clock it sleeps or spins; in a dry run virtual time moves instead.
 // Times are ns where the name does not say otherwise. Any thread.
