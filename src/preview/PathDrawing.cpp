@@ -89,7 +89,7 @@ void DrawAxes(QPainter& painter, const CIsoView& view)
     painter.setFont(Font(24, true));
     for (int axis = X_AXIS; axis <= Z_AXIS; ++axis) {
         const QPointF tip = view.At(tips[axis]);
-        const QPointF along = (tip - zero) / std::hypot(tip.x() - zero.x(), tip.y() - zero.y());
+        const QPointF along = (tip - zero) / std::sqrt(QPointF::dotProduct(tip - zero, tip - zero));
         const QPointF across(-along.y(), along.x());
         painter.setPen(QPen(g_Axes[axis], 3.0));
         painter.drawLine(zero, tip);

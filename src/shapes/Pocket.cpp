@@ -74,8 +74,11 @@ std::optional<int> CPocket::KernelSize(const cv::Point& first) const
         const Contours contours = OuterContours(eroded, cv::CHAIN_APPROX_NONE);
         if (contours.empty()) return std::nullopt;
         double fNearest = std::numeric_limits<double>::infinity();
-        for (const cv::Point& point : contours[0])
-            fNearest = std::min(fNearest, std::hypot(double(point.x) - first.x, double(point.y) - first.y));
+        for (const cv::Point& point : contours[0]) {
+            // Not std::hypot, whose last bit is the C library's own, while a comparison decides about the rings.
+            const double fX = double(point.x) - first.x, fY = double(point.y) - first.y;
+            fNearest = std::min(fNearest, std::sqrt(fX * fX + fY * fY));
+        }
         if (fNearest / m_Scale.fPixPerMM > m_fEndMillDia / 2.0) return std::max(k - 1, 3);
     }
 }

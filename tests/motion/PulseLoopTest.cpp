@@ -10,22 +10,24 @@
 using Edges = std::vector<CPinLog::stEdge>;
 
 thread_local int g_iAllocations = 0;   // by this thread; other suites count with it
-void* operator new(size_t uSize)
+// Never inlined: where only one of a pair is, the compiler sees malloc beside delete, or new beside free, and takes
+// them for a mismatch.
+[[gnu::noinline]] void* operator new(size_t uSize)
 {
     ++g_iAllocations;
     if (void* p = std::malloc(uSize)) return p;
     throw std::bad_alloc();
 }
-void* operator new(size_t uSize, const std::nothrow_t&) noexcept
+[[gnu::noinline]] void* operator new(size_t uSize, const std::nothrow_t&) noexcept
 {
     ++g_iAllocations;
     return std::malloc(uSize);
 }
-void operator delete(void* p) noexcept
+[[gnu::noinline]] void operator delete(void* p) noexcept
 {
     std::free(p);
 }
-void operator delete(void* p, size_t) noexcept
+[[gnu::noinline]] void operator delete(void* p, size_t) noexcept
 {
     std::free(p);
 }
