@@ -1,3 +1,4 @@
+#include "common/Paths.h"
 #include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
