@@ -19,6 +19,7 @@ record=$root/var/lib/vantor/installed
 programs=(vantor vantor-run vantor-selftest)
 groups=(gpio spi video) # pins, expansion boards, camera
 boot_words=(isolcpus=3 nohz_full=3 rcu_nocbs=3)
+rights=cap_sys_rawio # to the computer's memory, for PWM and SPI; pins need none
 governors=/sys/devices/system/cpu/cpufreq
 
 dry=false
@@ -156,6 +157,9 @@ check_computer() {
         refuse "this Pi has no core 3 (it has ${present:-none that it tells}), and the pulses need one of their own: four cores"
     fi
     if [ -r "$root/etc/os-release" ]; then version=$(sed -n 's/^VERSION_ID="\{0,1\}\([^"]*\)"\{0,1\}$/\1/p' "$root/etc/os-release"); fi
+    if [[ $model == *Pi\ 5* || $model == *Pi\ 500* || $model == *Module\ 5* ]]; then
+        echo "Notice: the SPI library does not know the pin chip of a $model, and nothing was tried on one"
+    fi
     if [ "$version" != 12 ]; then
         echo "Notice: made for systems of Debian 12's age, this one is ${version:-of no version that it tells}"
     fi
@@ -191,14 +195,14 @@ check_pins() {
             lacking+=("lib$library")
         fi
     done
+    if [ -z "$root" ] && ! command -v setcap >/dev/null; then pin_packages+=(libcap2-bin); fi
     if [ ${#lacking[@]} -eq 0 ]; then return 0; fi
     refuse "$(
         cat <<END
 not here, and no package of this system's sources: ${lacking[*]}.
 Without the pin libraries the window would look alive and move nothing.
-  libpigpio    is a package of Raspberry Pi OS, libpigpio-dev: after "sudo apt update" this script finds it.
-  libwiringPi  (release 3 or later) is offered by its makers as a .deb for Debian 12. Get it from them yourself, then:
-               sudo apt install ./NAME-OF-THE-FILE.deb
+  Raspberry Pi OS has both: wiringpi (release 3 or later) and libpigpio-dev. After "sudo apt update" this script finds
+  them. Plain Debian 12 for ARM has neither: please install Raspberry Pi OS.
 Then run this again.
 END
     )"
@@ -293,6 +297,16 @@ step_programs() {
     begin "The programs, under /opt/vantor"
     local program
     for program in "${programs[@]}"; do put "$build/bin/$program" "/opt/vantor/bin/$program" 755; done
+}
+
+# The libraries open the memory for writing, which the system leaves to root: the group of the pins may, and of the
+# programs that its members start only these two.
+step_rights() {
+    begin "The window may make a spindle's PWM and speak to an SPI board, from the next start of the Pi on"
+    put "$source_dir/scripts/pi/99-vantor-memory.rules" /etc/udev/rules.d/99-vantor-memory.rules 644
+    run setcap "$rights+ep" "/opt/vantor/bin/vantor"
+    run setcap "$rights+ep" "/opt/vantor/bin/vantor-selftest"
+    run_live udevadm control --reload
 }
 
 step_folders() {
@@ -396,6 +410,7 @@ install_all() {
     step_autostart
     step_sticks
     step_groups
+    step_rights
     step_memory
     step_core
     step_governor

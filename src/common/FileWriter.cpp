@@ -2,7 +2,9 @@
 
 #include <QFileInfo>
 
+#include <cerrno>
 #include <system_error>
+#include <unistd.h>
 
 bool CFileWriter::open(OpenMode mode)
 {
@@ -12,9 +14,18 @@ bool CFileWriter::open(OpenMode mode)
     return false;
 }
 
+bool CFileWriter::ReachesDisk()
+{
+    if (!flush()) return false;
+    // A disk may say only now that it is full or gone; EINVAL: it has no such call.
+    if (fsync(handle()) == 0 || errno == EINVAL) return true;
+    setErrorString(qt_error_string());
+    return false;
+}
+
 bool CFileWriter::Commit()
 {
-    return flush() && commit();
+    return ReachesDisk() && commit();
 }
 
 bool ReplaceFile(const QString& strPath, const QByteArray& content)

@@ -15,6 +15,7 @@ public:
     bool Commit();
 
 private:
+    bool ReachesDisk();
     using QSaveFile::commit;   // takes the target's place although a buffer could not be emptied
 };
 

@@ -2,9 +2,16 @@
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
 #include "config/AppConfig.h"
+#include "config/ConfigNotice.h"
 
+#include <QBuffer>
 #include <QDataStream>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <cmath>
+#include <utility>
 
 // The configuration file: a version string and 45 fields, big-endian, without any other frame. Writer and reader walk
 // the same lists of fields, so that they cannot part.
@@ -33,6 +40,7 @@ class CFieldReader
 {
 public:
     explicit CFieldReader(QDataStream& stream) : m_Stream(stream) {}
+    bool IsSound() const { return m_bSound && m_Stream.status() == QDataStream::Ok; }
     template <class T> void Byte(T& value) { value = static_cast<T>(Read<quint8>()); }
     void Flag(bool& bValue) { bValue = Read<quint8>() != 0; }
     template <class T> void Number(T& value) { value = Read<T>(); }
@@ -46,9 +54,11 @@ private:
     {
         T value = T();
         m_Stream >> value;
+        if constexpr (std::is_same_v<T, double>) m_bSound = m_bSound && std::isfinite(value);
         return value;
     }
     QDataStream& m_Stream;
+    bool m_bSound = true;   // every number read is one
 };
 
 using A = AppConfig;
@@ -113,9 +123,51 @@ template <class IO> void JogField(IO& io)
 {
     io.Flag(A::m_bUseG01FeedForJog);
 }
+
+// -1: no version of ours.
+int VersionNumber(const QString& strVersion)
+{
+    static const QRegularExpression FORM(QStringLiteral("^Ver(\\d{1,4})\\.(\\d{1,4})$"));
+    const QRegularExpressionMatch match = FORM.match(strVersion);
+    return match.hasMatch() ? match.captured(1).toInt() * 10'000 + match.captured(2).toInt() : -1;
+}
+
+// A copy beside the file, under a name that no other content has; empty where none can be made.
+QString KeepCopy(const QString& strPath, const QByteArray& content)
+{
+    static constexpr int MOST_COPIES = 20;
+    for (int n = 1; n <= MOST_COPIES; ++n) {
+        const QString strCopy = strPath + (n == 1 ? QStringLiteral(".kept") : QStringLiteral(".kept-%1").arg(n));
+        QFile there(strCopy);
+        if (!there.exists()) return ReplaceFile(strCopy, content) ? strCopy : QString();
+        if (there.open(QIODevice::ReadOnly) && there.readAll() == content) return strCopy;
+    }
+    return {};
+}
 }   // namespace
 
-bool AppConfig::ReadConfig(QIODevice& device)
+static QString g_strNotice;
+
+// Before the file is overwritten, by an upgrade or by the next save. Only the product's own ever is.
+static void KeepAndNote(const QString& strPath, const QByteArray& content, const QString& strTrouble)
+{
+    QString strKept;
+    if (strPath == CPaths::Map(CONFIG_FILE)) {
+        const QString strCopy = KeepCopy(strPath, content);
+        strKept = strCopy.isEmpty() ? QStringLiteral("\nNo copy of it could be kept.")
+                                    : QStringLiteral("\nIt is kept as %1.").arg(strCopy);
+    }
+    g_strNotice = QStringLiteral("The configuration file %1%2\nCheck all settings before anything moves.")
+                      .arg(strTrouble, strKept);
+}
+
+QString TakeConfigNotice()
+{
+    return std::exchange(g_strNotice, {});
+}
+
+// False as ReadConfig. strTrouble: what is wrong with the file, if anything is.
+static bool ReadFile(QIODevice& device, QString& strTrouble)
 {
     QDataStream stream(&device);
     stream.setVersion(STREAM_VERSION);
@@ -123,14 +175,28 @@ bool AppConfig::ReadConfig(QIODevice& device)
     QString strVersion;
     stream >> strVersion;
     BoardField(reader);
-    ApplyBoardPins();
+    A::ApplyBoardPins();
     LineFields(reader);
-    DerivePwmFrequency();
+    A::DerivePwmFrequency();
     MotionFields(reader);
     JobFields(reader);
-    if (strVersion != SOFTWARE_VERSION) return false;
-    JogField(reader);
-    return true;
+    const bool bOurs = strVersion == SOFTWARE_VERSION;
+    if (bOurs) JogField(reader);
+    const int iVersion = VersionNumber(strVersion);
+    if (reader.IsSound() && iVersion > VersionNumber(SOFTWARE_VERSION))
+        strTrouble =
+            QStringLiteral("was written by the newer version %1: what that has added is not in force, and is lost "
+                           "when settings are saved.")
+                .arg(strVersion);
+    else if (!reader.IsSound() || !device.atEnd() || iVersion < 0 || A::m_eVantorCtrl > SPI_CTRL_24)
+        strTrouble = QStringLiteral("is damaged: settings that could not be read are zero, home sensors may be off.");
+    return bOurs;
+}
+
+bool AppConfig::ReadConfig(QIODevice& device)
+{
+    QString strTrouble;
+    return ReadFile(device, strTrouble);
 }
 
 bool AppConfig::LoadConfig(QString path)
@@ -143,11 +209,19 @@ bool AppConfig::LoadConfig(QString path)
                                                QStringLiteral("Unable to open Config File"));
         return false;
     }
+    const QByteArray content = file.readAll();
+    QBuffer buffer;
+    buffer.setData(content);
+    (void)buffer.open(QIODevice::ReadOnly);
     try {
+        QString strTrouble;
+        const bool bOurs = ReadFile(buffer, strTrouble);
+        if (!strTrouble.isEmpty()) KeepAndNote(path, content, strTrouble);
         // The upgrade of an older file goes to the product's own place, whatever file was read: wanted, since a
         // file that was only tried out must stay as it is.
-        if (!ReadConfig(file)) SaveConfig(CONFIG_FILE);
+        if (!bOurs) SaveConfig(CONFIG_FILE);
     } catch (...) {
+        KeepAndNote(path, content, QStringLiteral("can't be read."));
         CreateConfigFile(path);
         return false;
     }

@@ -4,6 +4,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
 #include "gcode/GCodeCompiler.h"
+#include "gcode/PlainProgram.h"
 
 #include <QFile>
 #include <QObject>
@@ -86,15 +87,18 @@ void CGCodeStore::LoadGCode(QString strFile, QObject* notify)
     if (!file.open(QIODevice::ReadOnly)) return;   // with the flag up: wanted, no further load is started
     std::vector<QString> lstLines;
     GCodeProgram lstCmds;
-    size_t uLines = 0;
-    bool bWhole = CountLines(file, uLines);
-    lstLines.reserve(uLines);
-    lstCmds.reserve(uLines);
-    const auto Take = [&](const QString& strLine) {
-        lstLines.emplace_back(strLine.constData(), strLine.size());
-        lstCmds.push_back(Parse_GCode_Line(strLine));
-    };
-    bWhole = bWhole && ReadLines(file, Take);
+    const ePlainRead eRead = ReadPlainProgram(file, lstLines, lstCmds);
+    bool bWhole = eRead == READ_WHOLE;
+    if (eRead == READ_NOT_PLAIN) {
+        size_t uLines = 0;
+        bWhole = CountLines(file, uLines);
+        lstLines.reserve(uLines);
+        lstCmds.reserve(uLines);
+        bWhole = bWhole && ReadLines(file, [&](const QString& strLine) {
+                     lstLines.emplace_back(strLine.constData(), strLine.size());
+                     lstCmds.push_back(Parse_GCode_Line(strLine));
+                 });
+    }
     file.close();
     if (bWhole)
         Append(lstLines, lstCmds);

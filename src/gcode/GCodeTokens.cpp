@@ -11,6 +11,7 @@ namespace {
 struct stExtent
 {
     qsizetype iFrom, iTo;
+    bool bSpaced;   // there is white space in it
 };
 
 enum eCharKind : quint8
@@ -47,29 +48,35 @@ struct stToolRules
 };
 
 // The next token from i on, which moves behind it. False: there is none.
-template <class Rules> bool NextToken(QStringView line, qsizetype& i, stExtent& token)
+template <class Rules, class Text> bool NextToken(Text line, qsizetype& i, stExtent& token)
 {
     while (i < line.size() && Kind(line[i]) == CHAR_SPACE) ++i;
     if (i >= line.size()) return false;
     token.iFrom = i++;
     if (i == line.size() && !Rules::bKeepsLast) return false;
-    while (i < line.size() && Rules::Continues(line[i])) ++i;
+    token.bSpaced = false;
+    for (; i < line.size() && Rules::Continues(line[i]); ++i) token.bSpaced |= Kind(line[i]) == CHAR_SPACE;
     token.iTo = i;
     return true;
 }
 
-void AppendToken(QStringView line, stExtent token, GCodeTokens& tokens)
+template <class Text> void AppendToken(Text line, stExtent token, GCodeTokens& tokens)
 {
+    if constexpr (std::is_same_v<Text, QLatin1String>)
+        if (!token.bSpaced) {
+            tokens.emplace_back(line.data() + token.iFrom, static_cast<size_t>(token.iTo - token.iFrom));
+            return;
+        }
     // Made at its length: growing would leave a long one with twice the room.
     std::string& strToken = tokens.emplace_back(static_cast<size_t>(token.iTo - token.iFrom), '\0');
     char* pTo = strToken.data();
-    for (const QChar c : line.mid(token.iFrom, token.iTo - token.iFrom))
-        if (Kind(c) != CHAR_SPACE) *pTo++ = static_cast<char>(c.unicode() & 0xff);
+    for (qsizetype i = token.iFrom; i < token.iTo; ++i)
+        if (Kind(line[i]) != CHAR_SPACE) *pTo++ = static_cast<char>(line[i].unicode() & 0xff);
     strToken.resize(static_cast<size_t>(pTo - strToken.data()));
 }
 
 // Counted first: a program of a million lines has no room to spare in its vectors.
-template <class Rules> GCodeTokens Tokenize(QStringView line)
+template <class Rules, class Text> GCodeTokens Tokenize(Text line)
 {
     std::array<stExtent, 16> few;   // most lines have no more words, and are not looked through twice
     stExtent token{};
@@ -100,12 +107,17 @@ locale_t CLocale()
 
 GCodeTokens TokenizeProgramLine(const QString& strLine)
 {
-    return Tokenize<stProgramRules>(strLine);
+    return Tokenize<stProgramRules>(QStringView(strLine));
+}
+
+GCodeTokens TokenizeProgramLine(QLatin1String line)
+{
+    return Tokenize<stProgramRules>(line);
 }
 
 GCodeTokens TokenizeToolLine(const QString& strLine)
 {
-    return Tokenize<stToolRules>(strLine);
+    return Tokenize<stToolRules>(QStringView(strLine));
 }
 
 int TokenInt(const std::string& strToken)

@@ -14,6 +14,7 @@ using GCodeProgram = std::vector<GCodeTokens>;
 // token; a single character at the very end of the line is dropped too. Both are wanted: programs rely on the first,
 // and the second lets a lone "%" pass.
 GCodeTokens TokenizeProgramLine(const QString& strLine);
+GCodeTokens TokenizeProgramLine(QLatin1String line);   // the same of ASCII
 
 // For the lines of a tool-change file at run time. It differs on purpose: white space ends a token ("X 12" is two), and
 // a single last character is a token of its own.

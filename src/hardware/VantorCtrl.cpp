@@ -1,6 +1,10 @@
 #include "hardware/VantorCtrl.h"
 
+#include "common/OperatorScreen.h"
+#include "platform/PinRights.h"
 #include "platform/Spi.h"
+
+#include <algorithm>
 
 eVantorController cvantorctrl::m_eCtrlVersion = VTR3_CTRL;
 qint32 cvantorctrl::h_SpiInputCtrl = 0;
@@ -10,11 +14,17 @@ static constexpr unsigned SPI_BAUD = 2000000;
 static constexpr unsigned INPUT_FLAGS = 192;    // mode 0 of the main SPI, CE1 and CE2 free for other use
 static constexpr unsigned OUTPUT_FLAGS = 256;   // the auxiliary SPI
 static constexpr int INPUT_BYTES = 3;
+static constexpr int NO_LINK = -1;
 
 bool cvantorctrl::InitVantorCtrl(eVantorController eCtrl)
 {
     m_eCtrlVersion = eCtrl;
-    if (eCtrl == SPI_CTRL_16 || eCtrl == SPI_CTRL_24) {
+    if (eCtrl != SPI_CTRL_16 && eCtrl != SPI_CTRL_24) return true;
+    if (!MayUsePwmAndSpi()) {
+        h_SpiInputCtrl = h_SpiOutputCtrl = NO_LINK;
+        COperatorScreen::Get().AddLogMsg(QStringLiteral("SPI board not opened: ") + QLatin1String(WHY_NO_PWM_AND_SPI),
+                                         MSG_ERROR);
+    } else {
         h_SpiInputCtrl = spiOpen(0, SPI_BAUD, INPUT_FLAGS);
         h_SpiOutputCtrl = spiOpen(2, SPI_BAUD, OUTPUT_FLAGS);
     }
@@ -23,7 +33,8 @@ bool cvantorctrl::InitVantorCtrl(eVantorController eCtrl)
 
 int cvantorctrl::ReadAllInputs(char* buffer)
 {
-    for (int n = 0; n < INPUT_BYTES; ++n) {
+    if (h_SpiInputCtrl < 0) std::fill_n(buffer, INPUT_BYTES, '\0');
+    for (int n = 0; n < INPUT_BYTES && h_SpiInputCtrl >= 0; ++n) {
         char cSend = 0;
         (void)spiXfer(static_cast<unsigned>(h_SpiInputCtrl), &cSend, buffer + n, 1);
     }
@@ -42,6 +53,7 @@ quint8 cvantorctrl::ReadInput(unsigned short pin)
 
 void cvantorctrl::WriteOutput(unsigned char pin, unsigned char value)
 {
+    if (h_SpiOutputCtrl < 0) return;
     char cFrame = static_cast<char>(CreateOutputData(pin, value));
     (void)spiWrite(static_cast<unsigned>(h_SpiOutputCtrl), &cFrame, 1);
 }

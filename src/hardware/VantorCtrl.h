@@ -2,11 +2,13 @@
 #include "common/MachineTypes.h"
 
 // The expansion boards behind the SPI link: 24 inputs in three bytes, 16 or 24 outputs of one frame each.
-// Errors of the link are not looked at. One-byte frames are atomic on it; no lock.
+// Errors of the link are not looked at; of one that could not be opened nothing is asked, and its inputs read 0.
+// One-byte frames are atomic on it; no lock.
 class cvantorctrl
 {
 public:
-    // Opens the link for the two SPI boards, for others it only notes the version. Always true.
+    // Opens the link for the two SPI boards, for others it only notes the version. Always true; a program without the
+    // right to it (MayUsePwmAndSpi) opens none, with a line in the operator's log.
     static bool InitVantorCtrl(eVantorController eCtrl);
 
     // Reads the three input bytes, the first received first; the result is their number.

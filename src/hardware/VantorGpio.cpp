@@ -4,6 +4,7 @@
 #include "config/AppConfig.h"
 #include "hardware/RpiGpio.h"
 #include "hardware/VantorCtrl.h"
+#include "platform/PinRights.h"
 #include "platform/WiringPi.h"
 
 static constexpr int PWM_CLOCK = 19200000;   // Hz, the oscillator behind the divider
@@ -37,8 +38,10 @@ void SetUpOutputsOf(std::initializer_list<quint16> lstCodes)
 void CVANTORGPIO::InitGpio()
 {
     CRpiGpio::InitRpiGpio();
-    pwmSetMode(PWM_MODE);
-    pwmSetRange(PWM_RANGE);
+    if (MayUsePwmAndSpi()) {
+        pwmSetMode(PWM_MODE);
+        pwmSetRange(PWM_RANGE);
+    }
     for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS}) SetUpAxis(axis);
     SetUpLowOutput(AppConfig::m_iPgmStatusOutput);
     SetUpLowOutput(AppConfig::m_iSpindlePwmOutput);
@@ -86,6 +89,11 @@ void CVANTORGPIO::PwmStart()
             QStringLiteral("Spindle PWM not started: a frequency of %1 Hz cannot be made").arg(iFreq), MSG_ERROR);
         return;
     }
+    if (!MayUsePwmAndSpi()) {
+        COperatorScreen::Get().AddLogMsg(
+            QStringLiteral("Spindle PWM not started: ") + QLatin1String(WHY_NO_PWM_AND_SPI), MSG_ERROR);
+        return;
+    }
     pwmSetClock(iDivisor);
     const int iPin = Pin(AppConfig::m_iSpindlePwmOutput);
     pwmWrite(iPin, PWM_RANGE / 2);   // the speed is in the frequency, not in the duty
@@ -94,5 +102,5 @@ void CVANTORGPIO::PwmStart()
 
 void CVANTORGPIO::PwmStop()
 {
-    pinMode(Pin(AppConfig::m_iSpindlePwmOutput), PIN_MODE_OFF);
+    if (MayUsePwmAndSpi()) pinMode(Pin(AppConfig::m_iSpindlePwmOutput), PIN_MODE_OFF);   // else it never began
 }

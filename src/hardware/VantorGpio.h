@@ -15,7 +15,8 @@ public:
     static quint8 ReadInput(quint16 pin);
 
     // The spindle's PWM line at AppConfig's current frequency (Hz, up to 18750), at a duty of one half. A frequency
-    // that the hardware's divider cannot make starts nothing and is a line in the operator's log.
+    // that the hardware's divider cannot make, or a program without the right to PWM (MayUsePwmAndSpi), starts nothing
+    // and is a line in the operator's log.
     static void PwmStart();
     static void PwmStop();
 };

@@ -2,9 +2,15 @@
 
 #include <QProcess>
 
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <thread>
+#include <vector>
 
 void BindThreadToCore(int iCore)
 {
@@ -12,6 +18,39 @@ void BindThreadToCore(int iCore)
     CPU_ZERO(&mask);
     CPU_SET(static_cast<size_t>(iCore), &mask);
     (void)sched_setaffinity(0, sizeof mask, &mask);
+}
+
+void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask)
+{
+    cpu_set_t mask;
+    CPU_ZERO(&mask);
+    (void)sched_getaffinity(0, sizeof mask, &mask);
+    if (CPU_COUNT(&mask) > 1) CPU_CLR(static_cast<size_t>(PULSE_CORE), &mask);
+    std::atomic<size_t> uNext = 0;
+    std::exception_ptr pThrown;
+    std::mutex mutex;
+    const auto Work = [&] {
+        (void)sched_setaffinity(0, sizeof mask, &mask);
+        try {
+            for (size_t n = uNext++; n < uCount; n = uNext++) fnTask(n);
+        } catch (...) {
+            uNext = uCount;
+            const std::lock_guard lock(mutex);
+            pThrown = std::current_exception();
+        }
+    };
+    std::vector<std::thread> threads(std::min(uCount, static_cast<size_t>(std::max(CPU_COUNT(&mask), 1))));
+    for (std::thread& thread : threads) thread = std::thread(Work);
+    for (std::thread& thread : threads) thread.join();
+    if (pThrown) std::rethrow_exception(pThrown);
+}
+
+void AdviseLargePages(void* pMemory, size_t uBytes)
+{
+    static constexpr std::uintptr_t LARGE = 2 << 20;
+    const auto uFrom = (reinterpret_cast<std::uintptr_t>(pMemory) + LARGE - 1) & ~(LARGE - 1);
+    const auto uTo = (reinterpret_cast<std::uintptr_t>(pMemory) + uBytes) & ~(LARGE - 1);
+    if (uTo > uFrom) (void)madvise(reinterpret_cast<void*>(uFrom), uTo - uFrom, MADV_HUGEPAGE);
 }
 
 eLockedMemory LockMemory()

@@ -1,6 +1,8 @@
 #pragma once
 #include <QString>
 
+#include <functional>
+
 // What the computer offers beside its pins.
 
 // The core that a set-up Pi keeps free for the pulses.
@@ -8,6 +10,14 @@ inline constexpr int PULSE_CORE = 3;
 
 // Binds the calling thread to one processor core. Not examined further where the computer has no such core.
 void BindThreadToCore(int iCore);
+
+// Calls fnTask with 0 to uCount - 1, in any order, on a thread for each core that this program may use but the pulses'
+// (where it is the only one, on that); the caller waits meanwhile. What a task throws is thrown here, once all are
+// done.
+void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask);
+
+// For memory that will be filled from end to end at once: finding it page by page costs more than filling it. A hint.
+void AdviseLargePages(void* pMemory, size_t uBytes);
 
 // Keeps the program's pages in memory: one that has to be fetched in the middle of a move costs milliseconds. Those of
 // now in any case; later ones only where the limit on locked memory is none, because beyond a limit every allocation

@@ -1,26 +1,33 @@
 #pragma once
-#include <QFile>
+#include "common/FileWriter.h"
+
+#include <QFileInfo>
 #include <QString>
 
 #include <charconv>
 #include <cstdlib>
+#include <memory>
 #include <string>
 
-// Streams rows of comma-separated numbers to a file. Cells are put one after the other; EndRow ends a line.
-// One thread at a time. A failed write is kept, and told by Close.
+// Streams rows of comma-separated numbers to a file, which gets its name by Close, or to a pipe or another device.
+// Cells are put one after the other; EndRow ends a line. One thread at a time. A failed write is kept, and told by
+// Close.
 class CCsvWriter
 {
 public:
     // False: the file cannot be written.
     bool Open(const QString& strPath, const std::string& strHeader)
     {
-        m_File.setFileName(strPath);
-        if (!m_File.open(QIODevice::WriteOnly | QIODevice::Truncate)) return false;
+        const QFileInfo target(strPath);
+        m_pFile = target.exists() && !target.isFile() ? std::unique_ptr<QFileDevice>(new QFile(strPath))
+                                                      : std::make_unique<CFileWriter>(strPath);
+        if (!m_pFile->open(QIODevice::WriteOnly)) m_pFile.reset();
+        if (!m_pFile) return false;
         m_strBuffer.reserve(FLUSH_AT + 4096);
         m_strBuffer = strHeader + '\n';
         return true;
     }
-    bool IsOpen() const { return m_File.isOpen(); }
+    bool IsOpen() const { return m_pFile != nullptr; }
 
     void Text(const char* szText)
     {
@@ -53,10 +60,11 @@ public:
     // False: not all could be written.
     bool Close()
     {
-        if (!m_File.isOpen()) return m_bGood;
+        if (!m_pFile) return m_bGood;
         Flush();
-        m_bGood &= m_File.flush();
-        m_File.close();
+        auto* pWriter = dynamic_cast<CFileWriter*>(m_pFile.get());
+        m_bGood = m_bGood && (pWriter ? pWriter->Commit() : m_pFile->flush());
+        m_pFile.reset();
         return m_bGood;
     }
 
@@ -77,11 +85,11 @@ private:
     void Flush()
     {
         const auto lSize = static_cast<qint64>(m_strBuffer.size());
-        m_bGood &= m_File.write(m_strBuffer.data(), lSize) == lSize;
+        m_bGood &= m_pFile->write(m_strBuffer.data(), lSize) == lSize;
         m_strBuffer.clear();
     }
 
-    QFile m_File;
+    std::unique_ptr<QFileDevice> m_pFile;
     std::string m_strBuffer;
     bool m_bRowBegun = false, m_bGood = true;
 };

@@ -1,5 +1,6 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
+#include "config/ConfigNotice.h"
 #include "config/SettingsTable.h"
 #include "run/Runner.h"
 #include "zprofile/ZProfileFile.h"
@@ -54,6 +55,7 @@ bool CRunner::PrepareSettings()
     } else if (!AppConfig::LoadConfig(strConfig)) {
         return Fail(strConfig + QStringLiteral(": cannot be read"));
     }
+    if (const QString strNotice = TakeConfigNotice(); !strNotice.isEmpty()) m_pScreen->Say(strNotice);
     for (const QString& strAssignment : m_Options.lstSettings) {
         QString strWhy;
         if (!CSettingsTable::Set(strAssignment, strWhy))

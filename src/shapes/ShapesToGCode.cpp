@@ -1,10 +1,8 @@
 #include "shapes/ShapesToGCode.h"
 
+#include "common/FileWriter.h"
 #include "common/UnitConverter.h"
 #include "shapes/CuttingWalk.h"
-
-#include <QFile>
-#include <QFileInfo>
 
 #include <cmath>
 
@@ -32,7 +30,7 @@ bool IsCircle(const stEngShape& shape)
 class CGCodeWriter
 {
 public:
-    CGCodeWriter(QFile& file, double fSafeHeight, const std::function<bool()>& fnMayGoOn, QStringList& lstNotices)
+    CGCodeWriter(QFileDevice& file, double fSafeHeight, const std::function<bool()>& fnMayGoOn, QStringList& lstNotices)
         : m_File(file), m_fSafeHeight(fSafeHeight), m_fnMayGoOn(fnMayGoOn), m_lstNotices(lstNotices)
     {
     }
@@ -128,7 +126,7 @@ private:
         return m_bGood = m_bGood && m_File.write(bytes) == bytes.size();
     }
 
-    QFile& m_File;
+    QFileDevice& m_File;
     const double m_fSafeHeight;
     const std::function<bool()>& m_fnMayGoOn;
     QStringList& m_lstNotices;
@@ -139,15 +137,12 @@ private:
 bool WriteShapesAsGCode(const QString& strFile, const stShapeCuttingInfo& info, double fSafeHeight,
                         const std::function<bool()>& fnMayGoOn, QStringList& lstNotices)
 {
-    const QFileInfo target(strFile);
-    if (target.exists() && !target.isFile()) return false;   // a device or a folder is not in the way to be removed
-    QFile file(target.exists() ? target.canonicalFilePath() : strFile);   // a link stays one
-    file.remove();
-    if (!file.open(QIODevice::ReadWrite)) return false;
+    CFileWriter file(strFile);
+    if (!file.Open()) return false;
     CGCodeWriter writer(file, fSafeHeight, fnMayGoOn, lstNotices);
     writer.Header(info.lstShapes.size());
     (void)WalkJob(info, writer);
-    if (file.flush() && writer.IsGood()) return true;
-    lstNotices += QStringLiteral("%1 is not complete: %2").arg(strFile, file.errorString());
+    if (writer.IsGood() && file.Commit()) return true;
+    lstNotices += QStringLiteral("%1 was not written: %2").arg(strFile, file.errorString());
     return false;
 }

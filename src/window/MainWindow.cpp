@@ -3,6 +3,7 @@
 #include "common/Paths.h"
 #include "common/Refusals.h"
 #include "config/AppConfig.h"
+#include "config/ConfigNotice.h"
 #include "hardware/VantorGpio.h"
 #include "screens/host/PressedBtn.h"
 #include "screens/host/SettingsInput.h"
@@ -127,11 +128,15 @@ void MainWindow::LoadSettings()
     COperatorScreen::Set(this);
     if (const QString strHome = CPaths::Establish(); strHome != HOME_FOLDER)
         AddLogMsg(QStringLiteral("Files are kept in ") + strHome, MSG_INFO);
-    if (AppConfig::LoadConfig(CONFIG_FILE)) return;
-    QMessageBox::information(this, QStringLiteral("Error"),
-                             QStringLiteral("Old VANTOR.dat file. Please take note of your settings and\n"
-                                            "delete VANTOR.dat file in /home/vantor/VANTOR folder."),
-                             QMessageBox::Ok);
+    if (!AppConfig::LoadConfig(CONFIG_FILE))
+        QMessageBox::information(this, QStringLiteral("Error"),
+                                 QStringLiteral("Old VANTOR.dat file. Please take note of your settings and\n"
+                                                "delete VANTOR.dat file in /home/vantor/VANTOR folder."),
+                                 QMessageBox::Ok);
+    const QString strNotice = TakeConfigNotice();
+    if (strNotice.isEmpty()) return;
+    AddLogMsg(strNotice, MSG_ERROR);
+    ShowCriticalBox(QStringLiteral("Configuration"), strNotice);   // waits: the machine may home by itself behind it
 }
 
 void MainWindow::PlaceScreens()

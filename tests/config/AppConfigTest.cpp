@@ -1,6 +1,7 @@
 #include "config/AppConfig.h"
 
 #include "common/Paths.h"
+#include "config/ConfigNotice.h"
 #include "config/SettingsTable.h"
 #include "support/Cases.h"
 #include "support/CleanMachine.h"
@@ -115,12 +116,51 @@ TEST_F(AppConfigFile, CutShortAtEveryLengthReadsZerosBeyondItsEnd)
     EXPECT_EQ(Settings(), full);
 }
 
+// What a save or an upgrade would overwrite stays beside it, and is told; what is whole or only older is no news.
+TEST_F(AppConfigFile, DamagedOrNewerIsToldAndKept)
+{
+    AppConfig::SaveConfig(CONFIG_FILE);
+    const QByteArray whole = ReadAll(ConfigPath());
+    const auto With = [&](qsizetype iAt, char c) { return QByteArray(whole).replace(iAt, 1, QByteArray(1, c)); };
+    const struct
+    {
+        QByteArray content;
+        const char* szTold;
+    } rows[] = {{whole, ""},
+                {CCases::Bytes("config", "04_old_version.dat"), ""},
+                {{}, "is damaged"},
+                {QByteArray(657, '\0'), "is damaged"},
+                {whole.left(656), "is damaged"},
+                {whole + '\0', "is damaged"},
+                {With(5, 'v'), "is damaged"},
+                {With(16, 4), "is damaged"},
+                {With(28, char(0x7f)).replace(29, 1, "\xf8"), "is damaged"},   // a feed that is no number
+                {With(11, '5') + "more", "the newer version Ver5.0"}};
+    int iCopies = 0;
+    for (const auto& [content, szTold] : rows) {
+        for (const bool bAgain : {false, true}) {   // the copy is there already
+            ResetStatics();
+            WriteAll(ConfigPath(), content);
+            ASSERT_TRUE(AppConfig::LoadConfig(CONFIG_FILE));
+            const QString strNotice = TakeConfigNotice();
+            EXPECT_EQ(strNotice.contains(szTold), true) << szTold;
+            EXPECT_EQ(strNotice.isEmpty(), *szTold == 0);
+            if (*szTold == 0) continue;
+            iCopies += bAgain ? 0 : 1;
+            const QString strCopy = ConfigPath() + (iCopies == 1 ? QString(".kept") : QString(".kept-%1").arg(iCopies));
+            EXPECT_TRUE(strNotice.contains("kept as " + strCopy + '.')) << strNotice.toStdString();
+            EXPECT_EQ(ReadAll(strCopy), content);
+        }
+    }
+}
+
 TEST_F(AppConfigFile, UpgradeGoesToTheProductsFileWhateverWasRead)
 {
     const QString strOther = m_Home.filePath("other.dat");
     const QByteArray old = CCases::Bytes("config", "04_old_version.dat");
     WriteAll(strOther, old);
     EXPECT_TRUE(AppConfig::LoadConfig(strOther));
+    EXPECT_EQ(TakeConfigNotice(), QString());
     EXPECT_EQ(ReadAll(strOther), old);
     EXPECT_EQ(ReadAll(ConfigPath()), CCases::Bytes("config", "04_old_version.after.dat"));
 }

@@ -5,6 +5,7 @@
 #include "shapes/EllipsePath.h"
 #include "shapes/PolygonEdit.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
 #include "support/LoggedScreen.h"
 
 #include <cmath>
@@ -316,6 +317,11 @@ TEST_F(ShapeCut, AFileThatCannotBeOpenedIsNoNewsAndOneThatIsThereGoes)
     m_App.CreateGCodeFromShapes(m_Home.filePath("nowhere/job.txt"));
     EXPECT_EQ(m_Screen.m_lstLog, QStringList());
     WriteAll(m_Home.filePath("job.txt"), QByteArray(100'000, 'x'));
+    {
+        const CFullDisk disk(100);
+        EXPECT_TRUE(Write().contains("xxx"));
+        EXPECT_TRUE(m_Screen.m_lstLog.value(0).contains("job.txt was not written"));
+    }
     EXPECT_FALSE(Write().contains("xxx"));
 }
 

@@ -1,8 +1,33 @@
 #include "preview/ToolPath.h"
+#include "run/CsvWriter.h"
 #include "run/EdgeQueue.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+
+#include <QTemporaryDir>
 
 #include <cmath>
-#include <gtest/gtest.h>
+
+TEST(CsvWriter, KeepsTheOldFileUntilTheNewOneIsWhole)
+{
+    QTemporaryDir folder;
+    const QString strPath = folder.filePath("moves.csv");
+    WriteAll(strPath, "old");
+    for (const rlim_t uLimit : {rlim_t(10), RLIM_INFINITY}) {
+        const CFullDisk disk(uLimit);
+        CCsvWriter csv;
+        ASSERT_TRUE(csv.Open(strPath, "number,millimetres"));
+        csv.Number(7);
+        csv.Mm(-12345);
+        csv.EndRow();
+        EXPECT_EQ(ReadAll(strPath), "old");
+        EXPECT_EQ(csv.Close(), uLimit == RLIM_INFINITY);
+    }
+    EXPECT_EQ(ReadAll(strPath), "number,millimetres\n7,-1.2345\n");
+    CCsvWriter full;
+    ASSERT_TRUE(full.Open("/dev/full", "a device is written to as it is"));
+    EXPECT_FALSE(full.Close());
+}
 
 TEST(EdgeQueue, KeepsTheOrderThroughItsFile)
 {

@@ -3,6 +3,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
 #include "config/AppConfig.h"
+#include "config/ConfigNotice.h"
 #include "gcode/GCodeStore.h"
 #include "motion/AllAxisCtrl.h"
 #include "motion/MotionObserver.h"
@@ -68,6 +69,7 @@ void ClearProgram()
 void ResetStatics()
 {
     for (const auto& fnRestore : InitialValues()) fnRestore();
+    (void)TakeConfigNotice();
     CAllAxisCtrl::m_pAppCtrl = nullptr;
     CAllAxisCtrl::m_bAutoMode = false;
     CAllAxisCtrl::m_bStartMotion = false;

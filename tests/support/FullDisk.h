@@ -1,5 +1,10 @@
 #pragma once
+#include <QByteArray>
+#include <QString>
+
 #include <csignal>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 
 // While it lives no file grows beyond so many bytes.
@@ -19,4 +24,27 @@ public:
 
 private:
     rlimit m_Before{};
+};
+
+// A file system of a page on a folder while it lives, for this process alone; not to be had without rights.
+class CSmallDisk
+{
+public:
+    explicit CSmallDisk(const QString& strFolder)
+        : m_Folder(strFolder.toLocal8Bit()),
+          m_bThere(unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                   mount("none", m_Folder.constData(), "tmpfs", 0, "size=4096") == 0)
+    {
+    }
+    ~CSmallDisk()
+    {
+        if (m_bThere) umount(m_Folder.constData());
+    }
+    CSmallDisk(const CSmallDisk&) = delete;
+    CSmallDisk& operator=(const CSmallDisk&) = delete;
+    bool IsThere() const { return m_bThere; }
+
+private:
+    const QByteArray m_Folder;
+    const bool m_bThere;
 };

@@ -1,3 +1,4 @@
+#include "common/Paths.h"
 #include "widgets/ButtonStyle.h"
 #include "window/WindowSupport.h"
 
@@ -297,7 +298,16 @@ TEST_F(Window_, HomesAtStartUpAndRoundsTheOverride)
     AppConfig::m_bHomeSensorsUsed = AppConfig::m_bAutoHmOnStartup = true;
     AppConfig::m_fHomeRepeatOffset = 0.1;
     AppConfig::m_fAxisFeedPercent[X_AXIS] = 1.15;   // times 100 is below 115
-    Open();
+    AppConfig::SaveConfig(CONFIG_FILE);
+    ASSERT_TRUE(QFile::resize(CPaths::Map(CONFIG_FILE), 656));
+    {
+        CAnswer damaged([](QWidget& modal) {
+            EXPECT_EQ(StatusOutput(), 0) << "it is told before anything moves";
+            Answer(modal, QMessageBox::Ok);
+        });
+        Open();
+        EXPECT_TRUE(damaged.Text().contains("is damaged") && Logged(damaged.Text()));
+    }
     EXPECT_EQ(Bar("m_G01FeedBar").GetValue(), 115);
     EXPECT_TRUE(Logged("Moving to Machine Home"));
     ExpectLogged("Machine Homing finished");

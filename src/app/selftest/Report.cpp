@@ -63,6 +63,7 @@ QString FiguresText(const stPulseTest& test, const stPulseResult& result, const 
     str += Row("Governor", OrNotTold(facts.strGovernor));
     str += Row("Real-time threads get", RealTimeText(facts));
     str += Row("May lock in memory", LockedMemoryText(facts));
+    str += Row("PWM and SPI", facts.bMayUsePwmAndSpi ? QStringLiteral("allowed") : QStringLiteral("NOT ALLOWED"));
     str += Row("Temperature",
                facts.fTemperature ? QStringLiteral("%1 degrees").arg(*facts.fTemperature, 0, 'f', 1) : OrNotTold({}));
     return str;

@@ -1,5 +1,7 @@
 #include "app/selftest/SystemFacts.h"
 
+#include "platform/PinRights.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -56,6 +58,7 @@ stSystemFacts stSystemFacts::Read(const QString& strRoot, int iCore)
     const QString strCpu = strRoot + QStringLiteral("/sys/devices/system/cpu/");
     const QString strKernel = strRoot + QStringLiteral("/proc/sys/kernel/");
     stSystemFacts facts;
+    facts.bMayUsePwmAndSpi = MayUsePwmAndSpi();
     facts.strIsolated = Line(strCpu + QStringLiteral("isolated"));
     facts.strNoTick = Line(strCpu + QStringLiteral("nohz_full"));
     facts.strGovernor = Line(strCpu + QStringLiteral("cpu%1/cpufreq/scaling_governor").arg(iCore));

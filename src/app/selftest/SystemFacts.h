@@ -12,6 +12,7 @@ struct stSystemFacts
     std::optional<qint64> lRealTimeUs, lPeriodUs;   // of each period, what real-time threads may take; -1: all of it
     std::optional<qint64> lLockedMemory;            // bytes that a program may lock; -1: any number
     std::optional<double> fTemperature;             // degrees, the hottest that is told
+    bool bMayUsePwmAndSpi = true;                   // this program; of the libraries that it is linked with
 
     // Reads below strRoot, which is empty but in tests.
     static stSystemFacts Read(const QString& strRoot, int iCore);

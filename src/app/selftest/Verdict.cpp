@@ -26,6 +26,10 @@ static QStringList Advice(const stSystemFacts& facts, bool bBound, int iCore)
         lst +=
             QStringLiteral("The program may not lock all its memory: a page that the system has taken away comes back "
                            "in the middle of a move. Installing grants it, from the next login on.");
+    if (!facts.bMayUsePwmAndSpi)
+        lst +=
+            QStringLiteral("A spindle by PWM and a board by SPI are refused: the program may not reach the computer's "
+                           "memory. Installing grants it.");
     if (facts.fTemperature && *facts.fTemperature >= HOT)
         lst += QStringLiteral("It is hot: a Pi slows itself down from 80 degrees on. Cool it before a long job.");
     return lst;

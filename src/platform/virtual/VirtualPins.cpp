@@ -1,6 +1,7 @@
 #include "platform/virtual/VirtualPins.h"
 
 #include "platform/PinKind.h"
+#include "platform/PinRights.h"
 #include "platform/Spi.h"
 #include "platform/WiringPi.h"
 
@@ -65,6 +66,10 @@ void CVirtualPins::SetSpiInput(std::vector<quint8> bytes)
 bool PinsAreReal()
 {
     return false;
+}
+bool MayUsePwmAndSpi()
+{
+    return true;
 }
 
 extern "C" {

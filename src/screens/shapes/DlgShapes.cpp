@@ -1,5 +1,6 @@
 #include "screens/shapes/DlgShapes.h"
 
+#include "common/FileWriter.h"
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
@@ -449,7 +450,7 @@ void CDlgShapes::on_Btn_GenerateGCode_clicked()
     const QString strPath = AskGCodeName();
     if (strPath.isEmpty()) return;
     // What is logged below says the same of a file that can't be written.
-    if (!QFile(strPath).open(QIODevice::Append)) LogError(QStringLiteral("Unable to Create the file\n") + strPath);
+    if (!CFileWriter(strPath).Open()) LogError(QStringLiteral("Unable to Create the file\n") + strPath);
     AppControl& machine = Host().Machine();
     machine.m_pShapeCuttingInfo = &m_stCuttingInfo;
     machine.CreateGCodeFromShapes(strPath);

@@ -2,10 +2,14 @@
 #include "hardware/VantorCtrl.h"
 #include "hardware/VantorGpio.h"
 #include "platform/PinKind.h"
+#include "platform/PinRights.h"
+#include "support/LoggedScreen.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -30,6 +34,14 @@ protected:
         static QTemporaryDir folder;
         m_strRecord = folder.filePath(QStringLiteral("record"));
         qputenv("PIN_RECORD", m_strRecord.toLocal8Bit());
+        QDir::setCurrent(folder.path());
+        GiveRights(true);
+    }
+    // To a program in the current folder: see the stand-ins.
+    static void GiveRights(bool bGive)
+    {
+        QFile file(QStringLiteral("memory"));
+        EXPECT_TRUE(bGive ? file.open(QIODevice::WriteOnly) : file.remove());
     }
     static QString Take()
     {
@@ -44,6 +56,7 @@ protected:
         environment.insert(QStringLiteral("XDG_DATA_HOME"), m_Folder.path());
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(QDir::currentPath());
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(QString::fromLatin1(szProgram), arguments);
     }
@@ -84,6 +97,31 @@ TEST_F(RealPins, InputsAreThreeTransfersOfOneByteOnTheInputSide)
     EXPECT_EQ(CVANTORGPIO::ReadInput(9), 1);
     EXPECT_EQ(Take(), "spiXfer 5 00\nspiXfer 5 00\nspiXfer 5 00\n");
     EXPECT_EQ(CVANTORGPIO::ReadInput(16), 0);
+}
+
+TEST_F(RealPins, WithoutRightsPinsWorkAndTheRestIsRefused)
+{
+    CLoggedScreen screen;
+    Take();
+    GiveRights(false);
+    AppConfig::m_eVantorCtrl = VTR3_CTRL;
+    AppConfig::ApplyBoardPins();
+    CVANTORGPIO::InitGpio();
+    QStringList start = Read(QStringLiteral(TEST_DATA_DIR "/pi/start.txt")).split('\n');
+    const QStringList pins = start.filter(QRegularExpression(QStringLiteral("^(?!pwm)"))).mid(0, start.size() - 6);
+    EXPECT_EQ(Take(), pins.join('\n') + '\n');
+    AppConfig::m_stPwmSpndlSettings.iCurFreq = 1000;
+    CVANTORGPIO::PwmStart();
+    CVANTORGPIO::PwmStop();
+    EXPECT_TRUE(cvantorctrl::InitVantorCtrl(SPI_CTRL_24));
+    cvantorctrl::WriteOutput(1, 1);
+    EXPECT_EQ(cvantorctrl::ReadInput(9), 0);
+    EXPECT_EQ(Take(), "");
+    EXPECT_EQ(screen.m_lstLog.filter(WHY_NO_PWM_AND_SPI).size(), 2);
+    EXPECT_TRUE(screen.m_lstLog.value(0).contains("Spindle PWM not started") &&
+                screen.m_lstLog.value(1).contains("SPI board not opened"));
+    COperatorScreen::Set(nullptr);
+    GiveRights(true);
 }
 
 TEST_F(RealPins, TheMachinesWindowSetsUpThePinsOfItsBoardAndNothingElse)
@@ -140,6 +178,7 @@ TEST_F(RealPins, TheSelfTestTouchesThemOnlyWhenItMay)
     EXPECT_FALSE(QFile::exists(strRecord));
 
     for (const bool bAsked : {true, false}) {
+        GiveRights(bAsked);
         QProcess allowed;
         Start(allowed, SELFTEST_ON_PINS, bAsked ? call : call + QStringList(QStringLiteral("--yes")));
         if (bAsked) allowed.write("yes\n");
@@ -149,6 +188,8 @@ TEST_F(RealPins, TheSelfTestTouchesThemOnlyWhenItMay)
         EXPECT_EQ(said.contains("Type yes"), bAsked);
         EXPECT_TRUE(said.contains("Edges                   60 of 60\n")) << said.constData();
         EXPECT_FALSE(said.contains("virtual")) << said.constData();
+        EXPECT_EQ(said.contains("PWM and SPI             allowed\n"), bAsked);
+        EXPECT_EQ(said.contains("NOT ALLOWED\n") && said.contains("a board by SPI are refused"), !bAsked);
         // 40 pulses to warm up and 10 that count on each pin, and low at the beginning and at the end.
         const QString strCalls = Read(strRecord);
         for (const char* szPin : {"2", "4", "27"}) {
@@ -157,4 +198,5 @@ TEST_F(RealPins, TheSelfTestTouchesThemOnlyWhenItMay)
         }
         QFile::remove(strRecord);
     }
+    GiveRights(true);
 }

@@ -18,6 +18,7 @@ extern "C" {
 int spiOpen(unsigned channel, unsigned baud, unsigned flags)
 {
     NoteCall("spiOpen %u %u %u", channel, baud, flags);
+    if (!HasRights()) return -31;
     return static_cast<int>(channel + 5);
 }
 int spiXfer(unsigned handle, char* txBuf, char* rxBuf, unsigned count)

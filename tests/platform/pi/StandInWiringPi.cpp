@@ -11,6 +11,7 @@ int wiringPiSetupPinType(int pinType)
 }
 void pinMode(int pin, int mode)
 {
+    if (mode == 8) EndUnlessRights("pinMode PWM");
     NoteCall("pinMode %d %d", pin, mode);
 }
 void pullUpDnControl(int pin, int pud)
@@ -27,18 +28,22 @@ int digitalRead(int)
 }
 void pwmSetMode(int mode)
 {
+    EndUnlessRights("pwmSetMode");
     NoteCall("pwmSetMode %d", mode);
 }
 void pwmSetRange(unsigned int range)
 {
+    EndUnlessRights("pwmSetRange");
     NoteCall("pwmSetRange %u", range);
 }
 void pwmSetClock(int divisor)
 {
+    EndUnlessRights("pwmSetClock");
     NoteCall("pwmSetClock %d", divisor);
 }
 void pwmWrite(int pin, int value)
 {
+    EndUnlessRights("pwmWrite");
     NoteCall("pwmWrite %d %d", pin, value);
 }
 }
