@@ -44,7 +44,8 @@ bool AppControl::Refuse(const QString& strWhy)
 bool AppControl::ClaimWorker()
 {
     if (AppConfig::m_bEmergencyStopON) return Refuse(RELEASE_EMERGENCY_SWITCH);
-    if (IsWorkerBusy()) return Refuse(AXIS_IN_USE);
+    // One that has ended, but not for the interface yet, would lose its end.
+    if (!IsFree()) return Refuse(AXIS_IN_USE);
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     ForgetLast();
     return true;
