@@ -49,6 +49,7 @@ bool AppControl::ClaimWorker()
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     ForgetLast();
     return true;
+    for (AxisCtrl& axis : m_AxisCtrl) axis.SettleWatch();   // that of a homing that was given up is not the new one's
 }
 
 bool AppControl::LaunchOperation(eOperation eCode)

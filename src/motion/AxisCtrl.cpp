@@ -135,6 +135,7 @@ bool AxisCtrl::CheckValidMotion(qint64 lTarget)
         return true;
     }
     if (!m_bHomeDone) return Refuse(HOMING_NOT_DONE);
+    SettleWatch();
     if (lTarget >= m_lNegLimit && lTarget <= m_lPosLimit) return true;
     return Refuse(QLatin1String(g_szAxes[m_sAxis]) + QStringLiteral(" Absolute Position value must be between ") +
                   QString::number(m_lNegLimit / DECIMAL_MULTIPLYER, 'f', PRECISION) + QStringLiteral(" and ") +
@@ -343,6 +344,7 @@ void AxisCtrl::StartThread()
         m_bStartPending = true;
         pTime->SetRun(1 + m_sAxis, this);
     } else {
+    SettleWatch();
         start();
     }
 }
@@ -479,19 +481,19 @@ void AxisCtrl::Finish()
     if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(m_sAxis);
     m_bDecelerate = false;
     m_bMoving.Exchange(false);
-    if (m_bEndWatch.Ordered()) DropWatch();
     m_bThreadIdle = true;
 }
 
 void AxisCtrl::EndWatch()
 {
-    m_bEndWatch.Exchange(true);
-    if (!m_bMoving.Ordered()) DropWatch();   // else the end of the move sees the flag
+    m_bEndWatch = true;
+    SettleWatch();
 }
 
-void AxisCtrl::DropWatch()
+void AxisCtrl::SettleWatch()
 {
     m_bHoming = false;
     m_bWatchZProbe = false;
     m_bEndWatch = false;
 }
+    if (!m_bEndWatch || m_bMoving) return;

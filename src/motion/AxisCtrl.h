@@ -68,6 +68,9 @@ public:
     // Puts m_eDir on the pin and lets it settle: what was commanded in simulation, or before the pins were set up, has
     // not got there.
     void PutDirection();
+    // Drops a watch that was to end with a move which has ended since. By whoever commands the next one, never by the
+    // axis's own thread: that may come to it late, when the watch is the next homing's.
+    void SettleWatch();
 
     static constexpr qint32 NO_LIMIT = 100'000'000;   // 10 m: moves that run until something ends them
 
@@ -115,7 +118,6 @@ private:
     bool MoveAxis();
     void CreateMotionCurve();
     void SetDirection(eDirection eDir);
-    void DropWatch();
     void UseNewTable();
     void SplitMove(quint32 uPulses);
     void WaitForThread();
