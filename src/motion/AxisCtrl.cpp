@@ -10,10 +10,12 @@
 
 #include <QMutexLocker>
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include <new>
 static const char* const g_szAxes[MAX_AXES] = {"X Axis", "Y Axis", "Z Axis", "A Axis", "B Axis"};
 
 // The drive must see the direction settled before the first pulse.
@@ -234,56 +236,48 @@ bool AxisCtrl::RefuseBuild(const QString& strWhy)
 bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
 {
     const QMutexLocker lock(&m_Mutex);
-    m_bBuildPending = false;   // it is out of date
     ++m_uBuilds;
-    return BuildTable(fVel, fAcc);
+    m_uPendingBuild = 0;   // it is out of date
+    return BuildTable({stRampSettings::OfAxis(m_sAxis), fVel, fAcc}, m_bStoreVelCurve);
 }
 
 void AxisCtrl::SetVelocityAccSoon(double fVel, double fAcc)
 {
-    quint32 uBuild = 0;
-    {
-        const QMutexLocker lock(&m_Mutex);
-        uBuild = ++m_uBuilds;
-        m_bBuildPending = true;
-    }
+    const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
+    const quint32 uBuild = ++m_uBuilds;
+    m_uPendingBuild = uBuild;
     ++m_iPooled;
-    RunPooled([this, uBuild, fVel, fAcc] {
-        {
-            const QMutexLocker lock(&m_Mutex);
-            if (m_uBuilds == uBuild) {
-                (void)BuildTable(fVel, fAcc);
-                m_bBuildPending = false;
-            }
-        }
-        --m_iPooled;   // last: whoever waits for it destroys the axis
+    RunPooled([this, uBuild, wanted] {
+        const auto fnLeft = qScopeGuard([this] { --m_iPooled; });   // last: whoever waits for it destroys the axis
+        const QMutexLocker lock(&m_Mutex);
+        const auto fnDone = qScopeGuard([this, uBuild] {
+            quint32 uPending = uBuild;
+            m_uPendingBuild.compare_exchange_strong(uPending, 0);
+        });
+        if (m_uBuilds == uBuild) (void)BuildTable(wanted, false);
     });
 }
 
 // Ahead of a move.
 void AxisCtrl::FinishBuild()
 {
-    if (m_bBuildPending) CWait::SleepUntil([this] { return !m_bBuildPending; }, 100);
+    if (m_uPendingBuild != 0) CWait::SleepUntil([this] { return m_uPendingBuild == 0; }, 100);
 }
 
-bool AxisCtrl::BuildTable(double fVel, double fAcc)
+bool AxisCtrl::BuildTable(const stBuilt& wanted, bool bStoreCurve)
 {
-    const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
-    const QString strWhy = WhyNoRamp(wanted.settings, fVel, fAcc);
-    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ') + strWhy))
-        return false;
+    const QString strWhy = WhyNoRamp(wanted.settings, wanted.fVel, wanted.fAcc);
+    const QString strAxis = AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ');
+    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : strAxis + strWhy)) return false;
 
     const size_t t = 1u - m_ucCurTable;
-    m_fVel[t] = fVel;
-    if (!m_bStoreVelCurve && ReuseTable(wanted, t)) return m_bNewTable = true;
-    m_Building.lstHigh.swap(m_lstHighTime[t]);
-    m_Building.lstLow.swap(m_lstLowTime[t]);
-    BuildRamp(wanted.settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
-    m_Building.lstHigh.swap(m_lstHighTime[t]);
-    m_Building.lstLow.swap(m_lstLowTime[t]);
-    m_fConstHighTime[t] = m_Building.fConstHigh;
-    m_fConstLowTime[t] = m_Building.fConstLow;
-    m_Built[t] = wanted;
+    m_fVel[t] = wanted.fVel;
+    try {
+        FillTable(wanted, t, bStoreCurve);
+    } catch (const std::bad_alloc&) {
+        m_Built[t] = {};
+        return RefuseBuild(strAxis + QStringLiteral("ramp does not fit in memory"));
+    }
     return m_bNewTable = true;   // behind the build: a move may look meanwhile
 }
 
@@ -293,6 +287,21 @@ bool AxisCtrl::ReuseTable(const stBuilt& wanted, size_t uSlot)
 {
     if (m_Built[uSlot] == wanted) return true;
     const size_t uOther = 1 - uSlot;
+void AxisCtrl::FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve)
+{
+    if (!bStoreCurve && ReuseTable(wanted, uSlot)) return;
+    m_Building.lstHigh.swap(m_lstHighTime[uSlot]);
+    m_Building.lstLow.swap(m_lstLowTime[uSlot]);
+    const auto fnPutBack = qScopeGuard([&] {
+        m_Building.lstHigh.swap(m_lstHighTime[uSlot]);
+        m_Building.lstLow.swap(m_lstLowTime[uSlot]);
+    });
+    BuildRamp(wanted.settings, wanted.fVel, wanted.fAcc, m_Building, bStoreCurve ? &m_lstVelCurve : nullptr);
+    m_fConstHighTime[uSlot] = m_Building.fConstHigh;
+    m_fConstLowTime[uSlot] = m_Building.fConstLow;
+    m_Built[uSlot] = wanted;
+}
+
     if (!(m_Built[uOther] == wanted)) return false;
     m_lstHighTime[uSlot] = m_lstHighTime[uOther];
     m_lstLowTime[uSlot] = m_lstLowTime[uOther];

@@ -132,15 +132,16 @@ private:
         double fVel = std::numeric_limits<double>::quiet_NaN(), fAcc = 0.0;
         bool operator==(const stBuilt&) const = default;
     };
-    bool BuildTable(double fVel, double fAcc);
+    bool BuildTable(const stBuilt& wanted, bool bStoreCurve);
+    void FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve);
     bool ReuseTable(const stBuilt& wanted, size_t uSlot);
     void FinishBuild();
 
-    stRampTable m_Building;                  // gets the memory of a slot while that is built
-    stBuilt m_Built[2];                      // under m_Mutex, like all of the building
-    quint32 m_uBuilds = 0;                   // asked for so far
-    CShared<bool> m_bBuildPending = false;   // a pooled one is the last that was asked for
-    std::atomic<int> m_iPooled = 0;          // tasks that know this axis
+    stRampTable m_Building;                     // gets the memory of a slot while that is built
+    stBuilt m_Built[2];                         // under m_Mutex, like all of the building
+    std::atomic<quint32> m_uBuilds = 0;         // asked for so far
+    std::atomic<quint32> m_uPendingBuild = 0;   // the last of them, where it is a pooled one and not done
+    std::atomic<int> m_iPooled = 0;             // tasks that know this axis
 
     bool IsDue() const override { return m_bStartPending; }
     qint64 Run(qint64 lStart) override;
