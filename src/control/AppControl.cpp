@@ -3,6 +3,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Refusals.h"
 #include "hardware/RpiGpio.h"
+#include "machine/MotorSettings.h"
 #include "motion/AllAxisCtrl.h"
 #include "platform/Computer.h"
 
@@ -17,6 +18,7 @@ static void WriteProgramStatus(quint8 ucLevel)
 
 AppControl::AppControl(QObject* pParent) : QThread(pParent)
 {
+    setStackSize(THREAD_STACK);
     m_ProgramRun.m_fnOnLine = [this](unsigned uLine) { emit SelNxtGCodeLine(uLine); };
 }
 
@@ -80,6 +82,7 @@ bool AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
 bool AppControl::InitMachine()
 {
     SetUpAxes();
+    if (!CVirtualTime::Current()) CMotorSettings(*this).ReserveRamps();   // in a dry run no page makes a pulse late
     if (!AppConfig::m_bAutoHmOnStartup) return true;
     // The flag of the stop is not raised here: the first look at the input does all that a rise does.
     if (AppConfig::m_iEStopInput >= 0 && CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput)) != 0)

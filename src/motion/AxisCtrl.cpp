@@ -6,16 +6,17 @@
 #include "hardware/RpiGpio.h"
 #include "motion/Clocks.h"
 #include "motion/MotionObserver.h"
+#include "platform/Computer.h"
 #include "time/Wait.h"
 
 #include <QMutexLocker>
-
 #include <QScopeGuard>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
 #include <new>
+
 static const char* const g_szAxes[MAX_AXES] = {"X Axis", "Y Axis", "Z Axis", "A Axis", "B Axis"};
 
 // The drive must see the direction settled before the first pulse.
@@ -24,7 +25,10 @@ static constexpr qint64 DIRECTION_SETTLING_NS = 5000;
 static constexpr qint64 LOWEST_UNIT = std::numeric_limits<qint32>::min();
 static constexpr qint64 HIGHEST_UNIT = std::numeric_limits<qint32>::max();
 
-AxisCtrl::AxisCtrl() : m_strBuildErr(QStringLiteral("Axis is not configured")) {}
+AxisCtrl::AxisCtrl() : m_strBuildErr(QStringLiteral("Axis is not configured"))
+{
+    setStackSize(THREAD_STACK);
+}
 
 AxisCtrl::~AxisCtrl()
 {
@@ -131,13 +135,13 @@ bool AxisCtrl::Jog(eDirection eDir)
 bool AxisCtrl::CheckValidMotion(qint64 lTarget)
 {
     if (m_bMoving) return Refuse(InMotion());
+    SettleWatch();
     if (m_bHoming) return true;
     if (!AppConfig::m_bHomeSensorsUsed) {
         m_bHomeDone = true;   // without sensors there are no limits on commanded moves
         return true;
     }
     if (!m_bHomeDone) return Refuse(HOMING_NOT_DONE);
-    SettleWatch();
     if (lTarget >= m_lNegLimit && lTarget <= m_lPosLimit) return true;
     return Refuse(QLatin1String(g_szAxes[m_sAxis]) + QStringLiteral(" Absolute Position value must be between ") +
                   QString::number(m_lNegLimit / DECIMAL_MULTIPLYER, 'f', PRECISION) + QStringLiteral(" and ") +
@@ -241,6 +245,8 @@ bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
     return BuildTable({stRampSettings::OfAxis(m_sAxis), fVel, fAcc}, m_bStoreVelCurve);
 }
 
+// The settings are read here: by the time of the build the operator may be changing them. No lock is taken here: the
+// build before this one may hold it as long as that takes.
 void AxisCtrl::SetVelocityAccSoon(double fVel, double fAcc)
 {
     const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
@@ -281,12 +287,6 @@ bool AxisCtrl::BuildTable(const stBuilt& wanted, bool bStoreCurve)
     return m_bNewTable = true;   // behind the build: a move may look meanwhile
 }
 
-// Where this slot or the other one is built for the very same: a long ramp takes its time, and a stop rebuilds them
-// all.
-bool AxisCtrl::ReuseTable(const stBuilt& wanted, size_t uSlot)
-{
-    if (m_Built[uSlot] == wanted) return true;
-    const size_t uOther = 1 - uSlot;
 void AxisCtrl::FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve)
 {
     if (!bStoreCurve && ReuseTable(wanted, uSlot)) return;
@@ -302,6 +302,12 @@ void AxisCtrl::FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve)
     m_Built[uSlot] = wanted;
 }
 
+// Where this slot or the other one is built for the very same: a long ramp takes its time, and a stop rebuilds them
+// all.
+bool AxisCtrl::ReuseTable(const stBuilt& wanted, size_t uSlot)
+{
+    if (m_Built[uSlot] == wanted) return true;
+    const size_t uOther = 1 - uSlot;
     if (!(m_Built[uOther] == wanted)) return false;
     m_lstHighTime[uSlot] = m_lstHighTime[uOther];
     m_lstLowTime[uSlot] = m_lstLowTime[uOther];
@@ -309,6 +315,22 @@ void AxisCtrl::FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve)
     m_fConstLowTime[uSlot] = m_fConstLowTime[uOther];
     m_Built[uSlot] = wanted;
     return true;
+}
+
+void AxisCtrl::ReserveRamp(size_t uEntries)
+{
+    const QMutexLocker lock(&m_Mutex);
+    try {
+        for (size_t t = 0; t < 2; ++t)
+            for (std::vector<double>* pTimes : {&m_lstHighTime[t], &m_lstLowTime[t]}) {
+                const size_t uSize = pTimes->size();
+                if (uSize >= uEntries) continue;
+                pTimes->resize(uEntries);   // written to: reserve alone would leave the pages to the build
+                pTimes->resize(uSize);
+            }
+    } catch (const std::bad_alloc&) {
+        // A build that needs it says so.
+    }
 }
 
 AxisCtrl::stWay AxisCtrl::Way() const
@@ -322,6 +344,7 @@ AxisCtrl::stWay AxisCtrl::Way() const
 
 bool AxisCtrl::MoveAxis()
 {
+    SettleWatch();
     FinishBuild();
     if (const QString strWhy = GetBuildError(); !strWhy.isEmpty()) return Refuse(strWhy);
     const stWay way = Way();
@@ -353,7 +376,6 @@ void AxisCtrl::StartThread()
         m_bStartPending = true;
         pTime->SetRun(1 + m_sAxis, this);
     } else {
-    SettleWatch();
         start();
     }
 }
@@ -501,8 +523,8 @@ void AxisCtrl::EndWatch()
 
 void AxisCtrl::SettleWatch()
 {
+    if (!m_bEndWatch || m_bMoving) return;
     m_bHoming = false;
     m_bWatchZProbe = false;
     m_bEndWatch = false;
 }
-    if (!m_bEndWatch || m_bMoving) return;

@@ -37,6 +37,9 @@ public:
     // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked, and
     // so is one that needs a restart.
     QString GetBuildError() const;
+    // Touches the memory of tables with so many entries, so that the first build of such a one finds it there. While
+    // the axis stands.
+    void ReserveRamp(size_t uEntries);
 
     // The position becomes minus the work-zero offset: the axis is at its home.
     void SetMchHome();
@@ -65,12 +68,12 @@ public:
     // Sensor and probe are no longer watched, on an axis that still moves from its standstill on: with the watch gone
     // it would run through.
     void EndWatch();
-    // Puts m_eDir on the pin and lets it settle: what was commanded in simulation, or before the pins were set up, has
-    // not got there.
-    void PutDirection();
     // Drops a watch that was to end with a move which has ended since. By whoever commands the next one, never by the
     // axis's own thread: that may come to it late, when the watch is the next homing's.
     void SettleWatch();
+    // Puts m_eDir on the pin and lets it settle: what was commanded in simulation, or before the pins were set up, has
+    // not got there.
+    void PutDirection();
 
     static constexpr qint32 NO_LIMIT = 100'000'000;   // 10 m: moves that run until something ends them
 
