@@ -1,6 +1,7 @@
 #include "app/RunWindow.h"
 #include "common/OperatorScreen.h"
 #include "common/Paths.h"
+#include "motion/AllAxisCtrl.h"
 #include "platform/Computer.h"
 #include "platform/PinKind.h"
 #include "widgets/Look.h"
@@ -25,6 +26,7 @@ static void LockAndTell()
     static constexpr const char* TEXTS[] = {"Memory could not be locked: a page that is fetched in a move delays it",
                                             "Memory of the start is locked, later pages are not (see the self-test)",
                                             "All memory is locked"};
+    CAllAxisCtrl::TouchThreads();
     const eLockedMemory eLocked = LockMemory();
     COperatorScreen::Get().AddLogMsg(QString::fromLatin1(TEXTS[eLocked]),
                                      eLocked == LOCKED_NOTHING ? MSG_NOTICE : MSG_INFO);

@@ -3,6 +3,7 @@
 #include "common/OperatorScreen.h"
 #include "common/Refusals.h"
 #include "hardware/RpiGpio.h"
+#include "machine/MotorSettings.h"
 #include "motion/AllAxisCtrl.h"
 #include "platform/Computer.h"
 
@@ -17,6 +18,7 @@ static void WriteProgramStatus(quint8 ucLevel)
 
 AppControl::AppControl(QObject* pParent) : QThread(pParent)
 {
+    setStackSize(THREAD_STACK);
     m_ProgramRun.m_fnOnLine = [this](unsigned uLine) { emit SelNxtGCodeLine(uLine); };
 }
 
@@ -44,10 +46,12 @@ bool AppControl::Refuse(const QString& strWhy)
 bool AppControl::ClaimWorker()
 {
     if (AppConfig::m_bEmergencyStopON) return Refuse(RELEASE_EMERGENCY_SWITCH);
-    if (IsWorkerBusy()) return Refuse(AXIS_IN_USE);
+    // One that has ended, but not for the interface yet, would lose its end.
+    if (!IsFree()) return Refuse(AXIS_IN_USE);
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
     ForgetLast();
     return true;
+    for (AxisCtrl& axis : m_AxisCtrl) axis.SettleWatch();   // that of a homing that was given up is not the new one's
 }
 
 bool AppControl::LaunchOperation(eOperation eCode)
@@ -78,6 +82,7 @@ bool AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
 bool AppControl::InitMachine()
 {
     SetUpAxes();
+    if (!CVirtualTime::Current()) CMotorSettings(*this).ReserveRamps();   // in a dry run no page makes a pulse late
     if (!AppConfig::m_bAutoHmOnStartup) return true;
     // The flag of the stop is not raised here: the first look at the input does all that a rise does.
     if (AppConfig::m_iEStopInput >= 0 && CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput)) != 0)

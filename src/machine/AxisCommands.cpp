@@ -84,13 +84,17 @@ void CAxisCommands::SetVelocityAcc(eAxis axis, double fVel, double fAcc)
         [&] { m_Axes.m_AxisCtrl[axis].SetVelocityAcc(fVel, fAcc); });
 }
 
-void CAxisCommands::ResetAccVel()
+void CAxisCommands::ResetAccVel(bool bSoon)
 {
     m_Watched.Watched([] { return stWorkCommand{.eKind = WORK_RESET_SPEEDS}; },
                       [&] {
-                          for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis)
-                              m_Axes.m_AxisCtrl[axis].SetVelocityAcc(AppConfig::m_fAxisFeed[axis],
-                                                                     AppConfig::m_fAxisAcc[axis]);
+                          for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
+                              const double fVel = AppConfig::m_fAxisFeed[axis], fAcc = AppConfig::m_fAxisAcc[axis];
+                              if (bSoon)
+                                  m_Axes.m_AxisCtrl[axis].SetVelocityAccSoon(fVel, fAcc);
+                              else
+                                  m_Axes.m_AxisCtrl[axis].SetVelocityAcc(fVel, fAcc);
+                          }
                       });
 }
 

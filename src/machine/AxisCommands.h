@@ -36,7 +36,8 @@ public:
     bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait);
     // A refused table marks its axis, and the move that needs it fails with the reason.
     void SetVelocityAcc(eAxis axis, double fVel, double fAcc);
-    void ResetAccVel();   // all axes to their working feeds
+    // All axes to their working feeds. Soon: on pooled threads, for which only the next move of each waits.
+    void ResetAccVel(bool bSoon = false);
     // Of the axes that are marked, at most five minutes. Never true behind a stop: axes that it has halted have not
     // arrived.
     bool WaitForMotionFinish(const signed char* pSelection);

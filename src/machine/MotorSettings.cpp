@@ -55,7 +55,22 @@ QString CMotorSettings::Rebuild(eAxis axis)
     }
     ctrl.m_bStoreVelCurve = false;
     if (!ctrl.SetVelocityAcc(A::m_fAxisFeed[axis], A::m_fAxisAcc[axis])) strWhy = ctrl.GetBuildError();
+    ReserveRamps();
     return strWhy;
+}
+
+// An axis goes with the feed and acceleration of the longest one of a move, or a share of both, which is the shorter
+// ramp.
+void CMotorSettings::ReserveRamps()
+{
+    const int iAxes = CMachineAxes::AxesInUse();
+    for (int axis = 0; axis < iAxes; ++axis) {
+        size_t uMost = 0;
+        for (int main = 0; main < iAxes; ++main)
+            uMost = std::max(
+                uMost, MostRampEntries(stRampSettings::OfAxis(axis), A::m_fMaxAxisFeed[main], A::m_fAxisAcc[main]));
+        m_Machine.m_AxisCtrl[axis].ReserveRamp(uMost);
+    }
 }
 
 QString CMotorSettings::RebuildAll()

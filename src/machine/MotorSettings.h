@@ -33,6 +33,10 @@ public:
     // feed, with which it is left.
     QString Rebuild(eAxis axis);
 
+    // Ramps to the highest feed find their memory touched: a page that is fetched for the first time holds the first
+    // moves of a job up.
+    void ReserveRamps();
+
     // ---- Feeds of the operator; mm/s ----
     QString SetUserFeed(eAxis axis, double fFeed);
     void SetJogFeed(eAxis axis, double fFeed);

@@ -47,6 +47,25 @@ private:
     bool m_bEnding = false;
 };
 
+// Never destroyed: a program may end, by a signal say, while the mode runs.
+static QThreadPool* PulsePool()
+{
+    static QThreadPool* const pPool = [] {
+        auto* pNew = new QThreadPool;
+        pNew->setMaxThreadCount(1);
+        pNew->setExpiryTimeout(-1);
+        pNew->setStackSize(THREAD_STACK);
+        return pNew;
+    }();
+    return pPool;
+}
+
+void CAllAxisCtrl::TouchThreads()
+{
+    TouchStacks(MAX_AXES + 1);   // of the axes and of the worker, which may all run at a time
+    QtConcurrent::run(PulsePool(), TouchStack).waitForFinished();
+}
+
 void CAllAxisCtrl::StartAutoMode(CMachineAxes* pAxes)
 {
     if (m_bAutoModeRunning) {
@@ -62,14 +81,7 @@ void CAllAxisCtrl::StartAutoMode(CMachineAxes* pAxes)
         static CAutoModeRun run;
         pTime->SetRun(0, &run);
     } else {
-        // Never destroyed: a program may end, by a signal say, while the mode runs.
-        static QThreadPool* const pPool = [] {
-            auto* pNew = new QThreadPool;
-            pNew->setMaxThreadCount(1);
-            pNew->setExpiryTimeout(-1);
-            return pNew;
-        }();
-        (void)QtConcurrent::run(pPool, RunAutoMode);
+        (void)QtConcurrent::run(PulsePool(), RunAutoMode);
     }
 }
 

@@ -26,6 +26,9 @@ public:
     static void WaitForMotion();
     // Sleeps until the loop has really gone.
     static void WaitForAutoModeEnd();
+    // Makes the thread, which has its stack touched from then on, and touches those of the threads of the axes and of
+    // the worker: no page of theirs is fetched in the first job. At the start of the program.
+    static void TouchThreads();
     // The thread function, on a thread of its own that no other task ever gets: it stays bound to the pulse core.
     static void RunAutoMode();
 

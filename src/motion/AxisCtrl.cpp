@@ -6,13 +6,16 @@
 #include "hardware/RpiGpio.h"
 #include "motion/Clocks.h"
 #include "motion/MotionObserver.h"
+#include "platform/Computer.h"
 #include "time/Wait.h"
 
 #include <QMutexLocker>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 
 static const char* const g_szAxes[MAX_AXES] = {"X Axis", "Y Axis", "Z Axis", "A Axis", "B Axis"};
 
@@ -22,7 +25,10 @@ static constexpr qint64 DIRECTION_SETTLING_NS = 5000;
 static constexpr qint64 LOWEST_UNIT = std::numeric_limits<qint32>::min();
 static constexpr qint64 HIGHEST_UNIT = std::numeric_limits<qint32>::max();
 
-AxisCtrl::AxisCtrl() : m_strBuildErr(QStringLiteral("Axis is not configured")) {}
+AxisCtrl::AxisCtrl() : m_strBuildErr(QStringLiteral("Axis is not configured"))
+{
+    setStackSize(THREAD_STACK);
+}
 
 AxisCtrl::~AxisCtrl()
 {
@@ -129,6 +135,7 @@ bool AxisCtrl::Jog(eDirection eDir)
 bool AxisCtrl::CheckValidMotion(qint64 lTarget)
 {
     if (m_bMoving) return Refuse(InMotion());
+    SettleWatch();
     if (m_bHoming) return true;
     if (!AppConfig::m_bHomeSensorsUsed) {
         m_bHomeDone = true;   // without sensors there are no limits on commanded moves
@@ -233,57 +240,66 @@ bool AxisCtrl::RefuseBuild(const QString& strWhy)
 bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
 {
     const QMutexLocker lock(&m_Mutex);
-    m_bBuildPending = false;   // it is out of date
     ++m_uBuilds;
-    return BuildTable(fVel, fAcc);
+    m_uPendingBuild = 0;   // it is out of date
+    return BuildTable({stRampSettings::OfAxis(m_sAxis), fVel, fAcc}, m_bStoreVelCurve);
 }
 
+// The settings are read here: by the time of the build the operator may be changing them. No lock is taken here: the
+// build before this one may hold it as long as that takes.
 void AxisCtrl::SetVelocityAccSoon(double fVel, double fAcc)
 {
-    quint32 uBuild = 0;
-    {
-        const QMutexLocker lock(&m_Mutex);
-        uBuild = ++m_uBuilds;
-        m_bBuildPending = true;
-    }
+    const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
+    const quint32 uBuild = ++m_uBuilds;
+    m_uPendingBuild = uBuild;
     ++m_iPooled;
-    RunPooled([this, uBuild, fVel, fAcc] {
-        {
-            const QMutexLocker lock(&m_Mutex);
-            if (m_uBuilds == uBuild) {
-                (void)BuildTable(fVel, fAcc);
-                m_bBuildPending = false;
-            }
-        }
-        --m_iPooled;   // last: whoever waits for it destroys the axis
+    RunPooled([this, uBuild, wanted] {
+        const auto fnLeft = qScopeGuard([this] { --m_iPooled; });   // last: whoever waits for it destroys the axis
+        const QMutexLocker lock(&m_Mutex);
+        const auto fnDone = qScopeGuard([this, uBuild] {
+            quint32 uPending = uBuild;
+            m_uPendingBuild.compare_exchange_strong(uPending, 0);
+        });
+        if (m_uBuilds == uBuild) (void)BuildTable(wanted, false);
     });
 }
 
 // Ahead of a move.
 void AxisCtrl::FinishBuild()
 {
-    if (m_bBuildPending) CWait::SleepUntil([this] { return !m_bBuildPending; }, 100);
+    if (m_uPendingBuild != 0) CWait::SleepUntil([this] { return m_uPendingBuild == 0; }, 100);
 }
 
-bool AxisCtrl::BuildTable(double fVel, double fAcc)
+bool AxisCtrl::BuildTable(const stBuilt& wanted, bool bStoreCurve)
 {
-    const stBuilt wanted{stRampSettings::OfAxis(m_sAxis), fVel, fAcc};
-    const QString strWhy = WhyNoRamp(wanted.settings, fVel, fAcc);
-    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ') + strWhy))
-        return false;
+    const QString strWhy = WhyNoRamp(wanted.settings, wanted.fVel, wanted.fAcc);
+    const QString strAxis = AppConfig::m_strAxisNames[m_sAxis] + QLatin1Char(' ');
+    if (!RefuseBuild(strWhy.isEmpty() ? strWhy : strAxis + strWhy)) return false;
 
     const size_t t = 1u - m_ucCurTable;
-    m_fVel[t] = fVel;
-    if (!m_bStoreVelCurve && ReuseTable(wanted, t)) return m_bNewTable = true;
-    m_Building.lstHigh.swap(m_lstHighTime[t]);
-    m_Building.lstLow.swap(m_lstLowTime[t]);
-    BuildRamp(wanted.settings, fVel, fAcc, m_Building, m_bStoreVelCurve ? &m_lstVelCurve : nullptr);
-    m_Building.lstHigh.swap(m_lstHighTime[t]);
-    m_Building.lstLow.swap(m_lstLowTime[t]);
-    m_fConstHighTime[t] = m_Building.fConstHigh;
-    m_fConstLowTime[t] = m_Building.fConstLow;
-    m_Built[t] = wanted;
+    m_fVel[t] = wanted.fVel;
+    try {
+        FillTable(wanted, t, bStoreCurve);
+    } catch (const std::bad_alloc&) {
+        m_Built[t] = {};
+        return RefuseBuild(strAxis + QStringLiteral("ramp does not fit in memory"));
+    }
     return m_bNewTable = true;   // behind the build: a move may look meanwhile
+}
+
+void AxisCtrl::FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve)
+{
+    if (!bStoreCurve && ReuseTable(wanted, uSlot)) return;
+    m_Building.lstHigh.swap(m_lstHighTime[uSlot]);
+    m_Building.lstLow.swap(m_lstLowTime[uSlot]);
+    const auto fnPutBack = qScopeGuard([&] {
+        m_Building.lstHigh.swap(m_lstHighTime[uSlot]);
+        m_Building.lstLow.swap(m_lstLowTime[uSlot]);
+    });
+    BuildRamp(wanted.settings, wanted.fVel, wanted.fAcc, m_Building, bStoreCurve ? &m_lstVelCurve : nullptr);
+    m_fConstHighTime[uSlot] = m_Building.fConstHigh;
+    m_fConstLowTime[uSlot] = m_Building.fConstLow;
+    m_Built[uSlot] = wanted;
 }
 
 // Where this slot or the other one is built for the very same: a long ramp takes its time, and a stop rebuilds them
@@ -301,6 +317,22 @@ bool AxisCtrl::ReuseTable(const stBuilt& wanted, size_t uSlot)
     return true;
 }
 
+void AxisCtrl::ReserveRamp(size_t uEntries)
+{
+    const QMutexLocker lock(&m_Mutex);
+    try {
+        for (size_t t = 0; t < 2; ++t)
+            for (std::vector<double>* pTimes : {&m_lstHighTime[t], &m_lstLowTime[t]}) {
+                const size_t uSize = pTimes->size();
+                if (uSize >= uEntries) continue;
+                pTimes->resize(uEntries);   // written to: reserve alone would leave the pages to the build
+                pTimes->resize(uSize);
+            }
+    } catch (const std::bad_alloc&) {
+        // A build that needs it says so.
+    }
+}
+
 AxisCtrl::stWay AxisCtrl::Way() const
 {
     const qint64 lDist = static_cast<qint64>(m_lCurPos) - m_lTargetPos;
@@ -312,6 +344,7 @@ AxisCtrl::stWay AxisCtrl::Way() const
 
 bool AxisCtrl::MoveAxis()
 {
+    SettleWatch();
     FinishBuild();
     if (const QString strWhy = GetBuildError(); !strWhy.isEmpty()) return Refuse(strWhy);
     const stWay way = Way();
@@ -479,18 +512,18 @@ void AxisCtrl::Finish()
     if (CMotionObserver* pObserver = CMotionObserver::Get()) pObserver->OnMoveEnd(m_sAxis);
     m_bDecelerate = false;
     m_bMoving.Exchange(false);
-    if (m_bEndWatch.Ordered()) DropWatch();
     m_bThreadIdle = true;
 }
 
 void AxisCtrl::EndWatch()
 {
-    m_bEndWatch.Exchange(true);
-    if (!m_bMoving.Ordered()) DropWatch();   // else the end of the move sees the flag
+    m_bEndWatch = true;
+    SettleWatch();
 }
 
-void AxisCtrl::DropWatch()
+void AxisCtrl::SettleWatch()
 {
+    if (!m_bEndWatch || m_bMoving) return;
     m_bHoming = false;
     m_bWatchZProbe = false;
     m_bEndWatch = false;

@@ -37,6 +37,9 @@ public:
     // Empty, or why the last build was refused; a marked axis makes no move. One that was never built is marked, and
     // so is one that needs a restart.
     QString GetBuildError() const;
+    // Touches the memory of tables with so many entries, so that the first build of such a one finds it there. While
+    // the axis stands.
+    void ReserveRamp(size_t uEntries);
 
     // The position becomes minus the work-zero offset: the axis is at its home.
     void SetMchHome();
@@ -65,6 +68,9 @@ public:
     // Sensor and probe are no longer watched, on an axis that still moves from its standstill on: with the watch gone
     // it would run through.
     void EndWatch();
+    // Drops a watch that was to end with a move which has ended since. By whoever commands the next one, never by the
+    // axis's own thread: that may come to it late, when the watch is the next homing's.
+    void SettleWatch();
     // Puts m_eDir on the pin and lets it settle: what was commanded in simulation, or before the pins were set up, has
     // not got there.
     void PutDirection();
@@ -115,7 +121,6 @@ private:
     bool MoveAxis();
     void CreateMotionCurve();
     void SetDirection(eDirection eDir);
-    void DropWatch();
     void UseNewTable();
     void SplitMove(quint32 uPulses);
     void WaitForThread();
@@ -130,15 +135,16 @@ private:
         double fVel = std::numeric_limits<double>::quiet_NaN(), fAcc = 0.0;
         bool operator==(const stBuilt&) const = default;
     };
-    bool BuildTable(double fVel, double fAcc);
+    bool BuildTable(const stBuilt& wanted, bool bStoreCurve);
+    void FillTable(const stBuilt& wanted, size_t uSlot, bool bStoreCurve);
     bool ReuseTable(const stBuilt& wanted, size_t uSlot);
     void FinishBuild();
 
-    stRampTable m_Building;                  // gets the memory of a slot while that is built
-    stBuilt m_Built[2];                      // under m_Mutex, like all of the building
-    quint32 m_uBuilds = 0;                   // asked for so far
-    CShared<bool> m_bBuildPending = false;   // a pooled one is the last that was asked for
-    std::atomic<int> m_iPooled = 0;          // tasks that know this axis
+    stRampTable m_Building;                     // gets the memory of a slot while that is built
+    stBuilt m_Built[2];                         // under m_Mutex, like all of the building
+    std::atomic<quint32> m_uBuilds = 0;         // asked for so far
+    std::atomic<quint32> m_uPendingBuild = 0;   // the last of them, where it is a pooled one and not done
+    std::atomic<int> m_iPooled = 0;             // tasks that know this axis
 
     bool IsDue() const override { return m_bStartPending; }
     qint64 Run(qint64 lStart) override;

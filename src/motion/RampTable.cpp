@@ -50,10 +50,12 @@ struct stRampJob
 };
 
 // Entries of the ramp, from above; building it to find out would take as long as the refused ramp is.
-double EstimateEntries(double fTop, double fAcc, double fJerk, double fSampleUs, bool bSCurve)
+double EstimateEntries(const stRampSettings& settings, double fVel, double fAccMm)
 {
-    const double fSample = fSampleUs / 1000000.0;
-    if (!bSCurve) return fTop * fTop / (2.0 * fAcc) + fTop * fSample;
+    const double fTop = fVel / settings.fStep, fAcc = fAccMm / settings.fStep;
+    const double fJerk = settings.fRateOfAcc / settings.fStep;
+    const double fSample = static_cast<double>(settings.uSampleUs) / 1000000.0;
+    if (!settings.bSCurve) return fTop * fTop / (2.0 * fAcc) + fTop * fSample;
     // Time to half the speed; each sample of both halves makes one entry at least.
     const double fRise = fAcc * fAcc / fJerk >= fTop ? std::sqrt(fTop / fJerk)
                                                      : fAcc / fJerk + (fTop / 2.0 - fAcc * fAcc / (2.0 * fJerk)) / fAcc;
@@ -99,21 +101,23 @@ void BuildSCurve(const stRampJob& job, std::vector<double>& accList)
 
 QString WhyNoRamp(const stRampSettings& settings, double fVel, double fAcc)
 {
-    const double fStep = settings.fStep, fSample = static_cast<double>(settings.uSampleUs);
-
     // Written so that "not a number" is refused too.
     if (!(fAcc > 0.0)) return QStringLiteral("acceleration must be greater than zero");
     if (!(fVel > 0.0)) return QStringLiteral("feed must be greater than zero");
-    if (CUnitConverter::GetLong(fStep) < 1) return QStringLiteral("move per pulse must be 0.0001 or more");
+    if (CUnitConverter::GetLong(settings.fStep) < 1) return QStringLiteral("move per pulse must be 0.0001 or more");
     if (!(settings.fDuty > 0.0 && settings.fDuty < 1.0)) return QStringLiteral("duty cycle must be between zero and 1");
     if (settings.uSampleUs == 0) return QStringLiteral("sampling time must be greater than zero");
     if (settings.bSCurve && !(settings.fRateOfAcc > 0.0))
         return QStringLiteral("rate of acceleration must be greater than zero");
-    const double fEntries =
-        EstimateEntries(fVel / fStep, fAcc / fStep, settings.fRateOfAcc / fStep, fSample, settings.bSCurve);
-    if (!(fEntries <= static_cast<double>(MAX_RAMP_ENTRIES)))
+    if (!(EstimateEntries(settings, fVel, fAcc) <= static_cast<double>(MAX_RAMP_ENTRIES)))
         return QStringLiteral("acceleration is too low for this feed");
     return QString();
+}
+
+size_t MostRampEntries(const stRampSettings& settings, double fVel, double fAcc)
+{
+    if (!WhyNoRamp(settings, fVel, fAcc).isEmpty()) return 0;
+    return static_cast<size_t>(EstimateEntries(settings, fVel, fAcc)) + 1;
 }
 
 void BuildRamp(const stRampSettings& settings, double fVel, double fAcc, stRampTable& table,

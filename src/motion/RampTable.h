@@ -34,6 +34,9 @@ inline constexpr qint64 MAX_RAMP_ENTRIES = 4'000'000;   // 1.5 MHz at 600 mm/s^2
 // sampling time of 0, more than MAX_RAMP_ENTRIES.
 QString WhyNoRamp(const stRampSettings& settings, double fVel, double fAcc);
 
+// Entries of that ramp, never too few; 0 where there is none.
+size_t MostRampEntries(const stRampSettings& settings, double fVel, double fAcc);
+
 // Of what WhyNoRamp has let through. The vectors are cleared, never given back: a build between two moves allocates
 // nothing. pCurve: takes the speeds too, pulses/s.
 void BuildRamp(const stRampSettings& settings, double fVel, double fAcc, stRampTable& table,

@@ -1,10 +1,13 @@
 #include "platform/Computer.h"
 
 #include <QProcess>
+#include <QSemaphore>
+#include <QThread>
 
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <memory>
 #include <mutex>
 #include <sched.h>
 #include <sys/mman.h>
@@ -59,6 +62,33 @@ eLockedMemory LockMemory()
     const bool bUnlimited = getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
     if (bUnlimited && mlockall(MCL_CURRENT | MCL_FUTURE) == 0) return LOCKED_ALL;
     return mlockall(MCL_CURRENT) == 0 ? LOCKED_PRESENT : LOCKED_NOTHING;
+}
+
+void TouchStack()
+{
+    static constexpr size_t TOUCHED = 64 * 1024, PAGE = 4096;
+    volatile char bytes[TOUCHED];
+    for (size_t n = 0; n < TOUCHED; n += PAGE) bytes[n] = 0;
+    (void)bytes[0];
+}
+
+void TouchStacks(int iThreads)
+{
+    static constexpr int START_LIMIT_MS = 1000;
+    QSemaphore started, end;
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (int n = 0; n < iThreads; ++n) {
+        threads.emplace_back(QThread::create([&] {
+            TouchStack();
+            started.release();
+            end.acquire();   // none takes the stack of one that has ended
+        }));
+        threads.back()->setStackSize(THREAD_STACK);
+        threads.back()->start();
+    }
+    (void)started.tryAcquire(iThreads, START_LIMIT_MS);   // one that finds no memory does not start
+    end.release(iThreads);
+    for (const auto& pThread : threads) pThread->wait();
 }
 
 static bool StartProcess(const QString& strProgram)

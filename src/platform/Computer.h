@@ -30,6 +30,14 @@ enum eLockedMemory
 };
 eLockedMemory LockMemory();
 
+// The stack of a thread that makes pulses or has them made, in bytes. Small: locked memory fetches the whole of a new
+// one, and what the C library keeps of ended threads for new ones has its bound.
+inline constexpr unsigned THREAD_STACK = 1024 * 1024;
+// Touches the calling thread's stack, as deep as its work goes.
+void TouchStack();
+// Makes so many threads at a time, and ends them: their stacks, touched, are those of the threads to come.
+void TouchStacks(int iThreads);
+
 // Starts a program that outlives this one. Tests and the headless runner put a function of their own in its place:
 // nothing but the machine's own program may shut a computer down.
 using StartDetachedFn = bool (*)(const QString& strProgram);

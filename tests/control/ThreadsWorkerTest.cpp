@@ -50,12 +50,14 @@ TEST_F(ThreadsWorker, StartsAgainTheMomentAnOperationHasFinished)
     const GCodeProgram program(3);
     m_App.m_iLeavingUs = 20000;
     for (int n = 0; n < 50; ++n) {
-        m_App.m_bOperationFinished = false;
-        m_App.StartExecGCodeLine(&program, n % 3);
+        ASSERT_TRUE(m_App.StartExecGCodeLine(&program, n % 3));
         ASSERT_TRUE(Finished()) << n;
+        ASSERT_FALSE(m_App.StartExecGCodeLine(&program, 0)) << "the interface does not know of the end yet";
+        ASSERT_TRUE(m_App.TakeFinished()) << "a start that was refused has taken it away";
+        m_App.TakeNoteOfEnd();
         ASSERT_FALSE(CAllAxisCtrl::m_bAutoModeRunning);
     }
-    EXPECT_EQ(m_App.TakeErrors(), QStringList());
+    EXPECT_EQ(m_App.TakeErrors().count("Axis in use"), 50);
 }
 
 TEST_F(ThreadsWorker, AStartBeforeTheEndIsRefused)

@@ -165,6 +165,17 @@ TEST_F(SurfaceTest, AShortRowIsReadAtItsLastNode)
     EXPECT_EQ(end.z, 0.5) << "a third node of the second row does not exist";
 }
 
+// Columns so close that none counts as nearer than the first of the cell, which is the one before the node.
+TEST_F(SurfaceTest, ANodeOfTheGridIsTheFarBorderOfItsCell)
+{
+    AppConfig::m_ZProfileInfo.lstPoints = {{{0, 0, 0.1}, {0.01, 0, 0.2}, {0.02, 0, 0.3}},
+                                           {{0, 30, 0.4}, {0.01, 30, 0.5}, {0.02, 30, 0.6}}};
+    Begin({0.01, 8, 0});
+    stFloatPoint end{0.01, 10, 0};
+    EXPECT_TRUE(m_App.ZProfileMove({0.01, 8, 0}, end));
+    EXPECT_EQ(end.z, 0.1);
+}
+
 TEST_F(SurfaceTest, WhatNoWalkCanServeIsRefused)
 {
     Begin();

@@ -157,6 +157,7 @@ TEST_F(Homing, AStopLeavesTheMachineNotHomed)
 {
     for (double fAt = 0.05; fAt < 3.8; fAt += 0.13) {
         BuildAtSensors();
+        m_App.TakeNoteOfEnd();
         AppConfig::m_bEmergencyStopON = false;
         EmergencyStopAt(fAt);
         m_App.StartMchHomingSequence();

@@ -43,6 +43,24 @@ INSTANTIATE_TEST_SUITE_P(Ways, BoardChange,
                                          stBoards{VTR5_CTRL, {VTR3_CTRL, VTR5_CTRL}, 5, true},
                                          stBoards{VTR5_CTRL, {SPI_CTRL_16}, 5, true}));
 
+// Of Y too, whose own highest feed is low: it goes along with the longest axis.
+TEST_F(CWorkerTest, TheMemoryOfTheLongestRampIsThereAheadOfItsBuild)
+{
+    A::m_fMaxAxisFeed[X_AXIS] = 400.0;
+    Build();
+    for (const int iCurve : {0, 1}) {
+        A::m_eAxisFeedtype = iCurve;
+        CMotorSettings(m_App).ReserveRamps();
+        for (const eAxis axis : {X_AXIS, Y_AXIS}) {
+            AxisCtrl& ctrl = m_App.m_AxisCtrl[axis];
+            const size_t t = 1u - ctrl.m_ucCurTable;
+            const double* pMemory = ctrl.m_lstLowTime[t].data();
+            ASSERT_TRUE(ctrl.SetVelocityAcc(400.0, A::m_fAxisAcc[X_AXIS]));
+            EXPECT_EQ(ctrl.m_lstLowTime[t].data(), pMemory) << axis << ' ' << iCurve;
+        }
+    }
+}
+
 class SpoiltHomes : public CWorkerTest
 {
 };

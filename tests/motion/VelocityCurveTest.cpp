@@ -4,6 +4,7 @@
 #include "support/CleanMachine.h"
 
 #include <limits>
+#include <sys/resource.h>
 
 namespace {
 std::string Decimals(double v)
@@ -51,6 +52,25 @@ TEST_P(VelocityCurveCase, TablesEqualTheReference)
 }
 INSTANTIATE_TEST_SUITE_P(Reference, VelocityCurveCase, testing::ValuesIn(CCases::Names("curves", ".in.json")),
                          CaseName);
+
+// No room for more than a few megabytes, while it lives.
+class CLittleMemory
+{
+public:
+    CLittleMemory()
+    {
+        QFile pages("/proc/self/statm");
+        EXPECT_TRUE(pages.open(QIODevice::ReadOnly));
+        getrlimit(RLIMIT_AS, &m_Before);
+        const rlimit little{rlim_t(pages.readLine().split(' ').first().toLongLong() * 4096 + 4'000'000),
+                            m_Before.rlim_max};
+        setrlimit(RLIMIT_AS, &little);
+    }
+    ~CLittleMemory() { setrlimit(RLIMIT_AS, &m_Before); }
+
+private:
+    rlimit m_Before{};
+};
 
 class VelocityCurve : public CCleanMachine
 {
@@ -108,6 +128,23 @@ TEST_F(VelocityCurve, ATableThatIsThereAlreadyIsNotBuiltAgain)
     AppConfig::m_fAxisDutyCycle[X_AXIS] = 0.4;
     ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
     EXPECT_NE(m_Axis.m_lstLowTime[0], low);
+}
+
+TEST_F(VelocityCurve, ARampThatDoesNotFitInMemoryMarksTheAxisInsteadOfHoldingItForEver)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "its allocator ends the program where memory does";
+#endif
+    const CVirtualTime time;   // a pooled build is made at once
+    ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
+    {
+        const CLittleMemory little;
+        m_Axis.SetVelocityAccSoon(1500, 600);
+    }
+    EXPECT_TRUE(m_Axis.GetBuildError().contains("memory"));
+    EXPECT_FALSE(m_Axis.MoveAbs(1.0));
+    ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
+    EXPECT_EQ(m_Axis.m_lstHighTime[1].size(), 328u) << "the table that was lost counts as none";
 }
 
 TEST_F(VelocityCurve, TheHighestRateIsBuilt)
