@@ -20,6 +20,7 @@
 #include "window/ScreenStack.h"
 #include "window/SpindlePanel.h"
 #include "window/StartStop.h"
+#include "window/StopOver.h"
 #include "window/UsbProgram.h"
 
 #include <QApplication>
@@ -380,6 +381,7 @@ bool MainWindow::event(QEvent* pEvent)
 bool MainWindow::eventFilter(QObject* pObject, QEvent* pEvent)
 {
     if (pObject == qApp && pEvent->type() == QEvent::Quit) m_bQuitting = true;
+    CStopOver::Follow(m_BtnStop, pObject, *pEvent);
     return m_pKeys->TakeStopKey(*pEvent) || QMainWindow::eventFilter(pObject, pEvent);
 }
 

@@ -1,6 +1,7 @@
 #include "motion/AllAxisCtrl.h"
 #include "widgets/ButtonStyle.h"
 #include "widgets/DlgKeyPad.h"
+#include "window/StopOver.h"
 #include "window/WindowSupport.h"
 
 namespace {
@@ -340,6 +341,40 @@ TEST_F(WindowRun, APausedOperationIsResumedFromTheSettings)
     Touch(Round("m_BtnStart"));
     EXPECT_FALSE(Machine().m_bPause);
     ExpectLogged("G-Code execution finished");
+}
+
+// Whatever box, dialog or file dialog takes the window's touches away while an axis moves: Stop stays where it is.
+TEST_F(WindowRun, StopIsInReachOverEveryBox)
+{
+    Open();
+    const struct
+    {
+        const char *szScreen, *szButton;
+    } lstRoads[] = {{"GCode", "SaveAsGCode"},          {"ShapeCarving", "DelAllShapes"},
+                    {"ShapeCarving", "LoadWorkArea"},  {"ImageCarving", "LoadImage"},
+                    {"JobSettings", "CreateZProfile"}, {"UserSettings", "SpindleSpeeds"},
+                    {"MachineSettings", "PwmSettings"}};
+    for (const auto& road : lstRoads) {
+        SCOPED_TRACE(road.szButton);
+        TouchButton(QStringLiteral("Btn_") + road.szScreen);
+        ASSERT_TRUE(Machine().MoveAbs(X_AXIS, 300.0));
+        CAnswer box([&](QWidget& modal) {
+            const auto Over = [&] { return modal.findChild<CStopOver*>(); };
+            ASSERT_TRUE(WaitFor([&] { return Over() && Over()->isVisible(); }, 3000));
+            EXPECT_EQ(Over()->geometry(), QRect(Window().mapToGlobal(QPoint(1030, 700)), QSize(90, 90)));
+            Touch(Round("m_BtnStop"));
+            EXPECT_FALSE(AppConfig::m_bEmergencyStopON) << "the window's own is blocked";
+            Touch(*Over());
+            EXPECT_TRUE(AppConfig::m_bEmergencyStopON && Machine().IsMachineIdle());
+            const auto Look = [](QWidget& w) { return w.grab().toImage().convertToFormat(QImage::Format_RGB32); };
+            EXPECT_EQ(Look(*Over()), Look(Round("m_BtnStop")));
+            Touch(*Over());
+            EXPECT_FALSE(AppConfig::m_bEmergencyStopON || Round("m_BtnStop").IsPressed());
+            modal.close();
+        });
+        Button(QStringLiteral("Btn_") + road.szButton).click();   // on whatever page of its screen
+        EXPECT_LT(Machine().GetCurPos(X_AXIS), 300.0);
+    }
 }
 
 // Closing the window in the middle of a job leaves nothing behind.

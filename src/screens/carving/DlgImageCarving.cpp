@@ -139,6 +139,8 @@ void CDlgImageCarving::ShowMultipass()
 void CDlgImageCarving::on_Btn_LoadImage_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_LoadImage);
+    // A worker that was given up may still be making the depths of the picture.
+    if (Host().MachineParts().IsWorkerBusy()) return LogError(MACHINE_IN_USE);
     // A picture has square pixels, and the grid one step size.
     if (AppConfig::m_fAxisMovPerPulse[X_AXIS] != AppConfig::m_fAxisMovPerPulse[Y_AXIS])
         return LogError(QStringLiteral("X & Y axis Move/Pulse must be same\nPlease check Machine Settings->Motor"));

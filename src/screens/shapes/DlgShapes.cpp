@@ -22,11 +22,13 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QTimer>
 
 static constexpr double FRESH_LENGTH = 300.0, FRESH_WIDTH = 200.0;   // mm
 static constexpr double LARGEST_AREA = 1000000.0, DEEPEST = 10000.0;
 static constexpr double THINNEST_MILL = 0.1, THICKEST_MILL = 100.0;
 static constexpr int SCROLL_BARS = 25;   // pixels of the view
+static constexpr int WORKER_POLL_MS = 20;
 static const QString FILE_FILTER = QStringLiteral("xml Files(*.xml)");
 static const QString GCODE_FILTER = QStringLiteral("text files(*.txt);;G-Code files(*.ncc)");
 
@@ -95,11 +97,18 @@ void CDlgShapes::ShowSize()
     m_pUi->Btn_WorkAreaWidth->setText(QString::number(area.y) + QStringLiteral("\nWidth"));
 }
 
+// After a stop the worker may still be on its way out of the list: until it has gone nothing changes.
 void CDlgShapes::ResetUI(bool bEnable)
 {
-    for (QPushButton* pButton : findChildren<QPushButton*>(Qt::FindDirectChildrenOnly)) pButton->setEnabled(bEnable);
+    m_bEnableWanted = bEnable;
+    const bool bFree = bEnable && !Host().MachineParts().IsWorkerBusy();
+    for (QPushButton* pButton : findChildren<QPushButton*>(Qt::FindDirectChildrenOnly)) pButton->setEnabled(bFree);
     for (QPushButton* pButton : {m_pUi->Btn_WorkAreaLength, m_pUi->Btn_WorkAreaWidth})
-        pButton->setEnabled(bEnable && !AppConfig::m_bHomeSensorsUsed);
+        pButton->setEnabled(bFree && !AppConfig::m_bHomeSensorsUsed);
+    if (bEnable == bFree) return;
+    QTimer::singleShot(WORKER_POLL_MS, this, [this] {
+        if (m_bEnableWanted) ResetUI(true);
+    });
 }
 
 // With home sensors the area follows the work zero, which is set elsewhere.
@@ -313,7 +322,7 @@ void CDlgShapes::ListNewShapes()
 void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
 {
     const int iRow = m_Rows.Current();
-    if (iRow < 0 || IsEditing() || Host().Operation() != OP_NONE) return;
+    if (iRow < 0 || IsEditing() || Host().Operation() != OP_NONE || Host().MachineParts().IsWorkerBusy()) return;
     BeginAdding();
     if (EllipseAt(static_cast<size_t>(iRow)))
         EditEllipse(static_cast<size_t>(iRow));
@@ -475,8 +484,7 @@ void CDlgShapes::ToggleBackground(QPushButton* pButton)
     m_Drawing.Show(m_Rows.Current());
 }
 
-// ---- Drawing
-// ----------------------------------------------------------------------------------------------------------
+// ---- Drawing --------------------------------------------------------------------------------------------------------
 
 void CDlgShapes::DrawWorkArea()
 {

@@ -104,7 +104,8 @@ private:
     std::unique_ptr<QImage> m_pWorkAreaImg;   // the view's, less its scroll bars
     CShapeRows m_Rows;
     CShapeDrawing m_Drawing;
-    QString m_strToldOnce;   // by the dialog that is open
+    QString m_strToldOnce;         // by the dialog that is open
+    bool m_bEnableWanted = true;   // as soon as the worker has gone
     std::unique_ptr<CDlgEllipse> m_dlgEllipse;
     std::unique_ptr<CDlgEditPolygon> m_dlgEditPolygon;
     std::unique_ptr<CDlgShapeFromImg> m_dlgShapeFromImg;

@@ -303,6 +303,12 @@ TEST_F(ImageCarving, StaysClosedUntilTheWorkerHasGone)
     }
     EXPECT_TRUE(WaitFor([this] { return Button("LoadImage").isEnabled(); }));
     EXPECT_FALSE(m_Host.m_Machine.isRunning());
+
+    m_Host.m_Machine.Begin(OP_IMG_CARVING);
+    m_Host.m_Machine.m_eOperation = OP_NONE;
+    Click(Button("LoadImage"));   // no file is asked for
+    EXPECT_EQ(Log(), "Machine in use");
+    m_Host.m_Machine.Leave(false);
 }
 
 // ---- In the window --------------------------------------------------------------------------------------------------
