@@ -146,9 +146,20 @@ bool AppControl::RunZProfile()
     return LaunchOperation(OP_Z_PROFILE);
 }
 
+// A saved work zero and a restart part them: the choice of the units is kept, the factor of the coordinates is not.
+void AppControl::TellUnits() const
+{
+    const bool bFeedInch = AppConfig::m_eSelUnits == 1, bInch = m_fUnitFactor != 1.0;
+    if (bFeedInch == bInch) return;
+    TellNotice(QStringLiteral("Until G20 or G21, F is read in %1 and coordinates in %2")
+                   .arg(bFeedInch ? QStringLiteral("inches") : QStringLiteral("mm"),
+                        bInch ? QStringLiteral("inches") : QStringLiteral("mm")));
+}
+
 bool AppControl::StartGCode(const GCodeProgram* pProgram)
 {
     if (!ClaimForJob()) return false;
+    TellUnits();
     m_pGCodeProgram = pProgram;
     m_bExecSingleLine = false;   // may stand from a single line that was given up
     return LaunchJob(OP_GCODE, !AppConfig::m_bSimulationMode);
@@ -157,6 +168,7 @@ bool AppControl::StartGCode(const GCodeProgram* pProgram)
 bool AppControl::StartExecGCodeLine(const GCodeProgram* pProgram, int iLine)
 {
     if (!ClaimForJob()) return false;
+    TellUnits();
     m_pGCodeProgram = pProgram;
     m_bExecSingleLine = true;
     m_iSingleLineNo = iLine;

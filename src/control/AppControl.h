@@ -141,6 +141,7 @@ private:
     bool LaunchJob(eOperation eCode, bool bAutoSpindle);
     bool StartHoming(const signed char* pAxes);
     bool Refuse(const QString& strWhy);
+    void TellUnits() const;
 
     // Worker.
     struct stWork;

@@ -1,6 +1,5 @@
 #include "gcode/GCodeEditor.h"
 
-#include "common/Refusals.h"
 #include "gcode/GCodeStore.h"
 
 #include <QStringList>
@@ -39,15 +38,6 @@ template <class... T> QFuture<void> FreeOnPool(T&... content)
 }
 }   // namespace
 
-QString CGCodeEditor::WhyBusy(bool bTaskRuns, bool bProgramRuns)
-{
-    if (Store::m_bGCodeLoading) return QStringLiteral("G-Code Loading. Please wait!");
-    if (Store::m_bGCodeCompiling || Store::m_bProgramExchanged || bTaskRuns)
-        return QStringLiteral("G-Code Compiling. Please wait!");
-    if (bProgramRuns) return MACHINE_IN_USE;
-    return {};
-}
-
 qint32 CGCodeEditor::LineCount()
 {
     // While a load publishes its lines the store belongs to its thread.
@@ -74,6 +64,14 @@ QString CGCodeEditor::Field(qint32 iLine)
 QString CGCodeEditor::TextOf(const QString& strField)
 {
     return strField.mid(strField.indexOf(QLatin1Char(']')) + 1);
+}
+
+std::optional<qint32> CGCodeEditor::NumberOf(const QString& strField)
+{
+    if (!strField.startsWith(QLatin1Char('['))) return std::nullopt;
+    bool bNumber = false;
+    const qint32 iLine = strField.mid(1, strField.indexOf(QLatin1Char(']')) - 1).toInt(&bNumber);
+    return bNumber ? std::optional(iLine) : std::nullopt;
 }
 
 void CGCodeEditor::Update(qint32 iLine, const QString& strText)

@@ -8,7 +8,7 @@
 
 // What the screen of the program does to the store, without a widget: which lines are in view, how a line is changed,
 // where the next error stands. Lines are zero-based. Interface thread, while no load and no compilation runs and no
-// operation executes the program; whoever calls has asked WhyBusy first.
+// operation executes the program; whoever calls has asked CProgramState first.
 class CGCodeEditor
 {
 public:
@@ -21,10 +21,6 @@ public:
         bool Holds(qint32 iLine) const { return iLine >= iFirst && iLine < iEnd; }
     };
 
-    // Why the program may not be changed, as the operator reads it; empty where it may. A task of the pool may still
-    // run although no flag is up: the check of a tool-change file clears the one of the compilation.
-    static QString WhyBusy(bool bTaskRuns, bool bProgramRuns);
-
     static qint32 LineCount();
     // The rows in view for a place of the scroll bar: near the end the last ten.
     static stRows RowsAt(qint32 iPlace);
@@ -34,6 +30,7 @@ public:
     // The edit field of a line, "[", its index, "]" and its text; and what stands behind the first "]" of the field.
     static QString Field(qint32 iLine);
     static QString TextOf(const QString& strField);
+    static std::optional<qint32> NumberOf(const QString& strField);   // none: it does not begin with one
 
     // The tokens are those of the store's tokenizer. No check: the operator compiles.
     static void Update(qint32 iLine, const QString& strText);

@@ -21,6 +21,7 @@ CShared<bool> CGCodeStore::m_bGCodeLoading = false;
 CShared<bool> CGCodeStore::m_bGCodeCompiling = false;
 CShared<bool> CGCodeStore::m_bToolChgCompiling = false;
 CShared<bool> CGCodeStore::m_bProgramExchanged = false;
+CShared<bool> CGCodeStore::m_bLoadBroke = false;
 
 namespace {
 // How many lines a file will have at most; 0 where it cannot be read twice. Half of the time of a load is the computer
@@ -105,6 +106,7 @@ void CGCodeStore::LoadGCode(QString strFile, QObject* notify)
     else   // half a program must not run
         COperatorScreen::Get().AddLogMsg(QStringLiteral("G-Code File not readable to its end: %1").arg(strFile),
                                          MSG_ERROR);
+    m_bLoadBroke = !bWhole;
     m_bGCodeLoading = false;
     if (notify) QMetaObject::invokeMethod(notify, "GCodeLoadComplete");
 }
@@ -117,22 +119,46 @@ void CGCodeStore::CompileGCode(QObject* notify)
     if (notify) QMetaObject::invokeMethod(notify, "GCodeCompilationComplete");
 }
 
+QString CGCodeStore::ToolFile(const std::string& strTool)
+{
+    return WORKING_FOLDER + QLatin1Char('/') + QString::fromLatin1(strTool.data(), qsizetype(strTool.size())) +
+           QStringLiteral(".txt");
+}
+
+CGCodeStore::eToolFile CGCodeStore::ReadToolFile(const QString& strPath, GCodeTokens (*fnTokenize)(const QString&),
+                                                 GCodeProgram& program)
+{
+    program.clear();
+    QFile file(CPaths::Map(strPath));
+    if (!file.exists()) return eToolFile::MISSING;
+    GCodeProgram lines;
+    size_t uLines = 0;   // counting them sees a file that cannot be read at all, which looks like an empty one
+    if (!file.open(QIODevice::ReadOnly) || !CountLines(file, uLines) ||
+        !ReadLines(file, [&](const QString& strLine) { lines.push_back(fnTokenize(strLine)); }))
+        return eToolFile::UNREADABLE;
+    program.swap(lines);
+    return eToolFile::READ;
+}
+
 void CGCodeStore::CompileToolFile(CGCodeCompiler& compiler)
 {
     if (m_bToolChgCompiling) return compiler.Error("Tool Select, 'T', Command must not exist in ATC file,");
-    const QString strPath = WORKING_FOLDER + QLatin1Char('/') +
-                            QString::fromLatin1(compiler.Token().data(), qsizetype(compiler.Token().size())) +
-                            QStringLiteral(".txt");
-    QFile file(CPaths::Map(strPath));
-    if (!file.exists())
-        return compiler.Error("No ATC commands found. Please check the file, " + strPath.toStdString() + ", exists?");
-    if (!file.open(QIODevice::ReadOnly)) return compiler.Error("Unable to open ATC File," + strPath.toStdString());
+    const QString strPath = ToolFile(compiler.Token());
     GCodeProgram toolProgram;
-    if (!ReadLines(file, [&](const QString& strLine) { toolProgram.push_back(Parse_GCode_Line(strLine)); }))
-        return compiler.Error("Unable to open ATC File," + strPath.toStdString());
-
+    switch (ReadToolFile(strPath, Parse_GCode_Line, toolProgram)) {
+    case eToolFile::READ: break;
+    case eToolFile::MISSING:
+        return compiler.Error("No ATC commands found. Please check the file, " + strPath.toStdString() + ", exists?");
+    case eToolFile::UNREADABLE: return compiler.Error("Unable to open ATC File," + strPath.toStdString());
+    }
     const CProgramExchange exchange(toolProgram);
     CompileGCode(nullptr);   // its errors go under its own line numbers into the same map, and the flag falls: wanted
+}
+
+QString CGCodeStore::WhyOneLine()
+{
+    if (m_lstOfGCodeLines.size() != 1 || !m_lstOfGCodeLines[0].contains(QLatin1Char('\r'))) return {};
+    return QStringLiteral("The file has no line ends, only carriage returns: it is one line");
 }
 
 QString CGCodeStore::SaveFileName(const QString& strName)

@@ -25,6 +25,7 @@ public:
     // The tokens of a tool-change file stand in the place of the program's: whoever would start, compile or edit the
     // program must be refused meanwhile. m_bGCodeCompiling does not tell, since the walk of that file clears it.
     static CShared<bool> m_bProgramExchanged;
+    static CShared<bool> m_bLoadBroke;   // the last load could not be read to its end; read when it is over
 
     static GCodeTokens Parse_GCode_Line(const QString& strLine) { return TokenizeProgramLine(strLine); }
 
@@ -44,6 +45,20 @@ public:
     // Writes the text, "\n" behind every line: the file is the old one or the whole new one. False where the disk
     // refuses; pOpened, if given, tells whether it let the file be opened.
     static bool WriteProgram(const QString& strPath, bool* pOpened = nullptr);
+
+    // The file that changes to a tool, by its T word: where it lies, as it is told; and its lines, cut by the tokenizer
+    // of whoever asks, the compiler's or the worker's. It is empty where it was not read.
+    static QString ToolFile(const std::string& strTool);
+    enum class eToolFile
+    {
+        READ,
+        MISSING,
+        UNREADABLE   // also where it breaks off
+    };
+    static eToolFile ReadToolFile(const QString& strPath, GCodeTokens (*fnTokenize)(const QString&),
+                                  GCodeProgram& program);
+    // The operator's word of a program that came as one line, by which it was not meant to; empty: it has line ends.
+    static QString WhyOneLine();
 
 private:
     // A T word: the tool-change file of that name is compiled in the program's place.

@@ -1,17 +1,13 @@
 #include "jobs/GCodeLineExec.h"
 
 #include "common/OperatorScreen.h"
-#include "common/Paths.h"
 #include "config/AppConfig.h"
-#include "gcode/GCodeTokens.h"
+#include "gcode/GCodeStore.h"
 #include "gcode/GCodeWords.h"
 #include "hardware/VantorGpio.h"
 #include "machine/MCodeOutputs.h"
 #include "motion/AllAxisCtrl.h"
 #include "time/Wait.h"
-
-#include <QFile>
-#include <QTextStream>
 
 #include <algorithm>
 #include <cmath>
@@ -194,7 +190,7 @@ Exec::eNext Exec::WorkZero()
     CAllAxisCtrl::WaitForMotion();
     if (!m_Machine.m_Homing.MoveWorkZeroAll()) return eNext::WORD;
     m_Machine.m_Position.GetAllAxisCurPos(m_Run.m_CurGCodePos);
-    return eNext::END_RUN;
+    return EndOfProgram();
 }
 
 Exec::eNext Exec::AbsoluteOrRelative()
@@ -260,6 +256,12 @@ Exec::eNext Exec::ProgramStop()
     m_Machine.RequestStart();
     (void)m_Machine.SleepUnlessStopped(BUTTON_PAUSE_US);
     return eNext::WORD;
+}
+
+Exec::eNext Exec::EndOfProgram()
+{
+    m_Run.m_bEndedByWord = true;
+    return eNext::END_RUN;
 }
 
 Exec::eNext Exec::SpindleOn()
@@ -353,22 +355,21 @@ Exec::eNext Exec::AutoToolChange()
         m_Machine.PushInfoMsg(QStringLiteral("No Tool Selected. Please use 'T' command before M06"));
         return eNext::WORD;
     }
-    const QString strPath =
-        WORKING_FOLDER + QLatin1Char('/') + QString::fromLatin1(m_Run.m_strSelTool) + QStringLiteral(".txt");
-    QFile file(CPaths::Map(strPath));
-    if (!file.exists()) {
+    const QString strPath = CGCodeStore::ToolFile(m_Run.m_strSelTool);
+    GCodeProgram program;
+    bool bChanged = false;
+    switch (CGCodeStore::ReadToolFile(strPath, TokenizeToolLine, program)) {
+    case CGCodeStore::eToolFile::READ: bChanged = m_Run.RunAtcFile(program); break;
+    case CGCodeStore::eToolFile::MISSING:
         m_Machine.PushInfoMsg(QStringLiteral("No ATC commands found. Please check the file, ") + strPath +
                               QStringLiteral(", exists?"));
-        return eNext::WORD;
+        break;
+    case CGCodeStore::eToolFile::UNREADABLE: m_Machine.PushInfoMsg(QStringLiteral("Unable to open ATC File")); break;
     }
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_Machine.PushInfoMsg(QStringLiteral("Unable to open ATC File"));
-        return eNext::WORD;
-    }
-    GCodeProgram program;
-    for (QTextStream stream(&file); !stream.atEnd();) program.push_back(TokenizeToolLine(stream.readLine()));
-    file.close();
-    m_Run.RunAtcFile(program);
+    // The run goes on: wanted. The operator must know with what.
+    if (!bChanged && !m_Machine.IsStopRequested())
+        TellNotice(QStringLiteral("Tool change not completed by ") + strPath +
+                   QStringLiteral(": the old tool may still be in"));
     return eNext::WORD;
 }
 

@@ -70,7 +70,7 @@ private:
 
     // M words
     eNext ProgramStop();
-    eNext EndOfProgram() { return eNext::END_RUN; }
+    eNext EndOfProgram();
     eNext SpindleOn();
     eNext SpindleOff();
     eNext CoolantOn();

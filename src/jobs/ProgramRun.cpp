@@ -75,7 +75,7 @@ bool CProgramRun::ExecGCodeLine(int iLine)
     }
 }
 
-void CProgramRun::RunAtcFile(const GCodeProgram& program)
+bool CProgramRun::RunAtcFile(const GCodeProgram& program)
 {
     struct stRestore
     {
@@ -96,8 +96,10 @@ void CProgramRun::RunAtcFile(const GCodeProgram& program)
     } restore{*this};
     m_pGCodeProgram = &program;
     m_bInAtcFile = true;
-    for (size_t n = 0; n < program.size() && ExecGCodeLine(static_cast<int>(n)); ++n) {
-    }
+    m_bEndedByWord = false;
+    size_t uLine = 0;
+    while (uLine < program.size() && ExecGCodeLine(static_cast<int>(uLine))) ++uLine;
+    return uLine == program.size() || m_bEndedByWord;
 }
 
 // ---- The words of a line --------------------------------------------------------------------------------------------

@@ -38,9 +38,10 @@ public:
     bool TakePrgmFeed(double fFeed, unsigned int uLine);
     // The whole arc of the line.
     bool CutArc(unsigned int uLine, stGCodeEllipseInfo& info);
-    // The lines of a tool's file, from the first until one ends it. How it ends is not passed on: an M30 in it ends
-    // only the file. Whatever jumps it makes, the program stands where it stood afterwards.
-    void RunAtcFile(const GCodeProgram& program);
+    // The lines of a tool's file, from the first until one ends it; an M30 in it ends only the file. Whatever jumps it
+    // makes, the program stands where it stood afterwards. False: a line was refused, and the rest has not been run.
+    bool RunAtcFile(const GCodeProgram& program);
+    bool m_bEndedByWord = false;   // by one that is there to end it
     bool IsInAtcFile() const { return m_bInAtcFile; }
     void TellLine(int iLine) const
     {

@@ -1,19 +1,19 @@
 #include "run/GCodeJob.h"
 
+#include "common/OperatorScreen.h"
 #include "config/AppConfig.h"
 #include "gcode/GCodeStore.h"
 
 bool CGCodeJob::Load(const stJobFile& file, QString& strWhy)
 {
-    const qint64 lTold = file.screen.ToldCount();
     CGCodeStore::m_bGCodeLoading = true;
     CGCodeStore::LoadGCode(file.strPath, nullptr);
     if (CGCodeStore::m_bGCodeLoading)
         strWhy = QStringLiteral("cannot be read");
     else if (CGCodeStore::m_lstOfGCodeLines.empty())
-        strWhy =
-            file.screen.ToldCount() > lTold ? QStringLiteral("cannot be read to its end") : QStringLiteral("is empty");
+        strWhy = CGCodeStore::m_bLoadBroke ? QStringLiteral("cannot be read to its end") : QStringLiteral("is empty");
     if (!strWhy.isEmpty()) return false;
+    if (const QString strOneLine = CGCodeStore::WhyOneLine(); !strOneLine.isEmpty()) TellNotice(strOneLine);
     CGCodeStore::m_bGCodeCompiling = true;
     CGCodeStore::m_CompilationErrors.clear();
     CGCodeStore::CompileGCode(nullptr);

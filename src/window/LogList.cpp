@@ -2,6 +2,8 @@
 
 #include "common/FileWriter.h"
 #include "common/Paths.h"
+#include "common/ShownText.h"
+#include "widgets/Questions.h"
 
 #include <QDateTime>
 #include <QFileDialog>
@@ -26,7 +28,8 @@ static QColor LogColor(eAppMsgType eMsgType)
 void CLogList::Add(const QString& strMsg, eAppMsgType eMsgType)
 {
     if (strMsg.isEmpty()) return;
-    auto* pItem = new QListWidgetItem(QLatin1Char('[') + QTime::currentTime().toString() + QLatin1Char(']') + strMsg);
+    auto* pItem =
+        new QListWidgetItem(QLatin1Char('[') + QTime::currentTime().toString() + QLatin1Char(']') + ShownText(strMsg));
     pItem->setForeground(LogColor(eMsgType));
     // Measured once: the list would measure all its lines again for each new one.
     const QRect room(0, 0, m_List.viewport()->width() - 2 * ITEM_MARGIN, 0);
@@ -66,6 +69,7 @@ void CLogList::Save()
     QString strText;
     for (int row = 0; row < m_List.count(); ++row) strText += m_List.item(row)->text() + QLatin1Char('\n');
     const QString strFile = LogFileName(strName);
+    if (!MayReplace(m_List.window(), strName, strFile)) return;
     if (ReplaceFile(strFile, strText.toUtf8()))
         Add(QStringLiteral("Log saved: ") + strFile, MSG_INFO);
     else

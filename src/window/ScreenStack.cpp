@@ -1,7 +1,7 @@
 #include "window/ScreenStack.h"
 
 #include "config/AppConfig.h"
-#include "gcode/GCodeEditor.h"
+#include "gcode/ProgramState.h"
 #include "widgets/DlgKeyPad.h"
 
 #include <QMessageBox>
@@ -68,7 +68,7 @@ bool CScreenStack::AreSettingsShown() const
 QString CScreenStack::WhyNotStart() const
 {
     if (AreSettingsShown()) return QStringLiteral("Please select G-Code/Shape-Cutting/Image-Carving Window");
-    return CGCodeEditor::WhyBusy(false, false);
+    return CProgramState::WhyNot(CProgramState::START, false);
 }
 
 bool CScreenStack::StartShown()

@@ -225,6 +225,7 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     const GCodeProgram program(3);
     m_App.m_bExecSingleLine = true;   // left behind by a line that was given up
     AppConfig::m_fZSafePos = 1e9;     // no way to work zero
+    AppConfig::m_eSelUnits = 1;       // kept in the settings, other than the factor of the coordinates
     stShapeCuttingInfo shapes;
     if (job.eWhat == eJob::LINE)
         m_App.StartExecGCodeLine(&program, 2);
@@ -237,7 +238,9 @@ TEST_P(WorkerSpindle, StartsWithTheJob)
     EXPECT_EQ(CVirtualPins::Level(AppConfig::m_lstMCodesPin[4]), job.iCcwLevel);
     EXPECT_EQ(AppConfig::m_bSpindleOn, job.bSimulation ? job.eWhat == eJob::LINE : job.bCw || job.bCcw);
     EXPECT_EQ(m_App.m_iWorkZeroMoves, job.eWhat == eJob::PROGRAM ? 1 : 0);
-    EXPECT_EQ(m_Screen.m_lstCalls, QStringList({"busy", "clear"}));
+    QStringList calls = {"busy", "clear"};
+    if (job.eWhat != eJob::SHAPES) calls.prepend("Until G20 or G21, F is read in inches and coordinates in mm");
+    EXPECT_EQ(m_Screen.m_lstCalls, calls);
     EXPECT_TRUE(m_App.m_bOperationFinished);
 }
 INSTANTIATE_TEST_SUITE_P(Jobs, WorkerSpindle,

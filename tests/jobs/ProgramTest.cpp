@@ -5,6 +5,7 @@
 #include "gcode/GCodeTokens.h"
 #include "machine/MoveSpy.h"
 #include "platform/virtual/VirtualPins.h"
+#include "support/LoggedScreen.h"
 
 // The line executor and the run loop beyond the reference cases, on virtual time.
 
@@ -282,11 +283,14 @@ TEST_F(ProgramTest, AToolFileLeavesTheProgramWhereItStood)
     WriteToolFile("T1.txt", "G1 X3\nM97 P9 L4\nN9");
     WriteToolFile("T2.txt", "\n\n\nG1 X4\nK5\nG1 X99");
     WriteToolFile("T3.txt", "G1 X5\nM6\nG1 X99");
+    WriteToolFile("T4.txt", "G1 X6\nM30\nK5");
+    ASSERT_TRUE(QFile::link("/proc/self/mem", CPaths::Map(WORKING_FOLDER + "/T5.txt")));   // opens, and breaks off
+    CLoggedScreen screen;
     Begin();
     m_App.m_iCurGCodeLine = 0;
     m_App.m_lstSubPrgmRetLine = m_App.m_lstSubPrgmStartLine = {4};
     m_App.m_lstSubPrgmRepeats = {2};
-    EXPECT_EQ(ExecLines("T1 M6 T2 M6 T3 M6 G1 Y1"), "+");
+    EXPECT_EQ(ExecLines("T1 M6 T2 M6 T3 M6 T4 M6 T5 M6 T6 M6 G1 Y1"), "+");
     EXPECT_EQ(m_App.m_iCurGCodeLine, 0);
     EXPECT_EQ(m_App.m_lstSubPrgmRetLine, std::vector<int>({4}));
     EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({4}));
@@ -294,8 +298,13 @@ TEST_F(ProgramTest, AToolFileLeavesTheProgramWhereItStood)
     EXPECT_EQ(m_App.m_pGCodeProgram, &m_Program);
     EXPECT_EQ(m_App.TakeErrors(),
               QStringList({Unsupported(1), Unsupported(4), "Error:1 - Tool Change, M06, must not exist in ATC file"}));
-    EXPECT_EQ(X(), 5.0);
+    EXPECT_EQ(X(), 6.0);
     EXPECT_EQ(m_App.GetCurPos(Y_AXIS), 1.0);
+    QStringList told;   // of T4 alone nothing: it has come to its end
+    for (const char* szTool : {"T1", "T2", "T3", "T5", "T6"})
+        told += QStringLiteral("1 Tool change not completed by %1/%2.txt: the old tool may still be in")
+                    .arg(WORKING_FOLDER, QLatin1String(szTool));
+    EXPECT_EQ(screen.m_lstLog.join('|').toStdString(), told.join('|').toStdString());
 }
 
 // ---- The run loop ----------------------------------------------------------------------------------

@@ -89,6 +89,8 @@ TEST_F(RunnerTest, RubbishEndsInMessagesAndNeverInACrash)
     EXPECT_EQ(Call({"rubbish.ngc"}).iExit, 1);
     Write("long.ngc", "G1 X" + QByteArray(1'000'000, '1') + "\nM30\n");
     EXPECT_EQ(Call({"--check", "long.ngc"}).iExit, 0);
+    Write("apple.ngc", "G1 X1\rG1 X2\rM30");
+    EXPECT_TRUE(Call({"--check", "apple.ngc"}).strErr.contains("no line ends, only carriage returns"));
     const stResult away = Call({"long.ngc", "--quiet"});
     EXPECT_EQ(away.iExit, 1);
     EXPECT_EQ(away.strErr, QStringLiteral("long.ngc:1: Position to move must be within the motion limits\n"));

@@ -76,6 +76,11 @@ TEST_F(WindowButtons, ClearAndSaveTheLog)
                     .hasMatch());
     EXPECT_EQ(Save("missing/x"), "Log not saved, file not writable: " + m_Home.filePath("missing/x.txt"));
     {
+        CAnswer file(CAnswer::File(m_Home.filePath("log"))), no(QMessageBox::No);   // the name as typed is free
+        TouchButton("Btn_SaveLog");
+        EXPECT_EQ(no.Text(), m_Home.filePath("log.txt") + " already exists.\nDo you want to replace it?");
+    }
+    {
         CAnswer no([](QWidget& modal) {
             SaveScreen(modal, "message-box");
             Answer(modal, QMessageBox::No);

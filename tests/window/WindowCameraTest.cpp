@@ -134,6 +134,10 @@ TEST_F(WindowCamera, IsRecordedToAFileThatStaysToBeClosedWhenItIsLost)
     m_pFeed->iFrames = 1 << 30;
     TouchButton("Btn_SelectCamera");
     Record([this](QWidget& dialog) {
+        {
+            CAnswer old(CAnswer::File(File())), no(QMessageBox::No);   // ".avi" has been recorded
+            Click(dialog, "Btn_BrowseVideoRecFile");
+        }
         CAnswer file(CAnswer::File(m_Home.filePath("no/such")));
         Click(dialog, "Btn_BrowseVideoRecFile");
         Click(dialog, "Btn_Ok");

@@ -7,6 +7,7 @@
 #include "ui_DlgVideoRecSettings.h"
 #include "widgets/ButtonStyle.h"
 #include "widgets/Look.h"
+#include "widgets/Questions.h"
 
 #include <QFileDialog>
 
@@ -42,11 +43,13 @@ void CDlgVideoRecSettings::ShowFile()
 void CDlgVideoRecSettings::on_Btn_BrowseVideoRecFile_clicked()
 {
     const QString strFilter = QStringLiteral("Avi Files(*.avi)");
-    QString strFile = QFileDialog::getSaveFileName(this, QStringLiteral("Select file name"),
-                                                   CPaths::Map(AppConfig::m_strLastFolderPath), strFilter, nullptr,
-                                                   QFileDialog::DontUseNativeDialog);
-    if (strFile.isEmpty()) return;
-    if (!strFile.endsWith(QStringLiteral(".avi"))) strFile += QStringLiteral(".avi");
+    const QString strTyped = QFileDialog::getSaveFileName(this, QStringLiteral("Select file name"),
+                                                          CPaths::Map(AppConfig::m_strLastFolderPath), strFilter,
+                                                          nullptr, QFileDialog::DontUseNativeDialog);
+    if (strTyped.isEmpty()) return;
+    const QString strEnding = QStringLiteral(".avi");
+    const QString strFile = strTyped.endsWith(strEnding) ? strTyped : strTyped + strEnding;
+    if (!MayReplace(this, strTyped, strFile)) return;
     m_Camera.m_strRecFile = strFile;
     ShowFile();
 }

@@ -5,6 +5,7 @@
 #include "config/AppConfig.h"
 #include "control/AppControl.h"
 #include "gcode/ExecStatus.h"
+#include "gcode/ProgramState.h"
 #include "screens/dxf/DlgDxfToGCode.h"
 #include "screens/gcode/DlgGCodeSettings.h"
 #include "screens/host/PressedBtn.h"
@@ -16,6 +17,7 @@
 
 #include <QFile>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QThread>
 #include <QTimer>
 #include <QWheelEvent>
@@ -29,11 +31,6 @@ static QString NoLineSelected()
     return QStringLiteral("Select a G-Code line first");
 }
 
-static QString NothingLoaded()
-{
-    return QStringLiteral("No G-Code Loaded");
-}
-
 static std::unique_ptr<Ui::CdlgGCode> SetUp(QDialog* pDialog)
 {
     auto pUi = std::make_unique<Ui::CdlgGCode>();
@@ -42,8 +39,7 @@ static std::unique_ptr<Ui::CdlgGCode> SetUp(QDialog* pDialog)
 }
 
 CdlgGCode::CdlgGCode(QWidget* pParent)
-    : QDialog(pParent), m_pUi(SetUp(this)), m_View(*m_pUi, [this] { return IsCompiling(); }),
-      m_File(*this, *m_pUi->LE_GCodeFile)
+    : QDialog(pParent), m_pUi(SetUp(this)), m_View(*m_pUi), m_File(*this, *m_pUi->LE_GCodeFile)
 {
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
     for (QLabel* pLabel : {m_pUi->Hdg_Program, m_pUi->Hdg_Lines, m_pUi->Hdg_Check, m_pUi->Hdg_Run})
@@ -94,31 +90,23 @@ bool CdlgGCode::IsProgramRunning() const
     return Host().Operation() == OP_GCODE;
 }
 
-// The flag alone does not tell: the check of a tool-change file clears it.
-bool CdlgGCode::IsCompiling() const
+QString CdlgGCode::WhyNot(const stProgramUse& use) const
 {
-    return m_bGCodeCompiling || m_bProgramExchanged || m_CompileTask.isRunning();
+    return CProgramState::WhyNot(use, IsProgramRunning());
 }
 
-QString CdlgGCode::WhyInUse() const
+QString CdlgGCode::WhyNotChanged(const stProgramUse& use) const
 {
-    return CGCodeEditor::WhyBusy(m_CompileTask.isRunning(), IsProgramRunning());
-}
-
-QString CdlgGCode::WhyBusy() const
-{
-    const QString strWhy = WhyInUse();
+    const QString strWhy = WhyNot(use);
     // A worker that was given up may still sleep in a line of the program.
     return strWhy.isEmpty() && !Host().IsMachineFree() ? MACHINE_IN_USE : strWhy;
 }
 
-QString CdlgGCode::WhyNoRun(const QString& strNoProgram) const
+QString CdlgGCode::WhyNotRun(const stProgramUse& use) const
 {
     // Whether the axes are free is asked where the run begins.
-    if (const QString strBusy = WhyInUse(); !strBusy.isEmpty()) return strBusy;
-    if (CGCodeEditor::LineCount() == 0) return strNoProgram;
-    if (!m_CompilationErrors.empty()) return QStringLiteral("Fix Compilation errors");
-    return Host().WhyNotHomed();
+    const QString strWhy = WhyNot(use);
+    return strWhy.isEmpty() ? Host().WhyNotHomed() : strWhy;
 }
 
 // ---- View -----------------------------------------------------------------------------------------------------------
@@ -154,11 +142,11 @@ void CdlgGCode::SetCurGCodeLine(unsigned int uLine)
         m_View.SelectLine(iLine);
 }
 
-void CdlgGCode::on_LW_GcodeCommands_itemClicked(QListWidgetItem* pItem)
+void CdlgGCode::on_LW_GcodeCommands_itemClicked(QListWidgetItem*)
 {
     if (IsProgramRunning()) return;
     const qint32 iLine = m_View.CurrentLine();
-    m_View.ShowField(QStringLiteral("[%1]").arg(iLine) + pItem->text());
+    m_View.ShowField(iLine);
     m_View.ShowErrorsOf(iLine);
 }
 
@@ -173,15 +161,11 @@ void CdlgGCode::ShowStartLine()
 void CdlgGCode::on_Btn_CompileGCode_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_CompileGCode);
-    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
-    if (CGCodeEditor::LineCount() == 0) return LogError(QStringLiteral("No G-Code loaded"));
-    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
-    if (Refused(WhyBusy())) return;
+    if (Refused(WhyNotChanged(CProgramState::CHECK))) return;
     Host().AddLogMsg(QStringLiteral("Compiling G-Code. This may take few seconds based on the G-Code File size"),
                      MSG_INFO);
-    m_bGCodeCompiling = true;
     CGCodeEditor::ClearErrors();
-    m_CompileTask = QtConcurrent::run([this] { CompileGCode(this); });
+    CompileInBackground([] { return true; });
     press.StayOn();
 }
 
@@ -196,25 +180,39 @@ void CdlgGCode::on_GCode_Compile_Complete()
     m_View.ShowChecked();
 }
 
+// fnFirst: what goes before, on the task too; false: it has come to nothing, and there is nothing to check.
+template <class Fn> void CdlgGCode::CompileInBackground(Fn fnFirst)
+{
+    m_bGCodeCompiling = true;
+    CProgramState::m_bCompileTask = true;
+    m_CompileTask = QtConcurrent::run([this, fnFirst]() mutable {
+        const auto lower = qScopeGuard([] { CProgramState::m_bCompileTask = false; });
+        if (fnFirst())
+            CompileGCode(this);
+        else
+            m_bGCodeCompiling = false;
+    });
+}
+
 void CdlgGCode::on_Btn_GCodeFirstError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeFirstError);
-    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::FirstError());
+    if (!CProgramState::IsInTask()) m_View.GoToError(CGCodeEditor::FirstError());
 }
 void CdlgGCode::on_Btn_GCodePrevError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodePrevError);
-    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::ErrorBefore(m_View.ErrorLine()));
+    if (!CProgramState::IsInTask()) m_View.GoToError(CGCodeEditor::ErrorBefore(m_View.ErrorLine()));
 }
 void CdlgGCode::on_Btn_GCodeNextError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeNextError);
-    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::ErrorBehind(m_View.ErrorLine()));
+    if (!CProgramState::IsInTask()) m_View.GoToError(CGCodeEditor::ErrorBehind(m_View.ErrorLine()));
 }
 void CdlgGCode::on_Btn_GCodeLastError_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_GCodeLastError);
-    if (!IsCompiling()) m_View.GoToError(CGCodeEditor::LastError());
+    if (!CProgramState::IsInTask()) m_View.GoToError(CGCodeEditor::LastError());
 }
 
 // ---- Run ------------------------------------------------------------------------------------------------------------
@@ -223,7 +221,7 @@ bool CdlgGCode::StartGCode()
 {
     if (Host().IsEmergencyStopOn()) return false;
     if (IsProgramRunning()) return PauseOrResume();
-    if (Refused(Host().WhyNotFree()) || Refused(WhyNoRun(QStringLiteral("No G-Code added")))) return false;
+    if (Refused(Host().WhyNotFree()) || Refused(WhyNotRun(CProgramState::RUN))) return false;
     SetEditMode(false);
     ResetUI(false);
     Host().ClearToolGraphics();
@@ -261,7 +259,7 @@ void CdlgGCode::PauseGCode()
 void CdlgGCode::on_Btn_ExecOneGCodeLine_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_ExecOneGCodeLine);
-    if (Host().IsEmergencyStopOn() || Refused(WhyNoRun(NothingLoaded()))) return;
+    if (Host().IsEmergencyStopOn() || Refused(WhyNotRun(CProgramState::RUN_LINE))) return;
     // The row in the list, whatever line it shows: wanted, only the first ten lines of a program are tried this way.
     // The operator reads in the log which one it is.
     const int iLine = std::max(0, m_pUi->LW_GcodeCommands->currentRow());
@@ -275,8 +273,8 @@ void CdlgGCode::on_Btn_ExecOneGCodeLine_clicked()
 void CdlgGCode::on_Btn_GCodeExecStartLine_clicked()
 {
     CPressedBtn press(Host(), m_pUi->Btn_GCodeExecStartLine);
+    if (Refused(WhyNot(CProgramState::CHOOSE_START))) return;
     const qint32 iCount = CGCodeEditor::LineCount();
-    if (iCount == 0) return LogError(NothingLoaded());
     auto& iStart = AppConfig::m_GCodeRunSettings.iCurLine;
     stFloatPoint range;
     range.y = iCount > 1 ? iCount - 1 : 1.0;   // a range of zeros would check nothing
@@ -317,9 +315,7 @@ static bool IsReadable(const QString& strPath)
 void CdlgGCode::on_Btn_OpenGCode_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_OpenGCode);
-    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
-    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
-    if (Refused(WhyBusy())) return;
+    if (Refused(WhyNotChanged(CProgramState::REPLACE))) return;
     if (CGCodeEditor::LineCount() > 0 && !m_File.AskToSave()) return;
     AppConfig::m_GCodeRunSettings.iCurLine = 0;
     ShowStartLine();
@@ -363,12 +359,14 @@ void CdlgGCode::on_GCode_Load_Complete()
 {
     if (m_bGCodeLoading) return;   // of one before: another has begun, which will tell its own end
     m_View.ShowNew();
+    if (m_bLoadBroke) return m_strStickFile.clear();   // it has been told, and nothing is there
     Host().AddLogMsg(QStringLiteral("G-Code Loaded"), MSG_INFO);
+    if (const QString strOneLine = WhyOneLine(); !strOneLine.isEmpty()) Host().AddLogMsg(strOneLine, MSG_NOTICE);
 }
 
 bool CdlgGCode::LoadFromStick(const QString& strPath)
 {
-    if (Refused(WhyBusy())) return false;
+    if (Refused(WhyNotChanged(CProgramState::CHANGE))) return false;
     if (!IsReadable(strPath)) return !Refused(QStringLiteral("G-Code File not readable: ") + strPath);
     if (!m_File.SaveUnsaved()) return false;
     AppConfig::m_GCodeRunSettings.iCurLine = 0;
@@ -376,11 +374,10 @@ bool CdlgGCode::LoadFromStick(const QString& strPath)
     TakeProgram(strPath);
     m_strStickFile = strPath;
     m_bGCodeLoading = true;
-    m_bGCodeCompiling = true;
-    m_CompileTask = QtConcurrent::run([this, strPath, freed = m_FreeTask]() mutable {
+    CompileInBackground([this, strPath, freed = m_FreeTask]() mutable {
         freed.waitForFinished();
         LoadGCode(strPath, this);
-        CompileGCode(this);
+        return !m_bLoadBroke;
     });
     return true;
 }
@@ -397,8 +394,7 @@ void CdlgGCode::on_Btn_SaveGCode_clicked()
 void CdlgGCode::on_Btn_SaveAsGCode_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_SaveAsGCode);
-    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
-    SaveGCode();
+    if (!Refused(WhyNot(CProgramState::SAVE_AS))) SaveGCode();
 }
 
 // ---- New ------------------------------------------------------------------------------------------------------------
@@ -407,8 +403,7 @@ void CdlgGCode::on_Btn_NewGCode_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_NewGCode);
     if (Refused(Host().WhyNotFree()) || CGCodeEditor::LineCount() == 0) return;
-    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
-    if (!m_File.AskToSave()) return;
+    if (Refused(WhyNotChanged(CProgramState::REPLACE)) || !m_File.AskToSave()) return;
     AppConfig::m_GCodeRunSettings.iCurLine = 0;
     TakeProgram(QString());
     ShowStartLine();
@@ -427,9 +422,7 @@ void CdlgGCode::ClearCurGCodeData()
 void CdlgGCode::on_Btn_OpenDXF_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_OpenDXF);
-    if (m_bGCodeLoading) return LogError(QStringLiteral("Preveious G-Code Still Loading"));
-    if (IsCompiling()) return LogError(QStringLiteral("Preveious G-Code Still Compiling"));
-    if (Refused(WhyBusy())) return;
+    if (Refused(WhyNotChanged(CProgramState::REPLACE))) return;
     if (CGCodeEditor::LineCount() > 0 && !m_File.AskToSave()) return;
     const QString strDrawing = m_File.AskDrawing();
     if (strDrawing.isEmpty()) return;
@@ -477,14 +470,14 @@ void CdlgGCode::on_Btn_EditGCode_clicked()
 void CdlgGCode::on_Btn_UpdateGCodeLine_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_UpdateGCodeLine);
-    if (m_pUi->LE_GCodeCmnds->text().isEmpty() || Refused(WhyBusy())) return;
+    if (m_pUi->LE_GCodeCmnds->text().isEmpty() || Refused(WhyNotChanged(CProgramState::CHANGE))) return;
     if (CGCodeEditor::LineCount() == 0) return InsertLine();
     const qint32 iLine = m_View.CurrentLine();
     if (iLine < 0) return LogError(NoLineSelected());
+    if (Refused(m_View.WhyNotUpdated())) return;
     m_File.MarkEdited();
-    const QString strText = CGCodeEditor::TextOf(m_pUi->LE_GCodeCmnds->text());
-    CGCodeEditor::Update(iLine, strText);
-    m_pUi->LW_GcodeCommands->currentItem()->setText(strText);
+    CGCodeEditor::Update(iLine, CGCodeEditor::TextOf(m_pUi->LE_GCodeCmnds->text()));
+    m_View.ShowUpdated();
 }
 
 void CdlgGCode::on_Btn_InsertNewGCodeLine_clicked()
@@ -501,7 +494,7 @@ void CdlgGCode::on_Btn_AddNewGCodeLine_clicked()
 
 void CdlgGCode::InsertLine()
 {
-    if (m_pUi->LE_GCodeCmnds->text().isEmpty() || Refused(WhyBusy())) return;
+    if (m_pUi->LE_GCodeCmnds->text().isEmpty() || Refused(WhyNotChanged(CProgramState::CHANGE))) return;
     const qint32 iLine = m_View.CurrentLine();
     if (iLine < 0 && CGCodeEditor::LineCount() > 0) return LogError(NoLineSelected());
     m_File.MarkEdited();
@@ -513,7 +506,7 @@ void CdlgGCode::on_Btn_DeleteGCodeLine_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_DeleteGCodeLine);
     const qint32 iLine = m_View.CurrentLine();
-    if (Refused(WhyBusy()) || CGCodeEditor::LineCount() == 0 || iLine < 0) return;
+    if (Refused(WhyNotChanged(CProgramState::CHANGE)) || CGCodeEditor::LineCount() == 0 || iLine < 0) return;
     m_File.MarkEdited();
     CGCodeEditor::Delete(iLine);
     m_View.StepBack();
@@ -536,7 +529,8 @@ void CdlgGCode::on_Btn_MoveGCodeLineDown_clicked()
 void CdlgGCode::MoveLine(qint32 iStep)
 {
     const qint32 iLine = m_View.CurrentLine(), iOther = iLine + iStep;
-    if (Refused(WhyBusy()) || iLine < 0 || iOther < 0 || iOther >= CGCodeEditor::LineCount()) return;
+    if (Refused(WhyNotChanged(CProgramState::CHANGE)) || iLine < 0 || iOther < 0 || iOther >= CGCodeEditor::LineCount())
+        return;
     Swap_GCode_Lines(iLine, iOther);
     m_View.ShowAgain();
     m_View.SelectLine(iOther);

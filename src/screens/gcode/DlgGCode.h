@@ -12,6 +12,7 @@
 #include <memory>
 
 class QListWidgetItem;
+struct stProgramUse;
 namespace Ui {
 class CdlgGCode;
 }
@@ -87,11 +88,11 @@ private:
     CScreenHost& Host() const { return HostOf(*this); }
     void LogError(const QString& strText) { Host().AddLogMsg(strText, MSG_ERROR); }
     bool Refused(const QString& strWhy) { return Host().Refused(strWhy); }
-    QString WhyInUse() const;                              // the program
-    QString WhyBusy() const;                               // for editing, and boxes
-    QString WhyNoRun(const QString& strNoProgram) const;   // for running
     bool IsProgramRunning() const;
-    bool IsCompiling() const;   // then the errors belong to the task
+    QString WhyNot(const stProgramUse& use) const;
+    QString WhyNotChanged(const stProgramUse& use) const;   // also by what the worker still reads
+    QString WhyNotRun(const stProgramUse& use) const;
+    template <class Fn> void CompileInBackground(Fn fnFirst);
 
     // ---- View ----
     void ShowStartLine();

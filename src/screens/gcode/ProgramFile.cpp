@@ -39,7 +39,7 @@ QString CProgramFile::AskProgram()
         if (!ReadExecStatus(GCODE_EXEC_STATUS_FILE, status))
             QMessageBox::critical(&m_Screen, QStringLiteral("Critical error"),
                                   QStringLiteral("Unable to open Config File"));
-        AppConfig::m_GCodeRunSettings.iCurLine = std::max(0, status.iLine);
+        if (!status.strFile.isEmpty()) AppConfig::m_GCodeRunSettings.iCurLine = std::max(0, status.iLine);
         return status.strFile;
     }
     return QFileDialog::getOpenFileName(&m_Screen, QStringLiteral("Select a file to Open..."),

@@ -1,7 +1,9 @@
 #include "screens/gcode/ProgramView.h"
 
+#include "common/ShownText.h"
 #include "gcode/GCodeEditor.h"
 #include "gcode/GCodeStore.h"
+#include "gcode/ProgramState.h"
 #include "ui_DlgGCode.h"
 
 #include <QPainter>
@@ -41,8 +43,7 @@ public:
 };
 }   // namespace
 
-CProgramView::CProgramView(Ui::CdlgGCode& form, std::function<bool()> fnIsCompiling)
-    : m_Form(form), m_fnIsCompiling(std::move(fnIsCompiling))
+CProgramView::CProgramView(Ui::CdlgGCode& form) : m_Form(form)
 {
     m_Form.LW_GcodeCommands->setItemDelegate(new CNumberedRow(m_Form.LW_GcodeCommands));
 }
@@ -81,6 +82,11 @@ void CProgramView::ShowChecked()
 
 // ---- Lines ----------------------------------------------------------------------------------------------------------
 
+static QString TextOfRow(qint32 iLine)
+{
+    return ShownText(Store::m_lstOfGCodeLines[static_cast<size_t>(iLine)]);
+}
+
 void CProgramView::FillRows(qint32 iPlace)
 {
     const CGCodeEditor::stRows rows = CGCodeEditor::RowsAt(iPlace);
@@ -88,9 +94,9 @@ void CProgramView::FillRows(qint32 iPlace)
     QListWidget& list = *m_Form.LW_GcodeCommands;
     list.clear();
     for (qint32 iLine = rows.iFirst; iLine < rows.iEnd; ++iLine) {
-        auto* pItem = new QListWidgetItem(Store::m_lstOfGCodeLines[static_cast<size_t>(iLine)], &list);
+        auto* pItem = new QListWidgetItem(TextOfRow(iLine), &list);
         pItem->setData(LINE_ROLE, iLine);
-        if (!m_fnIsCompiling() && Store::m_CompilationErrors.contains(static_cast<quint32>(iLine)))
+        if (!CProgramState::IsInTask() && Store::m_CompilationErrors.contains(static_cast<quint32>(iLine)))
             pItem->setForeground(FAULTY);
     }
 }
@@ -124,13 +130,29 @@ void CProgramView::SelectLine(qint32 iLine)
 {
     BringIntoView(iLine);
     m_Form.LW_GcodeCommands->setCurrentRow(iLine - m_iFirstRow);
-    ShowField(CGCodeEditor::Field(iLine));
+    ShowField(iLine);
 }
 
-void CProgramView::ShowField(const QString& strField)
+void CProgramView::ShowField(qint32 iLine)
 {
-    m_Form.LE_GCodeCmnds->setText(strField);
+    m_Form.LE_GCodeCmnds->setText(ShownText(CGCodeEditor::Field(iLine)));
     m_Form.LE_GCodeCmnds->setCursorPosition(0);
+}
+
+QString CProgramView::WhyNotUpdated() const
+{
+    const qint32 iLine = CurrentLine();
+    if (const qint32 iField = CGCodeEditor::NumberOf(m_Form.LE_GCodeCmnds->text()).value_or(iLine); iField != iLine)
+        return QStringLiteral("Line %1 is in the field, and line %2 is selected: select the line first")
+            .arg(iField)
+            .arg(iLine);
+    if (CGCodeEditor::Field(iLine).size() <= MOST_SHOWN) return {};
+    return QStringLiteral("Line %1 is too long to be changed here").arg(iLine);
+}
+
+void CProgramView::ShowUpdated()
+{
+    m_Form.LW_GcodeCommands->currentItem()->setText(TextOfRow(CurrentLine()));
 }
 
 void CProgramView::ShowExecuted(qint32 iLine)
@@ -138,7 +160,7 @@ void CProgramView::ShowExecuted(qint32 iLine)
     const int iRow = m_Form.LW_GcodeCommands->currentRow();
     BringIntoView(iLine);
     m_Form.LW_GcodeCommands->setCurrentRow(iRow);
-    ShowField(CGCodeEditor::Field(iLine));
+    ShowField(iLine);
 }
 
 void CProgramView::ShowChange(qint32 iLine)
@@ -160,10 +182,10 @@ void CProgramView::StepBack()
 void CProgramView::ShowErrorsOf(qint32 iLine)
 {
     m_Form.LW_GCodeCompileErrors->clear();
-    if (m_fnIsCompiling()) return;
+    if (CProgramState::IsInTask()) return;
     const QString strErrors = CGCodeEditor::ErrorText(static_cast<quint32>(iLine));
     if (!strErrors.isEmpty())
-        m_Form.LW_GCodeCompileErrors->addItems({QStringLiteral("Unsupported commands:"), strErrors});
+        m_Form.LW_GCodeCompileErrors->addItems({QStringLiteral("Unsupported commands:"), ShownText(strErrors)});
 }
 
 void CProgramView::ShowErrorCount()

@@ -2,7 +2,6 @@
 #include <QString>
 #include <QtGlobal>
 
-#include <functional>
 #include <optional>
 
 namespace Ui {
@@ -14,8 +13,7 @@ class CdlgGCode;
 class CProgramView
 {
 public:
-    // fnIsCompiling: the errors belong to a task, and are left alone.
-    CProgramView(Ui::CdlgGCode& form, std::function<bool()> fnIsCompiling);
+    explicit CProgramView(Ui::CdlgGCode& form);
 
     void Begin();         // with the first row and the first error
     void Clear();         // the program has gone
@@ -31,7 +29,11 @@ public:
     qint32 CurrentLine() const;        // of the store; -1: none
     void SelectLine(qint32 iLine);     // in view, current, and in the edit field
     void ShowExecuted(qint32 iLine);   // in view and in the field; the current row stays
-    void ShowField(const QString& strField);
+    void ShowField(qint32 iLine);
+    // The field takes the place of the current line: why it must not; empty: it may. It may show another one, or less
+    // than the whole.
+    QString WhyNotUpdated() const;
+    void ShowUpdated();   // the current line has another text
 
     // ---- Errors ----
     void ShowErrorsOf(qint32 iLine);
@@ -45,7 +47,6 @@ private:
     void ShowErrorCount();
 
     Ui::CdlgGCode& m_Form;
-    const std::function<bool()> m_fnIsCompiling;
     qint32 m_iFirstRow = 0;   // line of the first row
     quint32 m_iCurErrLine = 0;
 };

@@ -1,6 +1,7 @@
 #include "common/Paths.h"
 #include "config/AppConfig.h"
 #include "gcode/ExecStatus.h"
+#include "gcode/ProgramState.h"
 #include "screens/gcode/DlgGCode.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
@@ -163,7 +164,23 @@ TEST_F(GCodeScreen, OffersTheInterruptedProgram)
     Do("OpenGCode", QMessageBox::Yes);
     WriteAll(CPaths::Map(GCODE_EXEC_STATUS_FILE), QByteArray("\0\0\0\x20\0G", 6));
     Do("OpenGCode", QMessageBox::Yes);
+    ASSERT_TRUE(WriteExecStatus(GCODE_EXEC_STATUS_FILE, QString(), 57));
+    Do("OpenGCode", QMessageBox::Yes);
     EXPECT_EQ(m_Host.TakeLog() + L(Name()), L("Unnamed"));
+    EXPECT_EQ(AppConfig::m_GCodeRunSettings.iCurLine, 0);
+}
+
+// Megabytes in a row, the field or the errors would hold the window for seconds.
+TEST_F(GCodeScreen, AFileOfOneEndlessLineIsToldAndShownCut)
+{
+    WriteAll(Path("part.tap"), QByteArray("G5\r").repeated(3000) + "G5");
+    Do("OpenGCode", File("part.tap"));
+    ASSERT_TRUE(Logged("The file has no line ends, only carriage returns: it is one line"));
+    Compile();
+    const QString strCut = " characters in all)";
+    EXPECT_TRUE(Rows().value(0).endsWith(strCut) && Errors().endsWith(strCut) && Field().text().endsWith(strCut));
+    EXPECT_LT(Rows()[0].size() + Errors().size(), 5000);
+    EXPECT_EQ(LogOf({"UpdateGCodeLine"}), L("Line 0 is too long to be changed here"));
 }
 
 TEST_F(GCodeScreen, AStickTakesThePlaceOfTheProgram)
@@ -177,6 +194,12 @@ TEST_F(GCodeScreen, AStickTakesThePlaceOfTheProgram)
     ASSERT_TRUE(Logged("G-Code loaded:" + Path("stick.ncc")));
     EXPECT_EQ(ReadAll(CPaths::Map(WORKING_FOLDER + "/Unsaved.ncc")), "M30\nG0 X1\n");
     EXPECT_EQ(Lines().join('|') + Name() + Errors(), "G5" + Path("stick.ncc") + "1|Unsupported commands:|G5(Invalid)");
+
+    m_Host.TakeLog();
+    ASSERT_TRUE(m_Screen.LoadFromStick("/proc/self/mem"));   // opens, and breaks off
+    ASSERT_TRUE(WaitFor([] { return !CProgramState::IsInTask(); }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(m_Host.TakeLog() + Lines(), L()) << "nothing is loaded, and nothing says so";
 }
 
 // ---- Save -----------------------------------------------------------------------------------------------------------
@@ -385,6 +408,11 @@ TEST_F(GCodeScreen, ASingleLineIsTheRowInTheList)
     EXPECT_EQ(List().currentRow(), 4);   // the next press runs the same row
     m_Screen.ResetUI(true);
     EXPECT_EQ(Button("ExecOneGCodeLine").styleSheet(), BTN_BKGND_GRAY);
+    m_Host.Machine().StopAll();
+    m_Host.Machine().wait();
+    m_Host.Machine().m_eOperation = OP_NONE;
+    EXPECT_EQ(LogOf({"UpdateGCodeLine"}), L("Line 3 is in the field, and line 6 is selected: select the line first"));
+    EXPECT_EQ(Lines()[6], "G1 X6 Y0");
 }
 
 TEST_F(GCodeScreen, AsksForTheStartLine)
