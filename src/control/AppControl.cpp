@@ -49,9 +49,9 @@ bool AppControl::ClaimWorker()
     // One that has ended, but not for the interface yet, would lose its end.
     if (!IsFree()) return Refuse(AXIS_IN_USE);
     WaitForWorker();   // an ended operation may still be leaving run, and a thread that runs does not start
+    for (AxisCtrl& axis : m_AxisCtrl) axis.SettleWatch();   // that of a homing that was given up is not the new one's
     ForgetLast();
     return true;
-    for (AxisCtrl& axis : m_AxisCtrl) axis.SettleWatch();   // that of a homing that was given up is not the new one's
 }
 
 bool AppControl::LaunchOperation(eOperation eCode)
@@ -161,7 +161,7 @@ bool AppControl::StartGCode(const GCodeProgram* pProgram)
     if (!ClaimForJob()) return false;
     TellUnits();
     m_pGCodeProgram = pProgram;
-    m_bExecSingleLine = false;   // may stand from a single line that was given up
+    ChooseSingleLine(false);
     return LaunchJob(OP_GCODE, !AppConfig::m_bSimulationMode);
 }
 
@@ -170,11 +170,11 @@ bool AppControl::StartExecGCodeLine(const GCodeProgram* pProgram, int iLine)
     if (!ClaimForJob()) return false;
     TellUnits();
     m_pGCodeProgram = pProgram;
-    m_bExecSingleLine = true;
+    ChooseSingleLine(true);
     m_iSingleLineNo = iLine;
     const bool bStarted =
-        LaunchJob(OP_GCODE, true);              // in simulation too: wanted, a single line is tried with the spindle on
-    if (!bStarted) m_bExecSingleLine = false;   // the Start button is dead while it stands
+        LaunchJob(OP_GCODE, true);            // in simulation too: wanted, a single line is tried with the spindle on
+    if (!bStarted) ChooseSingleLine(false);   // the Start button is dead while it stands
     return bStarted;
 }
 
@@ -270,7 +270,6 @@ void AppControl::AfterOperationFinish(eOperation eCode)
 
     WriteProgramStatus(0);
     if (AppConfig::m_bShutdownRPI) StartDetached(QStringLiteral("sudo shutdown now"));
-    m_bExecSingleLine = false;
     Leave(true);
 }
 
@@ -291,7 +290,6 @@ void AppControl::EndMotion(eOperation eCode)
 void AppControl::EndStoppedOperation()
 {
     CAllAxisCtrl::StopAutoMode();
-    m_bExecSingleLine = false;              // the Start button is dead while it stands
     if (!AppConfig::m_bEmergencyStopON) {   // there the interface writes the output
         WriteProgramStatus(0);
         CAllAxisCtrl::WaitForAutoModeEnd();

@@ -63,7 +63,7 @@ bool CSupervision::BeginToolChange()
         m_Machine.DropToolChange();
         return false;
     }
-    AppConfig::m_bSpindleOn = false;
+    m_Machine.m_Spindle.CountAsOff();
     return true;
 }
 

@@ -11,6 +11,13 @@ void CHandshake::Abandon()
     m_bPause = false;
 }
 
+bool CHandshake::TogglePause()
+{
+    const bool bPaused = !m_bPause;
+    m_bPause = bPaused;
+    return bPaused;
+}
+
 void CHandshake::ForgetLast()
 {
     m_bAbandoned = false;
@@ -68,6 +75,7 @@ bool CHandshake::WaitForToolChange()
 
 void CHandshake::Leave(bool bFinished)
 {
+    m_bExecSingleLine = false;   // the Start button is dead while it stands
     m_bWorkerBusy = false;
     if (bFinished) m_bOperationFinished = true;
 }

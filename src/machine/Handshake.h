@@ -14,11 +14,13 @@ public:
     // ---- Interface ----
     void RequestPause() { m_bPause = true; }   // takes effect between two moves
     void Resume() { m_bPause = false; }
+    bool TogglePause();   // whether it is paused now
     // The running job is given up, whatever it waits for.
     void Abandon();
     // Nothing of the last operation is left for the next.
     void ForgetLast();
     void Begin(eOperation eCode);
+    void ChooseSingleLine(bool bSingle) { m_bExecSingleLine = bSingle; }   // of a program, until the worker leaves
     // The interface has taken note of the end, by whatever road it came: nothing of the operation is left standing.
     void TakeNoteOfEnd();
     // True once for each request of the worker.
@@ -38,7 +40,7 @@ public:
     // False: a stop has cut it short.
     bool SleepUnlessStopped(qint64 lUs) const;
     void RequestStart() { m_bStartBtnPressRequest = true; }
-    // Its last two stores. bFinished: the interface is to take note; after a stop it has done so.
+    // Its last stores. bFinished: the interface is to take note; after a stop it has done so.
     void Leave(bool bFinished);
 
     // ---- Any thread ----

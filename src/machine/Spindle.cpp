@@ -67,6 +67,17 @@ bool CSpindle::Toggle(eDirection eDir)
     return AppConfig::m_bSpindleOn;
 }
 
+void CSpindle::CountAsOff()
+{
+    AppConfig::m_bSpindleOn = false;
+}
+
+void CSpindle::FollowRelays()
+{
+    AppConfig::m_bSpindleOnOffStatusChangeInGCode = false;
+    AppConfig::m_bSpindleOn = m_bClosed[DIR_CW] || m_bClosed[DIR_CCW];
+}
+
 bool CSpindle::StartFromProgram(eDirection eDir)
 {
     const eDirection eOther = Opposite(eDir);

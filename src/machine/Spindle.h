@@ -28,6 +28,10 @@ public:
     // A touch: off where a relay is closed, whatever the button shows, else on. Whether it is on now. Interface.
     bool Toggle(eDirection eDir);
 
+    // ---- What is shown of it; interface ----
+    void CountAsOff();     // the operator may change the tool, whatever turns
+    void FollowRelays();   // what the relays say, and nothing of a program that is over
+
     // ---- Worker ----
     // Off the other way, a pause, then on. False: stopped meanwhile, and it has not started.
     bool StartFromProgram(eDirection eDir);

@@ -48,11 +48,12 @@ void MainWindow::StopForGood()
 
 MainWindow::~MainWindow()
 {
-    // Flags alone: pulses cease here, and not behind a camera that hangs.
+    // Pulses cease and relays open here, and not behind a camera that hangs.
     m_AppControl.Abandon();
     m_AppControl.m_AxisCommands.RequestStop();
     CAllAxisCtrl::StopAutoMode();
-    m_CncCamera.SetWhileWaiting({});
+    m_AppControl.SwitchOff();
+    m_CncCamera.SetWhileWaiting([this] { m_AppControl.SwitchOff(); });   // a worker may have been about to write one
     m_pPicture->CloseCamera();
     CVANTORGPIO::PwmStop();
     m_pSupervisionTimer->stop();

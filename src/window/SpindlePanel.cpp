@@ -131,9 +131,8 @@ void CSpindlePanel::ShowEnd(const stOperationEnd& end)
 
 void CSpindlePanel::ShowOutputs()
 {
-    const CSpindle& spindle = m_Host.MachineParts().m_Spindle;
-    AppConfig::m_bSpindleOnOffStatusChangeInGCode = false;
-    AppConfig::m_bSpindleOn = spindle.IsClosed(DIR_CW) || spindle.IsClosed(DIR_CCW);
+    CSpindle& spindle = m_Host.MachineParts().m_Spindle;
+    spindle.FollowRelays();
     Show(m_BtnCW, true, BTN_BKGND_GRAY, SPINDLE_CW + OFF);
     Show(m_BtnCCW, true, BTN_BKGND_GRAY, SPINDLE_CCW + OFF);
     if (spindle.IsClosed(DIR_CW)) ShowOn(m_BtnCW, m_BtnCCW, SPINDLE_CW);

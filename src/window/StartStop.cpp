@@ -205,10 +205,8 @@ void CStartStop::PressPlainStart()
         const QString strWhy = m_Screens.WhyNotStart();
         m_Host.AddLogMsg(strWhy, MSG_ERROR);
         if (!strWhy.isEmpty() || !m_Screens.StartShown()) return m_Host.ResetBtnBkGnd(&button, BTN_BKGND_START);
-    } else if (machine.m_bPause) {
-        machine.Resume();
     } else {
-        machine.RequestPause();
+        (void)machine.TogglePause();
     }
     const bool bPaused = machine.m_bPause;
     if (bPaused) m_Host.AddLogMsg(PAUSE_NOTICE, MSG_NOTICE);

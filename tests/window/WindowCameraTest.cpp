@@ -11,7 +11,7 @@ protected:
     }
     ~WindowCamera() override
     {
-        TouchButton("Btn_SelectToolPaths");
+        if (m_pWindow) TouchButton("Btn_SelectToolPaths");
         QCoreApplication::processEvents();   // what the camera has posted
         Close();
         CFrameSource::ReplaceCamera(nullptr);
@@ -52,6 +52,27 @@ TEST_F(WindowCamera, AHungOneHoldsNoStopUp)
     TouchButton("Btn_SelectCamera");   // opening it hangs until the stop has come through
     hand.join();
     EXPECT_TRUE(bActed && Round("m_BtnStop").IsPressed());
+}
+
+TEST_F(WindowCamera, AHungOneKeepsNoSpindleTurningBehindTheWindow)
+{
+    m_pFeed->bHold = true;
+    Open();
+    TouchButton("Btn_SpindleCWOnOff");
+    TouchButton("Btn_SelectCamera");
+    m_pFeed->inRead.acquire();   // where it hangs
+    const int iRelay = AppConfig::m_lstMCodesPin[3];
+    std::atomic<bool> bOpened = false;
+    std::thread hand([&] {
+        for (int n = 0; n < 400 && !bOpened; ++n) {
+            QThread::msleep(5);
+            bOpened = CVirtualPins::Level(iRelay) == 0;
+        }
+        m_pFeed->goOn.release();
+    });
+    Close();
+    hand.join();
+    EXPECT_TRUE(bOpened);
 }
 
 TEST_F(WindowCamera, TakesThePictureAreaUntilItIsPulledOut)

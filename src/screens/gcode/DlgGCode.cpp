@@ -239,12 +239,7 @@ bool CdlgGCode::IsOrOpen(bool bStarted)
 
 bool CdlgGCode::PauseOrResume()
 {
-    AppControl& machine = Host().Machine();
-    const bool bPause = !machine.m_bPause;
-    if (bPause)
-        machine.RequestPause();
-    else
-        machine.Resume();
+    const bool bPause = Host().Machine().TogglePause();
     if (!bPause && AppConfig::m_bEnlManualToolChange) Host().EnableJogPanel(false);
     Host().AddLogMsg(bPause ? QStringLiteral("G-Code execution paused") : QStringLiteral("G-Code execution resumed"),
                      MSG_INFO);

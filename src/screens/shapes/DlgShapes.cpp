@@ -132,10 +132,7 @@ bool CDlgShapes::StartShapeCutting()
     if (Host().IsEmergencyStopOn()) return false;
     AppControl& machine = Host().Machine();
     if (machine.m_eOperation == OP_SHAPES) {
-        if (machine.m_bPause)
-            machine.Resume();
-        else
-            machine.RequestPause();
+        (void)machine.TogglePause();
         return true;
     }
     if (Host().Refused(Host().WhyNotFree())) return false;
