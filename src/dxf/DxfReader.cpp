@@ -164,6 +164,7 @@ void ReadPolyline(DXFReader& reader, std::vector<RawSeg>& lstSegs)
 
 void ReadEntity(DXFReader& reader, const std::string& strName, std::vector<RawSeg>& lstSegs)
 {
+    const size_t uLine = reader.Line(), uFirst = lstSegs.size();
     if (strName == "LINE")
         ReadLine(reader, lstSegs);
     else if (strName == "ARC")
@@ -172,6 +173,7 @@ void ReadEntity(DXFReader& reader, const std::string& strName, std::vector<RawSe
         ReadPolyline(reader, lstSegs);
     else
         ForEachPair(reader, [](int, const std::string&) {});
+    for (size_t n = uFirst; n < lstSegs.size(); ++n) lstSegs[n].uLine = uLine;
 }
 }   // namespace
 

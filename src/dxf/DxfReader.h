@@ -19,6 +19,7 @@ struct Segment
     Point ptStart, ptEnd;
     Point ptCentre;      // of an arc
     bool bCcw = false;   // of an arc, from ptStart to ptEnd
+    size_t uLine = 0;    // of the drawing, from 1, where its entity begins
 };
 
 struct RawSeg : Segment

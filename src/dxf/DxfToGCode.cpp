@@ -1,6 +1,9 @@
 #include "dxf/DxfToGCode.h"
 
+#include "common/ArcReading.h"
 #include "common/FileWriter.h"
+#include "common/OperatorScreen.h"
+#include "config/AppConfig.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +16,7 @@
 
 static constexpr double JOIN_TOLERANCE = 1e-05;   // mm
 static constexpr double NO_VALUE = 1e300;         // no coordinate yet
+static constexpr int LINES_OF_HEAD = 6;           // up to the feed
 static constexpr double MAX_LINES = 2e7;          // of a program: a step mistyped must not fill the disk
 
 std::string DxfOutputName(const std::string& strDxfFile)
@@ -72,6 +76,39 @@ static void EmitProgram(std::ostream& out, const std::vector<Path>& lstPaths, co
     emit_paths(out, lstPaths, settings.fStepDown, settings.fTotalDepth, settings.fFeed, settings.fZSafe, lowest.x,
                lowest.y);
     out << "M30\n";
+}
+
+// ---- Arcs -----------------------------------------------------------------------------------------------------------
+
+// Those of the first pass, which the others repeat, by the words as they are printed.
+static void CheckArcs(const std::vector<Path>& lstPaths, const Point& off, QStringList& lstNotices)
+{
+    CArcCheck check({AppConfig::m_fAxisMovPerPulse[X_AXIS], AppConfig::m_fAxisMovPerPulse[Y_AXIS],
+                     AppConfig::m_GCodeRunSettings.fAxisStep},
+                    lstNotices);
+    const auto At = [](const Point& pt) { return stArcPoint{pt.x, pt.y}; };
+    const auto Printed = [](const Point& pt, const Point& from) {
+        return stArcPoint{Round4(pt.x - from.x), Round4(pt.y - from.y)};
+    };
+    qint64 lLine = LINES_OF_HEAD;
+    for (const Path& path : lstPaths) {
+        if (path.lstSegs.empty()) continue;
+        lLine += 3;
+        Point current = path.lstSegs.front().ptStart;
+        for (const Segment& seg : path.lstSegs) {
+            ++lLine;
+            const eDirection eDir = seg.bCcw ? DIR_CCW : DIR_CW;
+            if (seg.eKind == SEG_ARC)
+                check.Check(QStringLiteral("ARC on line %1 of the drawing").arg(seg.uLine), lLine,
+                            {.start = Printed(current, off),
+                             .end = Printed(seg.ptEnd, off),
+                             .offset = Printed(seg.ptCentre, current),
+                             .eDir = eDir,
+                             .fSweep = ArcSweep(At(seg.ptStart), At(seg.ptEnd), At(seg.ptCentre), eDir)});
+            current = seg.ptEnd;
+        }
+        ++lLine;
+    }
 }
 
 // ---- Conversion -----------------------------------------------------------------------------------------------------
@@ -140,8 +177,12 @@ std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput
     if (!file.Open()) return "Cannot open output file: " + strOutput;
     CDeviceBuffer buffer(file);
     std::ostream output(&buffer);
-    EmitProgram(output, lstPaths, settings, LowestOf(lstSegs));
+    const Point lowest = LowestOf(lstSegs);
+    EmitProgram(output, lstPaths, settings, lowest);
     if (!output.flush() || !file.Commit()) return "Cannot write output file: " + strOutput;
+    QStringList lstNotices;
+    CheckArcs(lstPaths, lowest, lstNotices);
+    for (const QString& strNotice : lstNotices) TellNotice(strNotice);
     return {};
 }
 

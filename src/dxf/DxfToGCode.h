@@ -22,7 +22,7 @@ struct stDXF2GCode
 std::string DxfOutputName(const std::string& strDxfFile);
 
 // Writes the program to a file, which is complete or, if it is not there before, not there. Empty, or why not. Throws
-// what parse_entities throws. Any thread.
+// what parse_entities throws. Arcs that will not be what is drawn are told on the operator's log. Any thread.
 std::string ConvertDxf(const stDXF2GCode& settings, const std::string& strOutput, size_t& uPaths);
 // The same beside the drawing, told on the standard error stream. 0: done; 1: refused.
 int CreateGcodeFromDxf(stDXF2GCode settings);

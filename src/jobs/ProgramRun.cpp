@@ -1,10 +1,10 @@
 #include "jobs/ProgramRun.h"
 
+#include "common/ArcReading.h"
 #include "config/AppConfig.h"
 #include "gcode/ExecStatus.h"
 #include "gcode/GCodeWords.h"
 #include "jobs/GCodeLineExec.h"
-#include "machine/ArcWalk.h"
 #include "time/Wait.h"
 
 #include <algorithm>
@@ -168,9 +168,9 @@ CProgramRun::eWords CProgramRun::TakeArcWord(char cLetter, double fValue, stGCod
         AxisOf(info.stEnd, axis) = (fHere + fValue) * m_fUnitFactor;
     } else if (cLetter >= 'I' && cLetter <= 'K') {
         const int axis = cLetter - 'I';
-        const double fOffset = fValue * m_fUnitFactor;   // from the start point, in G90 too
+        // From the start point, in G90 too.
         AxisOf(info.stCenter, axis) =
-            IsBelowPulse(fOffset, axis) ? m_Machine.m_AxisCtrl[axis].GetCurPos() : AxisOf(info.stStart, axis) + fOffset;
+            ArcCentre(AxisOf(info.stStart, axis), fValue * m_fUnitFactor, AppConfig::m_fAxisMovPerPulse[axis]);
     } else if (cLetter == 'R') {
         info.fRadius = fValue * m_fUnitFactor;
         if (IsBelowPulse(info.fRadius, X_AXIS) || IsBelowPulse(info.fRadius, Y_AXIS)) {

@@ -1,23 +1,29 @@
 #include "machine/ArcMoves.h"
 
+#include "common/ArcReading.h"
 #include "common/OperatorScreen.h"
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
-#include "machine/ArcWalk.h"
 #include "motion/AllAxisCtrl.h"
 
 #include <QtMath>
 
 #include <cmath>
 
-static bool BelowPulse(double fDist, int axis)
-{
-    return std::abs(fDist) < AppConfig::m_fAxisMovPerPulse[axis];
-}
-
 static stArcPoint InPlane(const stFloatPoint& pos, const stArcPlane& plane)
 {
     return {AxisOf(pos, plane.iFirst), AxisOf(pos, plane.iSecond)};
+}
+
+static stArcShape InPlane(const stGCodeEllipseInfo& info, const stArcPlane& plane)
+{
+    return {.start = InPlane(info.stStart, plane),
+            .end = InPlane(info.stEnd, plane),
+            .center = InPlane(info.stCenter, plane),
+            .fRadius = info.fRadius,
+            .eDir = info.eDir,
+            .bFullCircle = info.bFullCircle,
+            .fStep = AppConfig::m_GCodeRunSettings.fAxisStep};
 }
 
 stArcPlane stArcPlane::Selected()
@@ -40,24 +46,16 @@ void CArcMoves::Begin(stGCodeEllipseInfo& info) const
 bool CArcMoves::Cut(stGCodeEllipseInfo& info)
 {
     const stArcPlane plane = stArcPlane::Selected();
-    const stArcPoint center = InPlane(info.stCenter, plane), end = InPlane(info.stEnd, plane);
-    if (BelowPulse(center.fFirst - m_Axes.m_AxisCtrl[plane.iFirst].GetCurPos(), plane.iFirst) &&
-        BelowPulse(center.fSecond - m_Axes.m_AxisCtrl[plane.iSecond].GetCurPos(), plane.iSecond)) {
+    stArcShape arc = InPlane(info, plane);
+    if (!CompleteArc(arc,
+                     {AppConfig::m_fAxisMovPerPulse[plane.iFirst], AppConfig::m_fAxisMovPerPulse[plane.iSecond]})) {
         m_Messages.PushErrMsg(ARC_TOO_SMALL);
         return false;
     }
-    // An end at the zero point of the plane counts as not given: such an arc runs as a full circle, on purpose.
-    if (BelowPulse(end.fFirst, plane.iFirst) && BelowPulse(end.fSecond, plane.iSecond)) {
-        AxisOf(info.stEnd, plane.iFirst) = AxisOf(info.stStart, plane.iFirst);
-        AxisOf(info.stEnd, plane.iSecond) = AxisOf(info.stStart, plane.iSecond);
-        info.bFullCircle = true;
-    }
-    if (info.fRadius < AppConfig::m_fAxisMovPerPulse[plane.iFirst]) {
-        const stArcPoint start = InPlane(info.stStart, plane);
-        const double p = CUnitConverter::Distance(start.fFirst, center.fFirst);
-        const double q = CUnitConverter::Distance(start.fSecond, center.fSecond);
-        info.fRadius = std::sqrt(p * p + q * q);
-    }
+    AxisOf(info.stEnd, plane.iFirst) = arc.end.fFirst;
+    AxisOf(info.stEnd, plane.iSecond) = arc.end.fSecond;
+    info.fRadius = arc.fRadius;
+    info.bFullCircle = arc.bFullCircle;
     return G02_G03_Move(&info);
 }
 
@@ -80,14 +78,7 @@ bool CArcMoves::G02_G03_Move(stGCodeEllipseInfo* pInfo)
     const stArcPlane plane = stArcPlane::Selected();
     std::vector<stArcPoint> chain;
     QString strWhy;
-    if (!WalkArc({.start = InPlane(pInfo->stStart, plane),
-                  .end = InPlane(pInfo->stEnd, plane),
-                  .center = InPlane(pInfo->stCenter, plane),
-                  .fRadius = pInfo->fRadius,
-                  .eDir = pInfo->eDir,
-                  .bFullCircle = pInfo->bFullCircle,
-                  .fStep = AppConfig::m_GCodeRunSettings.fAxisStep},
-                 chain, strWhy)) {
+    if (!WalkArc(InPlane(*pInfo, plane), chain, strWhy)) {
         m_Messages.PushErrMsg(strWhy);
         return false;
     }

@@ -8,6 +8,7 @@ class CDxfJob : public CGCodeJob
 public:
     std::vector<stJobField> Fields() override;
     bool Load(const stJobFile& file, QString& strWhy) override;
+    QString LineForm() const override { return QStringLiteral(": program line %1:"); }   // not of the drawing
     bool HasGCode() const override { return true; }
     bool WriteGCode(const QString& strFile) override;
 

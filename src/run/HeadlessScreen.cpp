@@ -33,8 +33,7 @@ void CHeadlessScreen::AddLogMsg(const QString& strMsg, eAppMsgType eType)
             Print(QStringLiteral("[%1 s] %2").arg(static_cast<double>(told.lTime) / 1e9, 0, 'f', 3).arg(told.strText));
         return;
     }
-    const QString strWhere =
-        told.lLine > 0 ? m_strFile + QLatin1Char(':') + QString::number(told.lLine) + QStringLiteral(": ") : QString();
+    const QString strWhere = told.lLine > 0 ? m_strFile + m_strLineForm.arg(told.lLine) + QLatin1Char(' ') : QString();
     Print(strWhere + told.strText);
 }
 

@@ -37,8 +37,12 @@ public:
     // Of the runner itself; no message of the run.
     void Say(const QString& strText);
 
-    void SetBegin(qint64 lBegin) { m_lBegin = lBegin; }   // ns of CWait::Now, the zero of its times
-    void SetLines(qint64 lLines) { m_lLines = lLines; }
+    void SetBegin(qint64 lBegin) { m_lBegin = lBegin; }    // ns of CWait::Now, the zero of its times
+    void SetLines(qint64 lLines, const QString& strForm)   // how many, and how one is told behind the file's name
+    {
+        m_lLines = lLines;
+        m_strLineForm = strForm;
+    }
     void SetLine(qint64 lLine) { m_lLine = lLine; }   // 1-based; 0: none
     qint64 Line() const { return m_lLine; }
     // At most ten times a second.
@@ -57,6 +61,7 @@ private:
     void ClearProgress();
 
     const QString m_strFile;
+    QString m_strLineForm = QStringLiteral(":%1:");
     const bool m_bQuiet, m_bProgress;
     CShared<qint64> m_lLine = 0, m_lTold = 0;
     qint64 m_lLines = 0, m_lBegin = 0;

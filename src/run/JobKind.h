@@ -49,6 +49,8 @@ public:
     // How much it is, such as "12 shapes, 3400 points", for the summary and for --check.
     virtual QString Size() const = 0;
     virtual qint64 Lines() const { return 0; }   // of a program, for the progress
+    // How a line of the program is told behind the job's name.
+    virtual QString LineForm() const { return QStringLiteral(":%1:"); }
 
     // Whether --to-gcode makes sense, and the program written. False: strFile can't be written.
     virtual bool HasGCode() const { return true; }

@@ -82,9 +82,9 @@ size_t CRunner::PrintErrors() const
     if (!m_pJob) return 0;
     const std::vector<stJobError> lstErrors = m_pJob->Errors();
     for (const stJobError& error : lstErrors) {
-        const QString strLine = error.lLine > 0 ? QStringLiteral("%1:").arg(error.lLine) : QString();
-        std::fputs((m_Options.strJob + QLatin1Char(':') + strLine + QLatin1Char(' ') +
-                    CHeadlessScreen::OneLine(error.strText) + QLatin1Char('\n'))
+        const QString strLine = error.lLine > 0 ? m_pJob->LineForm().arg(error.lLine) : QStringLiteral(":");
+        std::fputs((m_Options.strJob + strLine + QLatin1Char(' ') + CHeadlessScreen::OneLine(error.strText) +
+                    QLatin1Char('\n'))
                        .toUtf8()
                        .constData(),
                    stdout);
@@ -150,7 +150,7 @@ bool CRunner::OpenRecordings()
 void CRunner::HookWorker()
 {
     if (m_pJob) {
-        m_pScreen->SetLines(m_pJob->Lines());
+        m_pScreen->SetLines(m_pJob->Lines(), m_pJob->LineForm());
         m_pMoves->m_fnOnMove = [this](const stFloatPoint& from, const stFloatPoint& to) {
             if (!m_bJobRuns) return;
             m_pJob->OnMove(from, to);

@@ -1,5 +1,6 @@
 #include "run/WorkAreaJob.h"
 
+#include "shapes/CuttingWalk.h"
 #include "shapes/ShapesToGCode.h"
 #include "shapes/WorkAreaFile.h"
 
@@ -24,7 +25,15 @@ bool CWorkAreaJob::Load(const stJobFile& file, QString& strWhy)
 std::vector<stJobError> CWorkAreaJob::Errors() const
 {
     if (m_Info.lstShapes.empty()) return {{0, QStringLiteral("holds no shapes")}};
-    return {};
+    // A shape or two that can't be cut are told by the cut; a job of nothing else is none.
+    std::vector<stJobError> lstErrors;
+    CShapesToCut shapes(m_Info.fZStep);
+    for (const stEngShape& shape : m_Info.lstShapes) {
+        const QString strWhy = shapes.WhySkipped(shape);
+        if (strWhy.isEmpty()) return {};
+        lstErrors.push_back({0, strWhy});
+    }
+    return lstErrors;
 }
 
 QString CWorkAreaJob::Size() const

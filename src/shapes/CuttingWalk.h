@@ -102,21 +102,36 @@ template <class Visitor> bool WalkShape(const stEngShape& shape, double fZStep, 
     return WalkPasses(path, passes, visitor) && visitor.End();
 }
 
+// Of the shapes of a job in their order: empty, or why the next one is skipped.
+class CShapesToCut
+{
+public:
+    explicit CShapesToCut(double fZStep) : m_fZStep(fZStep) {}
+    QString WhySkipped(const stEngShape& shape)
+    {
+        QString strWhy = WhyNotCut(shape);
+        const double fWithIt = m_fPoints + PointsToCut(shape, m_fZStep);
+        if (strWhy.isEmpty() && !(fWithIt <= MAX_POINTS_TO_CUT))
+            strWhy = QStringLiteral("the job has too many points for its passes");
+        if (strWhy.isEmpty()) m_fPoints = fWithIt;
+        return strWhy.isEmpty() ? strWhy : QStringLiteral("%1 is skipped: %2").arg(shape.Common().strShapeName, strWhy);
+    }
+
+private:
+    const double m_fZStep;
+    double m_fPoints = 0.0;
+};
+
 template <class Visitor> bool WalkJob(const stShapeCuttingInfo& info, Visitor& visitor)
 {
     if (!(info.fZStep > 0.0) || !std::isfinite(info.fZStep)) {
         visitor.Skip(QStringLiteral("Shapes are not cut: Z Step must be greater than zero"));
         return true;
     }
-    double fPoints = 0.0;
+    CShapesToCut shapes(info.fZStep);
     for (const stEngShape& shape : info.lstShapes) {
-        QString strWhy = WhyNotCut(shape);
-        const double fWithIt = fPoints + PointsToCut(shape, info.fZStep);
-        if (strWhy.isEmpty() && !(fWithIt <= MAX_POINTS_TO_CUT))
-            strWhy = QStringLiteral("the job has too many points for its passes");
-        if (strWhy.isEmpty()) fPoints = fWithIt;
-        if (!strWhy.isEmpty())
-            visitor.Skip(QStringLiteral("%1 is skipped: %2").arg(shape.Common().strShapeName, strWhy));
+        if (const QString strWhy = shapes.WhySkipped(shape); !strWhy.isEmpty())
+            visitor.Skip(strWhy);
         else if (!WalkShape(shape, info.fZStep, visitor))
             return false;
     }

@@ -1,5 +1,6 @@
 #include "shapes/ShapesToGCode.h"
 
+#include "common/ArcReading.h"
 #include "common/FileWriter.h"
 #include "common/UnitConverter.h"
 #include "shapes/CuttingWalk.h"
@@ -31,7 +32,10 @@ class CGCodeWriter
 {
 public:
     CGCodeWriter(QFileDevice& file, double fSafeHeight, const std::function<bool()>& fnMayGoOn, QStringList& lstNotices)
-        : m_File(file), m_fSafeHeight(fSafeHeight), m_fnMayGoOn(fnMayGoOn), m_lstNotices(lstNotices)
+        : m_File(file), m_fSafeHeight(fSafeHeight), m_fnMayGoOn(fnMayGoOn), m_lstNotices(lstNotices),
+          m_Arcs({AppConfig::m_fAxisMovPerPulse[X_AXIS], AppConfig::m_fAxisMovPerPulse[Y_AXIS],
+                  AppConfig::m_GCodeRunSettings.fAxisStep},
+                 lstNotices)
     {
     }
 
@@ -75,20 +79,17 @@ public:
     bool HasItsWay(const stEngShape& shape) const { return IsCircle(shape); }
     bool CutItsWay(const stEngShape& shape, stPasses passes)
     {
-        const stFloatPoint &first = shape.Path().front(), &last = shape.Path().back();
-        const stFloatPoint& centre = shape.pEllipse->stCenter;
+        const ShapePath& path = shape.Path();
+        const stFloatPoint &first = path.front(), &last = path.back();
         const bool bClosed = IsBelowPulse(last.x - first.x, last.y - first.y);
-        const stEllipse& circle = *shape.pEllipse;
-        if (bClosed && (circle.fArcStartAngle > 0.0 || circle.fArcEndAngle < 360.0))
-            Notice(circle, "an arc of a single place is a whole turn when its G-code is run");
-        else if (bClosed)
-            WarnOfStandstill(circle, first, last);
         bool bForward = true;
-        for (bool bMore = true; bMore;) {
+        int iPass = 0;
+        for (bool bMore = true; bMore; ++iPass) {
             if (!m_fnMayGoOn()) return false;
             bMore = passes.Next();
             Plunge(passes.fDepth);
-            Arc(bForward ? "G03" : "G02", bForward ? first : last, bForward ? last : first, centre);
+            if (iPass < 2) CheckArc(*shape.pEllipse, bForward);   // the others are like one of these
+            Arc(bForward ? "G03" : "G02", bForward ? first : last, bForward ? last : first, shape.pEllipse->stCenter);
             if (!bClosed) bForward = !bForward;
         }
         return m_bGood;
@@ -101,28 +102,24 @@ private:
         Write(QLatin1String(szWord) + QLatin1Char(' ') + Place(to) + QStringLiteral(" I") + Number(centre.x - from.x) +
               QStringLiteral(" J") + Number(centre.y - from.y) + QLatin1Char('\n'));
     }
-    // An arc word that ends where it starts moves nothing unless its ends are level with the centre, or at X0 Y0, which
-    // count as not given. By the words as they are run: a J below a pulse puts the centre level with where the axis
-    // stands, which is the end only if that is on a pulse.
-    void WarnOfStandstill(const stEllipse& circle, const stFloatPoint& first, const stFloatPoint& last)
+    // By the words as they are printed.
+    void CheckArc(const stEllipse& circle, bool bForward)
     {
-        if (IsBelowPulse(last.x, last.y)) return;
-        const double fPulse = AppConfig::m_fAxisMovPerPulse[Y_AXIS];
-        const double fJ = Number(circle.stCenter.y - first.y).toDouble();
-        const qint32 lPulse = CUnitConverter::GetInt(fPulse);
-        const bool bOnPulse = lPulse <= 0 || CUnitConverter::GetInt(Number(last.y).toDouble()) % lPulse == 0;
-        if (std::abs(fJ) >= fPulse)
-            Notice(circle, "a turned full circle does not move when its G-code is run");
-        else if (!bOnPulse)
-            Notice(circle, "a full circle that starts between two pulses may not move when its G-code is run");
-    }
-    void Notice(const stEllipse& circle, const char* szText)
-    {
-        m_lstNotices += circle.strShapeName + QStringLiteral(": ") + QLatin1String(szText);
+        const auto At = [](const stFloatPoint& point) { return stArcPoint{point.x, point.y}; };
+        const ShapePath& path = circle.lstPoints;
+        const stArcPoint first = At(path.front()), last = At(path.back()), centre = At(circle.stCenter);
+        const stArcPoint &from = bForward ? first : last, &to = bForward ? last : first;
+        m_Arcs.Check(circle.strShapeName, m_lLine,
+                     {.start = {Round4(from.fFirst), Round4(from.fSecond)},
+                      .end = {Round4(to.fFirst), Round4(to.fSecond)},
+                      .offset = {Round4(centre.fFirst - from.fFirst), Round4(centre.fSecond - from.fSecond)},
+                      .eDir = bForward ? DIR_CCW : DIR_CW,
+                      .fSweep = path.size() == 1 ? 0.0 : ArcSweep(first, last, centre, DIR_CCW)});
     }
     bool Write(const QString& strText)
     {
         const QByteArray bytes = strText.toUtf8();
+        m_lLine += bytes.count('\n');
         return m_bGood = m_bGood && m_File.write(bytes) == bytes.size();
     }
 
@@ -130,6 +127,8 @@ private:
     const double m_fSafeHeight;
     const std::function<bool()>& m_fnMayGoOn;
     QStringList& m_lstNotices;
+    CArcCheck m_Arcs;
+    qint64 m_lLine = 1;   // the next one
     bool m_bGood = true;
 };
 }   // namespace
@@ -139,10 +138,14 @@ bool WriteShapesAsGCode(const QString& strFile, const stShapeCuttingInfo& info, 
 {
     CFileWriter file(strFile);
     if (!file.Open()) return false;
-    CGCodeWriter writer(file, fSafeHeight, fnMayGoOn, lstNotices);
-    writer.Header(info.lstShapes.size());
-    (void)WalkJob(info, writer);
-    if (writer.IsGood() && file.Commit()) return true;
+    bool bGood = false;
+    {
+        CGCodeWriter writer(file, fSafeHeight, fnMayGoOn, lstNotices);
+        writer.Header(info.lstShapes.size());
+        (void)WalkJob(info, writer);
+        bGood = writer.IsGood();
+    }   // which tells the rest of its notices
+    if (bGood && file.Commit()) return true;
     lstNotices += QStringLiteral("%1 was not written: %2").arg(strFile, file.errorString());
     return false;
 }

@@ -3,6 +3,7 @@
 #include "support/Cases.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
+#include "support/LoggedScreen.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -270,6 +271,18 @@ TEST_F(Dxf, AnArcShiftsTheDrawingByItsWholeCircleAndTurnsRoundWhenItJoinsBackwar
         MovesOf({.strDxfFile = "a.dxf"}, LineText(-4, 10, 0, 10) + "0\nARC\n10\n0\n20\n0\n40\n10\n50\n0\n51\n90\n");
     EXPECT_EQ(strMoves, "G0 Z5.0000|G0 X6.0000 Y20.0000|G1 Z-1.0000|G1 X10.0000 Y20.0000|"
                         "G2 X20.0000 Y10.0000 I0.0000 J-10.0000|G0 Z5.0000|M30|");
+}
+
+// Full turns: the one that begins level with its centre is run, the other one stands.
+TEST_F(Dxf, ArcsThatWillNotBeWhatIsDrawnAreTold)
+{
+    CLoggedScreen screen;
+    const std::string strArc = "0\nARC\n40\n5\n20\n5\n10\n";
+    (void)MovesOf({.strDxfFile = "a.dxf", .fTotalDepth = 2},
+                  strArc + "5\n50\n0\n51\n360\n" + strArc + "25\n50\n45\n51\n405\n");
+    EXPECT_EQ(screen.m_lstLog.join('|'),
+              "1 ARC on line 18 of the drawing, program line 15: the arc is not cut when its G-code is run");
+    EXPECT_TRUE(ReadAll("a..ncc").split('\n').value(14).startsWith("G3 X"));
 }
 
 TEST_F(Dxf, AnArcBeginsWhereTheChainStandsNotWhereItWasDrawn)

@@ -202,15 +202,15 @@ INSTANTIATE_TEST_SUITE_P(All, Circles,
                          testing::Values(stCircle{0, 0, 360, "G03 G03"}, stCircle{0, 0, 180, "G03 G02"},
                                          stCircle{70, 20, 300, "G03 G02"},
                                          stCircle{180, 0, 360, "G03 G03",
-                                                  "1 Ellipse_1: a full circle that starts between two pulses may not "
-                                                  "move when its G-code is run"}));
+                                                  "1 Ellipse_1, program line 20: the arc may not be cut when its "
+                                                  "G-code is run"}));
 
 TEST_F(ShapeCut, TurnedFullCircleIsWrittenAsItIsAndTheLogSaysThatItStands)
 {
     m_Info.lstShapes = {Ellipse(20.0, 20.0, 40.0, 0, 360)};
     const auto pApp = RunProgram();
     ASSERT_EQ(m_Screen.m_lstLog.size(), 1);
-    EXPECT_TRUE(m_Screen.m_lstLog[0].contains("Ellipse_1: a turned full circle")) << m_Screen.m_lstLog[0].toStdString();
+    EXPECT_EQ(m_Screen.m_lstLog[0], "1 Ellipse_1, program line 20: the arc is not cut when its G-code is run");
     double fHighest = 0.0;
     for (const stFloatPoint& stop : Stops(*pApp)) fHighest = std::max(fHighest, stop.y);
     EXPECT_LT(fHighest, m_Info.lstShapes[0].Path().front().y + 2 * PULSE) << "it moves after all: the notice is wrong";
@@ -234,7 +234,16 @@ TEST_F(ShapeCut, TurnedFullCircleIsWrittenAsItIsAndTheLogSaysThatItStands)
     m_Info.lstShapes = {Ellipse(20.0, 20.0, 0, 0, 3)};   // one point: a word that ends where it starts
     m_Info.lstShapes[0].pEllipse->lstPoints.resize(1);
     (void)Write();
-    EXPECT_TRUE(m_Screen.m_lstLog.join("|").contains("a whole turn"));
+    EXPECT_TRUE(m_Screen.m_lstLog.join("|").contains("becomes a full circle"));
+
+    m_Screen.m_lstLog.clear();
+    m_Info.lstShapes = {Ellipse(20.0, 20.0, 0, 0, 180)};
+    stEllipse& half = *m_Info.lstShapes[0].pEllipse;
+    half.stCenter = {50.0 - half.lstPoints.front().x, 0.0};   // the way back ends at X0 Y0
+    CreateEllipsePoints(half);
+    EXPECT_TRUE(Write().split('\n').value(21).startsWith("G02 X0.0000 Y0.0000"));
+    EXPECT_EQ(m_Screen.m_lstLog.join("|"),
+              "1 Ellipse_1, program line 22: the arc becomes a full circle when its G-code is run");
 
     m_Screen.m_lstLog.clear();
     m_Info.lstShapes = {Ellipse(20.0, 20.0001, 40.0, 0, 360)};   // other position units: no circle

@@ -1,5 +1,5 @@
+#include "common/ArcReading.h"
 #include "common/UnitConverter.h"
-#include "machine/ArcWalk.h"
 #include "machine/MoveSpy.h"
 #include "support/LoggedScreen.h"
 
@@ -128,6 +128,61 @@ TEST_F(ArcTest, RotaryAxesRunToZeroAndTheLogSaysSoOnce)
     EXPECT_TRUE(Arc({"G2", "X0", "Y0", "I-5", "J0"}));
     EXPECT_EQ(screen.m_lstLog.size(), 1);
 }
+
+// What is told of an arc before it is run is what the machine then does.
+struct stFate
+{
+    double fRadius, fFrom, fSweep;   // degrees, counter-clockwise
+    const char* szFate;
+    bool bEndsAtZero = false;   // of the plane; else the centre lies at X50 Y50
+};
+class ArcFates : public ArcTest, public testing::WithParamInterface<stFate>
+{
+};
+TEST_P(ArcFates, AreToldAsTheyRun)
+{
+    const stFate& fate = GetParam();
+    const auto On = [&](double fDegrees) {
+        const double fAngle = fDegrees * M_PI / 180.0;
+        return stFloatPoint{fate.fRadius * std::cos(fAngle), fate.fRadius * std::sin(fAngle)};
+    };
+    const stFloatPoint first = On(fate.fFrom), last = On(fate.fFrom + fate.fSweep);
+    const stFloatPoint centre = fate.bEndsAtZero ? stFloatPoint{-last.x, -last.y} : stFloatPoint{50, 50};
+    const stArcPoint start{Round4(centre.x + first.x), Round4(centre.y + first.y)};
+    const stArcPoint end{Round4(centre.x + last.x), Round4(centre.y + last.y)};
+    const stArcPoint offset{Round4(-first.x), Round4(-first.y)};
+    const double fWay = fate.fRadius * fate.fSweep * M_PI / 180.0;
+    EXPECT_STREQ(WhatBecomesOf({start, end, offset, DIR_CCW, fWay / fate.fRadius}, {0.001, 0.001, 0.1}, 0.102)
+                     .toUtf8()
+                     .constData(),
+                 fate.szFate);
+
+    Begin();
+    ASSERT_TRUE(Move({}, {start.fFirst, start.fSecond}));
+    double fCut = 0.0;
+    stFloatPoint at = m_App.Position();
+    const size_t uBefore = m_App.m_lstTargets.size();
+    const auto Word = [](char cLetter, double fValue) { return cLetter + std::to_string(fValue); };
+    const bool bRuns =
+        Arc({"G3", Word('X', end.fFirst), Word('Y', end.fSecond), Word('I', offset.fFirst), Word('J', offset.fSecond)},
+            DIR_CCW);
+    ASSERT_EQ(bRuns, QLatin1String("is refused") != QLatin1String(fate.szFate));
+    for (size_t n = uBefore; n < m_App.m_lstTargets.size(); ++n) {
+        const stFloatPoint& to = m_App.m_lstTargets[n];
+        fCut += std::hypot(to.x - at.x, to.y - at.y);
+        at = to;
+    }
+    if (!bRuns || QLatin1String(fate.szFate).startsWith(QLatin1String("may"))) return;
+    EXPECT_EQ(std::abs(fCut - fWay) < 0.15, !*fate.szFate) << fCut;
+}
+INSTANTIATE_TEST_SUITE_P(All, ArcFates,
+                         testing::Values(stFate{11, 0, 360, ""}, stFate{11, 40, 360, "is not cut"},
+                                         stFate{11, 40, 360, "", true}, stFate{11, 0.002, 360, "may not be cut"},
+                                         stFate{7, 0, 180, "becomes a full circle", true}, stFate{7, 0, 180, ""},
+                                         stFate{11, 70, 280, ""}, stFate{0.633, 10, 357, "is not cut"},
+                                         stFate{0.633, 45, 357, "is not cut"}, stFate{0.633, 90, 357, "is not cut"},
+                                         stFate{0.633, 270, 357, "is not cut"}, stFate{0.633, 0, 357, ""},
+                                         stFate{0.0005, 0, 90, "is refused"}));
 
 // ---- On a measured surface ------------------------------------------------------------------------------------------
 

@@ -59,5 +59,9 @@ TEST_F(RunnerTest, WhatIsWrongWithADrawingIsTold)
         EXPECT_TRUE(result.strErr.contains(QLatin1String(szTold))) << result.strErr;
     }
     EXPECT_EQ(QDir(m_Folder.path()).entryList(QDir::Files), (QStringList{"bad.DXF", "empty.dxf", "line.dxf"}));
+    Write("far.dxf", head + "0\n20\n0\n11\n300000\n21\n1\n");
+    const stResult far = Call(Words("far.dxf --quiet"));
+    EXPECT_EQ(far.iExit, 1);
+    EXPECT_TRUE(far.strErr.startsWith("far.dxf: program line 10: ")) << far.strErr;
 }
 }   // namespace

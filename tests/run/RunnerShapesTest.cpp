@@ -67,6 +67,11 @@ TEST_F(RunnerTest, WorkAreasAreCheckedAndTheirFieldsSet)
         EXPECT_EQ(result.iExit, 2) << szCall;
         EXPECT_TRUE(result.strErr.contains(QLatin1String(szWhy))) << szCall << ": " << result.strErr;
     }
+    QByteArray empty = AREA;
+    Write("empty.xml", empty.replace("<Count>3", "<Count>0"));
+    const stResult skipped = Call({"empty.xml"});
+    EXPECT_EQ(skipped.iExit, 1) << "nothing of it can be cut";
+    EXPECT_EQ(skipped.strOut, QStringLiteral("empty.xml: S is skipped: it has no points\n"));
     Write("rubbish.xml", "G1 X10\n");
     const stResult rubbish = Call({"rubbish.xml"});
     EXPECT_EQ(rubbish.iExit, 1);

@@ -1,4 +1,4 @@
-#include "machine/ArcWalk.h"
+#include "common/ArcWalk.h"
 
 #include "common/UnitConverter.h"
 
