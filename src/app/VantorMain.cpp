@@ -21,13 +21,20 @@ static void TellVirtualPins()
     COperatorScreen::Get().AddLogMsg(strMsg, MSG_ERROR);
 }
 
-static void LockAndTell()
+// Ahead of the window, whose homing at start must not run beside it; once more behind it where later pages are not
+// locked by themselves.
+static eLockedMemory TouchAndLock()
+{
+    CAllAxisCtrl::TouchThreads();
+    return LockMemory();
+}
+
+static void TellLocked(eLockedMemory eLocked)
 {
     static constexpr const char* TEXTS[] = {"Memory could not be locked: a page that is fetched in a move delays it",
                                             "Memory of the start is locked, later pages are not (see the self-test)",
                                             "All memory is locked"};
-    CAllAxisCtrl::TouchThreads();
-    const eLockedMemory eLocked = LockMemory();
+    if (eLocked == LOCKED_PRESENT) (void)LockMemory();
     COperatorScreen::Get().AddLogMsg(QString::fromLatin1(TEXTS[eLocked]),
                                      eLocked == LOCKED_NOTHING ? MSG_NOTICE : MSG_INFO);
 }
@@ -54,8 +61,9 @@ int main(int argc, char** argv)
     QLockFile lock(CPaths::Establish() + QStringLiteral("/VANTOR/.running"));
     lock.setStaleLockTime(0);
     if (!lock.tryLock() && lock.error() == QLockFile::LockFailedError) return TellSecondStart(app);
-    return RunWindow(app, [](QWidget&) {
+    const eLockedMemory eLocked = TouchAndLock();
+    return RunWindow(app, [eLocked](QWidget&) {
         TellVirtualPins();
-        LockAndTell();
+        TellLocked(eLocked);
     });
 }

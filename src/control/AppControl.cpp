@@ -79,13 +79,15 @@ bool AppControl::LaunchJob(eOperation eCode, bool bAutoSpindle)
     return LaunchOperation(eCode);
 }
 
-bool AppControl::InitMachine()
+bool AppControl::InitMachine(const QString& strWhyNotHome)
 {
     SetUpAxes();
     if (!CVirtualTime::Current()) CMotorSettings(*this).ReserveRamps();   // in a dry run no page makes a pulse late
     if (!AppConfig::m_bAutoHmOnStartup) return true;
     // The flag of the stop is not raised here: the first look at the input does all that a rise does.
-    if (AppConfig::m_iEStopInput >= 0 && CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput)) != 0)
+    if (!strWhyNotHome.isEmpty())
+        PushErrMsg(QStringLiteral("Homing at start not begun: ") + strWhyNotHome);
+    else if (AppConfig::m_iEStopInput >= 0 && CRpiGpio::ReadInput(Pin(AppConfig::m_iEStopInput)) != 0)
         PushErrMsg(QStringLiteral("Homing at start not begun: Emergency Stop input is High"));
     else
         StartMchHomingSequence();
@@ -242,6 +244,7 @@ void AppControl::RunOperation(eOperation eCode)
         DoOperation(eCode);
     } catch (...) {
         PushErrMsg(QStringLiteral("Operation ended by an unexpected error"));
+        m_Homing.AutoHomingFinished();   // or the next moves would be watched by a sensor instead of their limits
     }
     AfterOperationFinish(eCode);
 }

@@ -22,7 +22,8 @@ public:
 
     // ---- Operations; interface thread. False: not started, and why is in m_lstErrMsg: behind a stop, while the last
     // worker still leaves, and what each says of its own ----
-    bool InitMachine();
+    // strWhyNotHome: where given, the machine does not home by itself, and says why.
+    bool InitMachine(const QString& strWhyNotHome = {});
     bool StartWorkHomingSequence();
     bool StartMchHomingSequence();
     bool StartMchHomingSequence(eAxis axis);   // this one alone: the others keep their place and their home

@@ -84,6 +84,7 @@ CProgramExchange::~CProgramExchange()
 
 void CGCodeStore::LoadGCode(QString strFile, QObject* notify)
 {
+    m_bLoadBroke = true;
     QFile file(strFile);
     if (!file.open(QIODevice::ReadOnly)) return;   // with the flag up: wanted, no further load is started
     std::vector<QString> lstLines;

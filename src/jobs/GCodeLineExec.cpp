@@ -339,14 +339,15 @@ Exec::eNext Exec::ManualToolChange()
     return eAsked;
 }
 
-// Until the supervision loop has set the pause; the run loop then holds at the next line.
+// Until the supervision loop has set the pause, and while that stands: a word behind this one may close the spindle's
+// relay, with the operator's hand at the tool.
 Exec::eNext Exec::AskForTool()
 {
     // As told it is not stopped here, where neither kind of tool change is chosen: the operator's hand is on its way.
     if (const QString strTurns = m_Machine.m_Spindle.WhyStillTurning(); !strTurns.isEmpty()) TellNotice(strTurns);
     m_Machine.RaiseToolChange();
     m_Machine.PushInfoMsg(QStringLiteral("Change tool and click start"));
-    return m_Machine.WaitForToolChange() ? eNext::WORD : eNext::END_RUN;
+    return m_Machine.WaitForToolChange() && m_Machine.WaitWhilePaused() ? eNext::WORD : eNext::END_RUN;
 }
 
 Exec::eNext Exec::AutoToolChange()

@@ -25,16 +25,13 @@ namespace {
 class CSurfaceWalk
 {
 public:
-    explicit CSurfaceWalk(CMachine& machine)
-        : m_Machine(machine), m_bWatchZProbe(machine.m_AxisCtrl[Z_AXIS].m_bWatchZProbe)
-    {
-    }
-    ~CSurfaceWalk() { m_Machine.m_AxisCtrl[Z_AXIS].EndWatch(); }
+    explicit CSurfaceWalk(CMachine& machine) : m_Machine(machine), m_ZAxis(machine.m_AxisCtrl[Z_AXIS]) {}
+    ~CSurfaceWalk() { m_ZAxis.EndWatch(); }
 
     bool Run()
     {
         if (!m_Machine.m_Homing.MoveWorkZeroAll()) return false;
-        m_bWatchZProbe = true;
+        m_ZAxis.BeginWatch(m_ZAxis.m_bWatchZProbe);
         while (ProbeRow()) {
             m_Info.lstPoints.push_back(m_Row);
             if (!Lift()) return false;
@@ -68,12 +65,12 @@ private:
 
     bool Lift()
     {
-        m_bWatchZProbe = false;
+        m_ZAxis.m_bWatchZProbe = false;
         return m_Machine.m_AxisCommands.EngMoveAxisAbs(Z_AXIS, m_fSafe, true);
     }
     bool Probe()
     {
-        m_bWatchZProbe = true;
+        m_ZAxis.BeginWatch(m_ZAxis.m_bWatchZProbe);
         return m_Machine.m_AxisCommands.EngMoveAxisRel(Z_AXIS, -m_Info.fZRange, true);
     }
 
@@ -88,7 +85,7 @@ private:
     }
 
     CMachine& m_Machine;
-    CShared<bool>& m_bWatchZProbe;
+    AxisCtrl& m_ZAxis;
     stZProfileInfo& m_Info = AppConfig::m_ZProfileInfo;
     const double m_fSafe = m_Info.fZRange / 2.0;   // height of travel between the nodes
     double m_fX = 0.0, m_fY = 0.0, m_fStep = m_Info.fXYStep;

@@ -1,6 +1,7 @@
 #include "machine/AxisCommands.h"
 
 #include "config/AppConfig.h"
+#include "motion/AllAxisCtrl.h"
 #include "time/Wait.h"
 
 #include <algorithm>
@@ -12,6 +13,11 @@ bool CAxisCommands::IsMachineIdle() const
 {
     return std::none_of(m_Axes.m_AxisCtrl, m_Axes.m_AxisCtrl + CMachineAxes::AxesInUse(),
                         [](const AxisCtrl& ctrl) { return ctrl.GetAxisState(); });
+}
+
+bool CAxisCommands::IsAutoModeMoving() const
+{
+    return CAllAxisCtrl::GetMotionState();
 }
 
 void CAxisCommands::RequestStop()
@@ -62,7 +68,7 @@ bool CAxisCommands::EngMoveAxisAbs(eAxis axis, double fPos, bool bWait)
     return m_Watched.Watched(
         [&] { return stWorkCommand{.eKind = WORK_AXIS_TO, .axis = axis, .bWait = bWait, .fValue = fPos}; },
         [&] {
-            if (!MayBegin() || !MoveAbs(axis, fPos)) return false;
+            if (!MayBegin() || !MoveAbs(axis, fPos) || !StillWanted(axis)) return false;
             return !bWait || WaitForAxis(axis);
         });
 }
@@ -72,9 +78,16 @@ bool CAxisCommands::EngMoveAxisRel(eAxis axis, double fDist, bool bWait)
     return m_Watched.Watched(
         [&] { return stWorkCommand{.eKind = WORK_AXIS_BY, .axis = axis, .bWait = bWait, .fValue = fDist}; },
         [&] {
-            if (!MayBegin() || !MoveRel(axis, fDist)) return false;
+            if (!MayBegin() || !MoveRel(axis, fDist) || !StillWanted(axis)) return false;
             return !bWait || WaitForAxis(axis);
         });
+}
+
+bool CAxisCommands::StillWanted(eAxis axis)
+{
+    if (!m_Handshake.IsStopRequestedBehind()) return true;
+    m_Axes.m_AxisCtrl[axis].RequestStop();
+    return false;
 }
 
 void CAxisCommands::SetVelocityAcc(eAxis axis, double fVel, double fAcc)

@@ -15,6 +15,7 @@ public:
 
     // ---- Any thread ----
     bool IsMachineIdle() const;
+    bool IsAutoModeMoving() const;   // a coordinated move, of which the single axes say nothing
     QString GetAxisErrMsg(eAxis axis) const { return m_Axes.m_AxisCtrl[axis].GetErrorMsg(); }
     void Stop(eAxis axis) { m_Axes.m_AxisCtrl[axis].Stop(); }
     void RequestStop();   // of all axes; returns at once
@@ -31,6 +32,8 @@ public:
     bool IsStopped() const { return m_Handshake.IsStopRequestedBehind(); }
     // Holds while the pause is set: ahead of every single-axis move that belongs to an operation. False: stopped.
     bool MayBegin() const { return m_Handshake.WaitWhilePaused() && !m_Handshake.IsStopRequested(); }
+    // Behind a start without a wait: an axis that began just behind a stop that it could not see stops again. Worker.
+    bool StillWanted(eAxis axis);
     // Held by the pause, and not behind a stop. Worker.
     bool EngMoveAxisAbs(eAxis axis, double fPos, bool bWait);
     bool EngMoveAxisRel(eAxis axis, double fDist, bool bWait);

@@ -40,7 +40,7 @@ bool CHoming::FindHomeSensors()
     for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
         if (!m_lstAxesToHome[axis]) continue;
         Axis(axis).SetVelocityAcc(AppConfig::m_fAxisJogFeed[axis], AppConfig::m_fAxisAcc[axis]);
-        Axis(axis).m_bHoming = true;
+        Axis(axis).BeginWatch(Axis(axis).m_bHoming);
     }
     if (m_lstAxesToHome[Z_AXIS] && (!m_Commands.MayBegin() || !m_Commands.MoveAxisHome(Z_AXIS, true))) return false;
 
@@ -56,7 +56,7 @@ bool CHoming::FindHomeSensors()
 // A refusal stops the axes that are already on their way: with the homing given up nobody would watch their sensors.
 bool CHoming::SendHome(eAxis axis)
 {
-    if (m_Commands.MayBegin() && m_Commands.MoveAxisHome(axis, false)) return true;
+    if (m_Commands.MayBegin() && m_Commands.MoveAxisHome(axis, false) && m_Commands.StillWanted(axis)) return true;
     for (int other = 0; other < CMachineAxes::AxesInUse(); ++other)
         if (Axis(other).GetAxisState()) Axis(other).Stop();
     return false;
@@ -80,7 +80,7 @@ bool CHoming::ApproachSensorsSlowly()
     for (int axis = 0; axis < CMachineAxes::AxesInUse(); ++axis) {
         if (!m_lstAxesToHome[axis]) continue;
         Axis(axis).SetVelocityAcc(AppConfig::m_fAxisHomeFeed[axis], AppConfig::m_fAxisAcc[axis]);
-        Axis(axis).m_bHoming = true;
+        Axis(axis).BeginWatch(Axis(axis).m_bHoming);
         if (!SendHome(static_cast<eAxis>(axis))) return false;
     }
     return m_Commands.WaitForMotionFinish(m_lstAxesToHome);
@@ -106,6 +106,7 @@ bool CHoming::GoToWorkZero()
             COperatorScreen::Get().OnOperationFinish();
             return false;
         }
+        if (!m_Commands.StillWanted(static_cast<eAxis>(axis))) return false;
     }
     return m_Commands.WaitForMotionFinish(selection) && m_Commands.MayBegin() && m_Commands.MoveWorkZero(Z_AXIS, true);
 }
@@ -125,7 +126,7 @@ void CHoming::SetZ0usingZProbe()
     z.SetVelocityAcc(AppConfig::m_fAxisJogFeed[Z_AXIS], AppConfig::m_fAxisAcc[Z_AXIS]);
     const double fTarget =
         AppConfig::m_bHomeSensorsUsed ? CUnitConverter::GetDouble(static_cast<int>(z.m_lNegLimit)) : NO_LIMIT_DOWN;
-    z.m_bWatchZProbe = true;
+    z.BeginWatch(z.m_bWatchZProbe);
     (void)m_Commands.EngMoveAxisAbs(Z_AXIS, fTarget, true);
     // A probing that was given up has found nothing, wherever the probe is.
     if (!m_Commands.IsStopped() && CRpiGpio::ReadInput(Pin(AppConfig::m_iZProbeInput)) != 0)

@@ -240,8 +240,9 @@ bool AxisCtrl::RefuseBuild(const QString& strWhy)
 bool AxisCtrl::SetVelocityAcc(double fVel, double fAcc)
 {
     const QMutexLocker lock(&m_Mutex);
-    ++m_uBuilds;
-    m_uPendingBuild = 0;   // it is out of date
+    const quint32 uBuild = ++m_uBuilds;
+    quint32 uPending = m_uPendingBuild;   // out of date, unless it was asked for since
+    if (uPending < uBuild) m_uPendingBuild.compare_exchange_strong(uPending, 0);
     return BuildTable({stRampSettings::OfAxis(m_sAxis), fVel, fAcc}, m_bStoreVelCurve);
 }
 
@@ -513,6 +514,12 @@ void AxisCtrl::Finish()
     m_bDecelerate = false;
     m_bMoving.Exchange(false);
     m_bThreadIdle = true;
+}
+
+void AxisCtrl::BeginWatch(CShared<bool>& bWatch)
+{
+    m_bEndWatch = false;   // of a watch before, whose axis has stood since
+    bWatch = true;
 }
 
 void AxisCtrl::EndWatch()

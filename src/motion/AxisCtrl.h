@@ -65,6 +65,8 @@ public:
     void Stop();
     // The same without the wait: where several axes are to stop, all are told first.
     void RequestStop() { m_bMoving.Exchange(false); }
+    // Raises m_bHoming or m_bWatchZProbe for the moves to come, whatever was to end with the last one. Worker.
+    void BeginWatch(CShared<bool>& bWatch);
     // Sensor and probe are no longer watched, on an axis that still moves from its standstill on: with the watch gone
     // it would run through.
     void EndWatch();

@@ -12,7 +12,6 @@
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
-#include <thread>
 #include <vector>
 
 void BindThreadToCore(int iCore)
@@ -33,7 +32,6 @@ void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask
     std::exception_ptr pThrown;
     std::mutex mutex;
     const auto Work = [&] {
-        (void)sched_setaffinity(0, sizeof mask, &mask);
         try {
             for (size_t n = uNext++; n < uCount; n = uNext++) fnTask(n);
         } catch (...) {
@@ -42,9 +40,19 @@ void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask
             pThrown = std::current_exception();
         }
     };
-    std::vector<std::thread> threads(std::min(uCount, static_cast<size_t>(std::max(CPU_COUNT(&mask), 1))));
-    for (std::thread& thread : threads) thread = std::thread(Work);
-    for (std::thread& thread : threads) thread.join();
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (size_t n = std::min(uCount, static_cast<size_t>(std::max(CPU_COUNT(&mask), 1))); n > 0; --n) {
+        threads.emplace_back(QThread::create([&] {
+            (void)sched_setaffinity(0, sizeof mask, &mask);
+            const sched_param none{};   // an axis that moves by itself has no core of its own: nothing here delays it
+            (void)sched_setscheduler(0, SCHED_IDLE, &none);
+            Work();
+        }));
+        threads.back()->setStackSize(THREAD_STACK);
+        threads.back()->start();
+    }
+    for (const auto& pThread : threads) pThread->wait();
+    Work();   // what is left where no thread could be had
     if (pThrown) std::rethrow_exception(pThrown);
 }
 

@@ -153,6 +153,8 @@ void CKeyPilot::EndJog()
 {
     if (!m_bJogging) return;
     m_bJogging = false;
+    // A jog that was refused or has met its limit left the machine free, and the axes may be an operation's by now.
+    if (m_Faces.host.Machine().m_eOperation != OP_NONE || m_Faces.host.Machine().IsWorkerBusy()) return;
     for (const eAxis axis : {X_AXIS, Y_AXIS, Z_AXIS}) m_Faces.host.Machine().DeccelerateAxis(axis);
 }
 

@@ -6,10 +6,12 @@
 #include "control/AppControl.h"
 #include "control/Supervision.h"
 #include "screens/host/PressedBtn.h"
+#include "time/Wait.h"
 #include "ui_MainWindow.h"
 #include "window/SpindlePanel.h"
 
 #include <QMessageBox>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -107,10 +109,28 @@ void CMachineButtons::MoveHome(eAxis axis)
 
 // ---- Settings and simulation ----------------------------------------------------------------------------------------
 
+// The disk may take seconds; over a machine that may move the stop input is looked at meanwhile.
+bool CMachineButtons::SaveConfig()
+{
+    if (m_Supervision.WhyNotFree().isEmpty()) return AppConfig::SaveConfig(CONFIG_FILE);
+    CShared<bool> bDone = false, bSaved = false;
+    RunPooled([&] {
+        const auto fnDone = qScopeGuard([&] { bDone = true; });
+        bSaved = AppConfig::SaveConfig(CONFIG_FILE);
+    });
+    CWait::SleepUntil(
+        [&] {
+            m_fnWatchStop();
+            return static_cast<bool>(bDone);
+        },
+        CWait::LOOK_US);
+    return bSaved;
+}
+
 void CMachineButtons::SaveSettings()
 {
     const CPressedBtn press(m_Host, m_Form.Btn_SaveSettings, BTN_SAVED);
-    if (AppConfig::SaveConfig(CONFIG_FILE)) m_Host.AddLogMsg(QStringLiteral("Settings saved"), MSG_INFO);
+    if (SaveConfig()) m_Host.AddLogMsg(QStringLiteral("Settings saved"), MSG_INFO);
 }
 
 // A simulated run leaves the machine's true position untouched. It is left whatever has become of the home.

@@ -13,11 +13,12 @@ class Ui_MainWindow;
 class CMachineButtons
 {
 public:
-    // fnKeyConfirms: a held key stands for the answer to the box before a move of all axes.
+    // fnKeyConfirms: a held key stands for the answer to the box before a move of all axes. fnWatchStop: acts on the
+    // stop input, in a wait without ticks.
     CMachineButtons(const Ui_MainWindow& form, CScreenHost& host, CSupervision& supervision, CSpindlePanel& spindle,
-                    std::function<bool()> fnKeyConfirms)
+                    std::function<bool()> fnKeyConfirms, std::function<void()> fnWatchStop)
         : m_Form(form), m_Host(host), m_Supervision(supervision), m_Spindle(spindle),
-          m_fnKeyConfirms(std::move(fnKeyConfirms))
+          m_fnKeyConfirms(std::move(fnKeyConfirms)), m_fnWatchStop(std::move(fnWatchStop))
     {
     }
 
@@ -36,10 +37,12 @@ public:
 private:
     bool Refused(const QString& strWhy);
     bool MayMoveMachine();
+    bool SaveConfig();
 
     const Ui_MainWindow& m_Form;
     CScreenHost& m_Host;
     CSupervision& m_Supervision;
     CSpindlePanel& m_Spindle;
     std::function<bool()> m_fnKeyConfirms;
+    std::function<void()> m_fnWatchStop;
 };

@@ -51,7 +51,7 @@ MainWindow::MainWindow(QWidget* pParent)
     m_pPicture->SetUp(this);
     m_AppControl.setParent(this);
     connect(&m_AppControl, &AppControl::AddMsg, this, &MainWindow::AddLogMsg);
-    (void)m_AppControl.InitMachine();
+    (void)m_AppControl.InitMachine(m_bSettingsDoubtful ? QStringLiteral("check all settings first") : QString());
     PlaceScreens();
     SetUpRoundButtons();
     m_pSupervisionTimer = new QTimer(this);
@@ -93,8 +93,9 @@ void MainWindow::MakeParts()
                                  form.Btn_SetWorkPieceHeight, form.Btn_SelectToolPaths, form.Btn_SelectCamera,
                                  form.Btn_CameraRecStop},
         m_CncCamera, *this);
-    m_pMachineButtons = std::make_unique<CMachineButtons>(form, *this, m_Supervision, *m_pSpindle,
-                                                          [this] { return m_pKeys->IsMeasured(Qt::Key_5); });
+    m_pMachineButtons = std::make_unique<CMachineButtons>(
+        form, *this, m_Supervision, *m_pSpindle, [this] { return m_pKeys->IsMeasured(Qt::Key_5); },
+        [this] { m_pStartStop->WatchStopInput(); });
     m_pStartStop = std::make_unique<CStartStop>(
         CStartStop::stWidgets{m_BtnStart, m_BtnPause, m_BtnReset, m_BtnStop, *form.Btn_StartPause, *form.Btn_Reset},
         *this, m_Supervision, *m_pScreens, [this](const stOperationEnd& end) { ShowOperationEnd(end); });
@@ -136,8 +137,9 @@ void MainWindow::LoadSettings()
                                  QMessageBox::Ok);
     const QString strNotice = TakeConfigNotice();
     if (strNotice.isEmpty()) return;
+    m_bSettingsDoubtful = true;
     AddLogMsg(strNotice, MSG_ERROR);
-    ShowCriticalBox(QStringLiteral("Configuration"), strNotice);   // waits: the machine may home by itself behind it
+    ShowCriticalBox(QStringLiteral("Configuration"), strNotice);
 }
 
 void MainWindow::PlaceScreens()

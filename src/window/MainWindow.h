@@ -203,5 +203,6 @@ private:
     CMyView m_ToolPathView;
     CCncCamera m_CncCamera;
     bool m_bStarting = true;
+    bool m_bSettingsDoubtful = false;     // the configuration was not read whole
     CShared<quint32> m_uOperations = 0;   // counts starts: a posted end belongs to the operation that it was posted in
 };

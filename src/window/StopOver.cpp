@@ -22,7 +22,11 @@ void CStopOver::Follow(CMyRndBtn& stop, QObject* pObject, const QEvent& event)
     if (event.type() != QEvent::Show && event.type() != QEvent::Hide) return;
     auto* pModal = qobject_cast<QWidget*>(pObject);
     if (!pModal || !pModal->isWindow() || !pModal->isModal()) return;
-    delete pModal->findChild<CStopOver*>(QString(), Qt::FindDirectChildrenOnly);
+    // Not at once: it may be its own touch that ends the modal window.
+    for (CStopOver* pOld : pModal->findChildren<CStopOver*>(QString(), Qt::FindDirectChildrenOnly)) {
+        pOld->hide();
+        pOld->deleteLater();
+    }
     if (event.type() == QEvent::Hide || !stop.isVisible()) return;
     // Behind the modal window, so that it stands above.
     QMetaObject::invokeMethod(new CStopOver(stop, *pModal), &QWidget::show, Qt::QueuedConnection);

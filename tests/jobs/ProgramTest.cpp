@@ -240,6 +240,18 @@ TEST_F(ProgramTest, AnAnswerToAToolChangeIsNotLostAndAStopTakesTheQuestionBack)
     StopAt(300, true);
     EXPECT_EQ(ExecLines("M6"), "-");
     EXPECT_FALSE(m_App.m_bToolChangePause);
+    // No word behind it starts the spindle while the hand is at the tool.
+    AppConfig::m_bEmergencyStopON = false;
+    m_Time.AddEvent({m_Time.Now() + 100'000'000, [&] { m_App.AnswerToolChange(); }, {}});
+    bool bHeld = false;
+    m_Time.AddEvent({m_Time.Now() + 9'000'000'000,
+                     [&] {
+                         bHeld = !m_lstOutputs.contains("8=1");
+                         m_App.Resume();
+                     },
+                     {}});
+    EXPECT_EQ(ExecLines("M6 M3"), "+");
+    EXPECT_TRUE(bHeld && m_lstOutputs.contains("8=1"));
 }
 
 // ---- Sub-programs ---------------------------------------------------------------------------------------------------

@@ -120,6 +120,10 @@ TEST_F(Homing, WithoutRepetitionTheFastApproachCounts)
 {
     AppConfig::m_fHomeRepeatOffset = 0.0;
     BuildAtSensors();
+    AxisCtrl& x = m_App.m_AxisCtrl[X_AXIS];
+    x.m_bMoving = true;   // the watch of a homing before, which ended on a moving axis, is not this one's
+    x.EndWatch();
+    x.m_bMoving = false;
     Home();
     EXPECT_EQ(m_Strokes.m_lst.size(), 3u);
     EXPECT_TRUE(m_App.GetHomeDone());

@@ -71,6 +71,15 @@ TEST_F(WindowKeys, JogWhileTheyAreHeld)
     Key(Qt::Key_4, false);   // any release ends it
     EXPECT_TRUE(AllStand());
     EXPECT_GT(Machine().GetCurPos(X_AXIS), 0.0);
+    // A jog that was refused left the machine free: its release is none of an operation's that began since.
+    AppConfig::m_fAxisPosDirLimit[X_AXIS] = -1.0;
+    Key(Qt::Key_6);
+    Machine().m_eOperation = OP_MCH_HOME;
+    Machine().m_AxisCtrl[X_AXIS].m_bMoving = true;
+    Key(Qt::Key_6, false);
+    EXPECT_FALSE(Machine().m_AxisCtrl[X_AXIS].m_bDecelerate);
+    Machine().m_AxisCtrl[X_AXIS].m_bMoving = false;
+    Machine().m_eOperation = OP_NONE;
 }
 
 TEST_F(WindowKeys, AJogEndsWhenABoxComesOrTheWindowLosesTheKeyboard)

@@ -54,6 +54,13 @@ void CDlgManual::ConfigSettings()
         pWidget->setEnabled(true);
 }
 
+// An operation has the axes, also those that stand just now; only the pause of a tool change gives them away.
+static bool IsTaken(const CMachine& machine)
+{
+    return (machine.m_eOperation != OP_NONE || machine.IsWorkerBusy()) &&
+           !(machine.m_eOperation == OP_GCODE && machine.m_bPause);
+}
+
 // False: refused, and told unless the emergency stop says enough.
 bool CDlgManual::MayJog(const stJog& jog)
 {
@@ -67,11 +74,10 @@ bool CDlgManual::MayJog(const stJog& jog)
             return false;
         }
     }
-    // An operation has the axes, also those that stand just now; only the pause of a tool change gives them away.
     const CMachine& machine = host.MachineParts();
-    const bool bTaken = (machine.m_eOperation != OP_NONE || machine.IsWorkerBusy()) &&
-                        !(machine.m_eOperation == OP_GCODE && machine.m_bPause);
-    const bool bMoves = std::any_of(jog.moves.begin(), jog.moves.end(),
+    const bool bTaken = IsTaken(machine);
+    const bool bMoves = machine.m_AxisCommands.IsAutoModeMoving() ||
+                        std::any_of(jog.moves.begin(), jog.moves.end(),
                                     [&](const stMove& move) { return machine.m_AxisCtrl[move.axis].GetAxisState(); });
     if ((bTaken || bMoves) && !host.IsEmergencyStopOn()) host.AddLogMsg(AXIS_IN_USE, MSG_ERROR);
     return !bTaken && !bMoves;
@@ -107,6 +113,8 @@ void CDlgManual::OnReleased(size_t uJog)
     if (!m_bJogging) return;
     m_bJogging = false;
     jog.pButton->setStyleSheet(BTN_BKGND_GRAY);
+    // A jog that has met its limit left the machine free, and the axes may be an operation's by now.
+    if (IsTaken(HostOf(*this).MachineParts())) return;
     CAxisCommands& axes = HostOf(*this).MachineParts().m_AxisCommands;
     for (auto it = jog.moves.rbegin(); it != jog.moves.rend(); ++it) axes.DeccelerateAxis(it->axis);   // X first
 }

@@ -452,9 +452,10 @@ QString CDlgShapes::AskGCodeName()
 void CDlgShapes::on_Btn_GenerateGCode_clicked()
 {
     if (Count() == 0) return LogError(QStringLiteral("No Shapes Added"));
+    if (RefuseMachineInUse(Host())) return;   // it plans with the machine's speeds, and would wait for its pause
     const CPressedBtn press(Host(), m_pUi->Btn_GenerateGCode, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     const QString strPath = AskGCodeName();
-    if (strPath.isEmpty()) return;
+    if (strPath.isEmpty() || RefuseMachineInUse(Host())) return;
     // What is logged below says the same of a file that can't be written.
     if (!CFileWriter(strPath).Open()) LogError(QStringLiteral("Unable to Create the file\n") + strPath);
     AppControl& machine = Host().Machine();

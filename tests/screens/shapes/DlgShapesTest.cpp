@@ -114,6 +114,10 @@ TEST_F(ShapesScreen, SavesLoadsAndWritesGCode)
     Click(m_Screen, "Btn_GenerateGCode");
     EXPECT_EQ(Log(), "No shapes added|No Shapes Added");
     Add("A");
+    m_Host.m_Machine.m_eOperation = OP_MCH_HOME;   // of which it would wait for the pause, and take the speeds
+    Click(m_Screen, "Btn_GenerateGCode");
+    EXPECT_EQ(Log(), "Machine in use");
+    m_Host.m_Machine.m_eOperation = OP_NONE;
     Do("Btn_SaveWorkArea", CAnswer::File(""));
     EXPECT_EQ(Log(), "");
     EXPECT_EQ(Do("Btn_SaveWorkArea", CAnswer::File(Path("job"))), "Select file tosave...: ");
