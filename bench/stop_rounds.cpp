@@ -1,6 +1,7 @@
 // Random rounds of what an operator may do, with the real window and real threads on the virtual machine: starts,
 // pauses, stops in every moment. Each round must end idle and true. Tells how long a stop takes to the last edge and to
 // the status output. Sleeps of the worker are shortened.
+// The window is closed now and then, and another opened.
 //   cmake --build build --target stop_rounds && build/bin/stop_rounds --rounds 2000 --seed 1
 // Exit status 1: a round ended otherwise; 2: usage. The last line is the summary.
 #include "common/Paths.h"
@@ -105,11 +106,7 @@ public:
         for (size_t n = 0; n < MAX_AXES; ++n) m_Sensors[n] = wiring.axes[n].fSensorAt;
         m_pWatch = std::make_unique<CWatch>(*m_pMachine);
         CVirtualPins::SetObserver(m_pWatch.get());
-        m_pWindow = std::make_unique<MainWindow>();
-        m_pWindow->show();
-        Pump(40);
-        if (bSensors && Machine().StartMchHomingSequence()) PumpUntil([this] { return IsIdle(); }, IDLE_LIMIT_MS);
-        NoteOffsets();
+        OpenWindow();
     }
     ~CStopRounds()
     {
@@ -123,12 +120,15 @@ public:
     {
         m_pWindow->ClearLog();
         m_strDone.clear();
+        m_strFault.clear();
+        SetAutomaticSpindle();
         HoldProgram();
         const int iActions = Below(6) + 2;
         for (int n = 0; n < iActions; ++n) {
             Act();
             Pump(Below(4) == 0 ? Below(120) : Below(20));
         }
+        if (!m_strFault.isEmpty()) return m_strFault;
         if (!BringToRest()) return QStringLiteral("not idle");
         return Verdict();
     }
@@ -151,6 +151,48 @@ private:
     {
         ++m_Counts[strWhat];
         m_strDone += strWhat + QLatin1Char(' ');
+    }
+
+    void OpenWindow()
+    {
+        m_pWindow = std::make_unique<MainWindow>();
+        m_pWindow->show();
+        Pump(40);
+        if (m_bSensors && Machine().StartMchHomingSequence()) PumpUntil([this] { return IsIdle(); }, IDLE_LIMIT_MS);
+        NoteOffsets();
+    }
+    // As the operator does, whatever runs; then a new one, whose program knows nothing of the last.
+    void CloseWindow()
+    {
+        Count(QStringLiteral("close"));
+        const bool bRuns = Machine().m_eOperation != OP_NONE;
+        if (bRuns) Count(QStringLiteral("close-running"));
+        AnswerBoxes();
+        if (!m_pWindow->close()) m_strFault = QStringLiteral("the window does not close");
+        m_pWindow.reset();
+        for (const quint16 uCode : std::initializer_list<quint16>{3, 4, 7, 8})
+            if (CVirtualPins::Level(CWatch::Relay(uCode)))
+                m_strFault = QStringLiteral("output of M%1 on behind the window").arg(uCode);
+        for (int axis = 0; axis < AppConfig::m_iMchType; ++axis)
+            if (CVirtualPins::Level(AppConfig::m_iAxisPulseOutput[axis]))
+                m_strFault = QStringLiteral("a pulse pin is high behind the window");
+        const qint64 lLastEdge = m_pWatch->m_lLastEdge;
+        QThread::msleep(5);
+        if (m_pWatch->m_lLastEdge != lLastEdge) m_strFault = QStringLiteral("an axis moves behind the window");
+        AppConfig::m_bEmergencyStopON = false;
+        AppConfig::m_bSimulationMode = false;
+        AppConfig::m_bSpindleOn = false;
+        AppConfig::m_bSpindleOnOffStatusChangeInGCode = false;
+        OpenWindow();
+    }
+    // In every second round.
+    void SetAutomaticSpindle()
+    {
+        const int iKind = Below(6);
+        AppConfig::m_bAutoSpindleOnCW = iKind == 1;
+        AppConfig::m_bAutoSpindleOnCCW = iKind == 2;
+        AppConfig::m_bAutoSpindleOff = iKind == 2 || iKind == 3 || (iKind == 1 && Below(2));
+        if (iKind >= 1 && iKind <= 3) Count(QStringLiteral("auto-spindle"));
     }
 
     void HoldProgram()
@@ -211,8 +253,12 @@ private:
 
     void Act()
     {
-        const int iKind = Below(100);
-        if (iKind < 30) {
+        const int iKind = Below(105);
+        if (iKind >= 101) {
+            SingleLine();
+        } else if (iKind == 100) {
+            CloseWindow();
+        } else if (iKind < 30) {
             Count(QStringLiteral("start"));
             Touch(Round("m_BtnStart"));
         } else if (iKind < 42) {
@@ -245,6 +291,13 @@ private:
                 (void)Machine().StartMchHomingSequence();
         }
         if (Machine().m_bToolChangePause) Count(QStringLiteral("tool-change"));
+    }
+
+    void SingleLine()
+    {
+        Count(QStringLiteral("single-line"));
+        auto* pButton = m_pWindow->findChild<QWidget*>(QStringLiteral("Btn_ExecOneGCodeLine"));
+        if (pButton && Touch(*pButton) && Machine().m_bExecSingleLine) Count(QStringLiteral("single-line-started"));
     }
 
     void Jog()
@@ -362,7 +415,7 @@ private:
     std::unique_ptr<CWatch> m_pWatch;
     std::unique_ptr<MainWindow> m_pWindow;
     std::array<double, MAX_AXES> m_Sensors{}, m_Offsets{};   // mm
-    QString m_strDone;
+    QString m_strDone, m_strFault;
 };
 std::map<QString, int> CStopRounds::m_Counts;
 std::vector<double> CStopRounds::m_lstToEdge, CStopRounds::m_lstToStatus;
@@ -382,6 +435,7 @@ int main(int argc, char* argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     CLook::Apply(app);
+    QApplication::setQuitOnLastWindowClosed(false);   // no event loop runs behind a quit
     QCommandLineParser parser;
     parser.addOption(
         {QStringLiteral("rounds"), QStringLiteral("How many."), QStringLiteral("N"), QStringLiteral("200")});
