@@ -1,13 +1,11 @@
 #include "config/AppConfig.h"
 
+#include "cases/Cases.h"
 #include "common/Paths.h"
 #include "config/ConfigNotice.h"
 #include "config/SettingsTable.h"
-#include "support/Cases.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
-
-#include <QJsonArray>
 
 namespace {
 QMap<QString, QString> Settings()
@@ -18,39 +16,6 @@ QMap<QString, QString> Settings()
     return map;
 }
 
-void ExpectValue(const QMap<QString, QString>& settings, const QString& strName, const QJsonValue& value)
-{
-    ASSERT_TRUE(settings.contains(strName)) << strName.toStdString();
-    const QString strHave = settings[strName];
-    if (value.isString())
-        EXPECT_EQ(strHave, value.toString()) << strName.toStdString();
-    else if (value.isBool())
-        EXPECT_EQ(strHave, value.toBool() ? "1" : "0") << strName.toStdString();
-    else
-        EXPECT_EQ(strHave.toDouble(), value.toDouble()) << strName.toStdString();
-}
-
-void ExpectMembers(const QJsonObject& members)
-{
-    const auto settings = Settings();
-    for (auto it = members.begin(); it != members.end(); ++it) {
-        const QString strName = it.key();
-        if (it->isArray()) {
-            const QJsonArray array = it->toArray();
-            for (int n = 0; n < array.size(); ++n)
-                ExpectValue(settings, QStringLiteral("%1[%2]").arg(strName).arg(n), array[n]);
-        } else if (it->isObject()) {
-            const QJsonObject map = it->toObject();
-            for (const QString& strKey : map.keys())
-                ExpectValue(settings, QStringLiteral("%1[%2]").arg(strName, strKey), map[strKey]);
-            const auto lstHave = settings.keys().filter(strName + QLatin1Char('['));
-            EXPECT_EQ(lstHave.size(), map.size()) << strName.toStdString();
-        } else {
-            ExpectValue(settings, strName, *it);
-        }
-    }
-}
-
 QString ConfigPath()
 {
     return CPaths::Map(CONFIG_FILE);
@@ -58,30 +23,7 @@ QString ConfigPath()
 class AppConfigFile : public CCleanMachine
 {
 };
-class AppConfigCase : public CCleanMachine, public testing::WithParamInterface<std::string>
-{
-};
 }   // namespace
-
-TEST_P(AppConfigCase, LoadsAndLeavesTheFileAsTold)
-{
-    const QString strCase = QString::fromStdString(GetParam());
-    const QJsonObject expected = CCases::Json("config", strCase + QStringLiteral(".json"));
-    QByteArray before;
-    if (!expected["file"].isNull()) {
-        before = CCases::Bytes("config", strCase + QStringLiteral(".dat"));
-        WriteAll(ConfigPath(), before);
-    }
-
-    EXPECT_EQ(AppConfig::LoadConfig(CONFIG_FILE), expected["returns"].toBool());
-
-    ExpectMembers(expected["members"].toObject());
-    for (const char* szKey : {"created_at_path", "config_file_after"})
-        if (expected.contains(QLatin1String(szKey)))
-            before = CCases::Bytes("config", expected[QLatin1String(szKey)].toString());
-    EXPECT_EQ(ReadAll(ConfigPath()).toHex(), before.toHex());
-}
-INSTANTIATE_TEST_SUITE_P(Files, AppConfigCase, testing::ValuesIn(CCases::Names("config", ".json")), CaseName);
 
 // Wherever the file ends, each setting is that of the whole file or zero, and what was whole stays whole.
 TEST_F(AppConfigFile, CutShortAtEveryLengthReadsZerosBeyondItsEnd)

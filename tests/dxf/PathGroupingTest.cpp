@@ -129,20 +129,4 @@ TEST(PathGrouping, ToleranceIsADistanceAndIncludesItsEnd)
     EXPECT_EQ(Paths(-0.15, 0.2), 1u);
 }
 
-TEST(PathGrouping, TheTailGoesFirstAndALineIsTakenAsItLiesBeforeReversed)
-{
-    // From (0,0) to (1,0); 1 meets the head, 2 and 3 the tail, the latter lying the right way round.
-    const std::vector<Path> paths = group_paths(
-        {Line({0, 0}, {1, 0}), Line({0, 0}, {0, 9}), Line({2, 0}, {1, 0}), Line({1, 0}, {3, 0}), Line({2, 0}, {2, 5})},
-        1e-05);
-    ASSERT_EQ(paths.size(), 2u);
-    QString strXs;
-    for (const Segment& seg : paths[0].lstSegs)
-        strXs += QString("%1,%2-%3,%4 ").arg(seg.ptStart.x).arg(seg.ptStart.y).arg(seg.ptEnd.x).arg(seg.ptEnd.y);
-    EXPECT_EQ(strXs, "0,9-0,0 0,0-1,0 1,0-2,0 2,0-2,5 ");
-    EXPECT_FALSE(paths[0].bClosed);
-    EXPECT_EQ(paths[1].lstSegs.size(), 1u) << "the branch left over";
-    EXPECT_TRUE(group_paths({}, 1e-05).empty());
-    EXPECT_TRUE(group_paths({Line({3, 3}, {3, 3})}, 1e-05)[0].bClosed);
-}
 }   // namespace

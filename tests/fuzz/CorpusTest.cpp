@@ -1,5 +1,5 @@
+#include "cases/Cases.h"
 #include "fuzz/FuzzEntries.h"
-#include "support/Cases.h"
 #include "support/CleanMachine.h"
 
 namespace {

@@ -4,12 +4,10 @@
 #include "config/AppConfig.h"
 #include "gcode/ExecStatus.h"
 #include "support/Application.h"
-#include "support/Cases.h"
 #include "support/CleanMachine.h"
 #include "support/Files.h"
 
 #include <QDir>
-#include <QJsonDocument>
 
 #include <thread>
 
@@ -27,33 +25,6 @@ protected:
     }
     void Load(const QByteArray& content) { Store::LoadGCode(Write(content), nullptr); }
 };
-class GCodeCase : public GCodeStore, public testing::WithParamInterface<std::string>
-{
-};
-
-std::vector<std::string> CompilerCases()
-{
-    auto lst = CCases::Names("gcode_compile", ".json");
-    lst.erase(std::remove(lst.begin(), lst.end(), "save_names"), lst.end());
-    return lst;
-}
-
-void PrepareCase(const QJsonObject& config)
-{
-    AppConfig::m_eVantorCtrl = config["board"].toInt();
-    AppConfig::ApplyBoardPins();
-    AppConfig::m_iMchType = config["mch_type"].toInt();
-    AppConfig::m_PlaneSel = static_cast<qint8>(config["plane"].toInt());
-    const QJsonObject atc = config["atc"].toObject();
-    for (const QString& strFile : atc.keys())
-        WriteAll(CPaths::Map(WORKING_FOLDER + '/' + strFile), atc[strFile].toString().toUtf8());
-}
-
-QString Latin1(const std::string& str)
-{
-    return QString::fromLatin1(str.data(), qsizetype(str.size()));
-}
-
 class CNotify : public QObject
 {
     Q_OBJECT
@@ -69,37 +40,6 @@ signals:
     void GCodeCompilationComplete();
 };
 }   // namespace
-
-TEST_P(GCodeCase, IsReadCheckedAndSavedAsTold)
-{
-    const QString strCase = QString::fromStdString(GetParam());
-    const QJsonObject expected = CCases::Json("gcode_compile", strCase + ".json");
-    PrepareCase(expected["config"].toObject());
-    const QByteArray bytes = CCases::Bytes("gcode_compile", strCase + ".ngc");
-    Load(bytes);
-    Store::CompileGCode(nullptr);
-
-    QJsonArray tokens;
-    for (const GCodeTokens& line : Store::m_lstOfGCodeCmds) {
-        QJsonArray words;
-        for (const std::string& strToken : line) words.append(Latin1(strToken));
-        tokens.append(words);
-    }
-    EXPECT_EQ(tokens, expected["tokens"].toArray());
-    EXPECT_EQ(Store::m_lstOfGCodeLines.size(), Store::m_lstOfGCodeCmds.size());
-    QJsonObject errors;
-    for (const auto& [uLine, strText] : Store::m_CompilationErrors)
-        errors[QString::number(uLine)] = Latin1(strText).replace(WORKING_FOLDER, "{WORKING_FOLDER}");
-    EXPECT_EQ(errors, expected["errors"].toObject()) << QJsonDocument(errors).toJson().toStdString();
-    EXPECT_EQ(AppConfig::m_PlaneSel, expected["plane_after"].toInt());
-
-    QByteArray saved = bytes;
-    if (expected.contains("saved")) saved = CCases::Bytes("gcode_compile", expected["saved"].toString());
-    if (!saved.isEmpty() && !saved.endsWith('\n')) saved += '\n';
-    ASSERT_TRUE(Store::WriteProgram(m_Home.filePath("saved.ngc")));
-    EXPECT_EQ(ReadAll(m_Home.filePath("saved.ngc")), saved);
-}
-INSTANTIATE_TEST_SUITE_P(Files, GCodeCase, testing::ValuesIn(CompilerCases()), CaseName);
 
 // ---- Loading ----
 
@@ -186,13 +126,6 @@ TEST_F(GCodeStore, ToolFileIsCheckedInThePlaceOfTheProgramWhichIsRestored)
 }
 
 // ---- Saving ----
-
-TEST_F(GCodeStore, NamesWithoutExtensionGetOne)
-{
-    const auto cases = QJsonDocument::fromJson(CCases::Bytes("gcode_compile", "save_names.json")).array();
-    ASSERT_GT(cases.size(), 10);
-    for (const QJsonValue& pair : cases) EXPECT_EQ(Store::SaveFileName(pair[0].toString()), pair[1].toString());
-}
 
 TEST_F(GCodeStore, SavingReplacesTheFileWholeOrLeavesItUntouched)
 {

@@ -1,5 +1,5 @@
 #include "gcode/GCodeStore.h"
-#include "jobs/ShapeSpy.h"
+#include "machine/MoveSpy.h"
 #include "machine/WorkerFixture.h"
 #include "motion/MotionObserver.h"
 #include "support/Files.h"
@@ -41,7 +41,7 @@ void SetJob(AppControl& app, QRandomGenerator& random, qint32 iType)
     AppConfig::m_bMultipassImgCarving = random.bounded(2) == 0;
 }
 
-class CarvingProgram : public CMachineTest<CShapeSpy>
+class CarvingProgram : public CMachineTest<CMoveSpy>
 {
 protected:
     CarvingProgram() { AppConfig::m_fZSafePos = 4.0; }

@@ -143,7 +143,6 @@ INSTANTIATE_TEST_SUITE_P(
         // Calls are found forwards and among N words only.
         stProgram{"CallBackwards", "", "N9\nM97 P9", 0, "No line starting with P9 is found"},
         stProgram{"CallOfAnOWord", "", "M98 O12\nO12", 0, "No line starting with O12 is found"},
-        stProgram{"ReturnWithoutCall", "", "M99\nG1 X1", 0, "No line Number defined (M97) to return"},
         // Words without an action end the run, unknown numbers, labels and comments do not.
         stProgram{"P", "", "\nP1\nX1", 0, NO_WORD}, stProgram{"LateLabel", "", "\nG1 N5\nX1", 0, NO_WORD},
         stProgram{"Mark", "", "\n= \nX1", 0, NO_WORD},
@@ -175,7 +174,8 @@ TEST_F(ProgramTest, TheSpindleDoesNotStartBehindAStop)
         EXPECT_TRUE(m_lstOutputs.contains("9=0"));
         EXPECT_FALSE(m_lstOutputs.contains("8=1")) << m_lstOutputs.join(' ').toStdString();
         EXPECT_FALSE(AppConfig::m_bSpindleOn);
-        EXPECT_EQ(ExecLines("M4"), "-") << "nothing is written while it stands";
+        EXPECT_EQ(ExecLines("M4\nM8"), "--") << "nothing is written while it stands";
+        EXPECT_FALSE(m_lstOutputs.contains("11=1")) << "nor the coolant";
         AppConfig::m_bEmergencyStopON = false;
     }
 }
@@ -266,15 +266,6 @@ TEST_F(ProgramTest, ACallSetsItsStacksAndThenEndsTheRun)
     EXPECT_EQ(m_App.m_lstSubPrgmStartLine, std::vector<int>({3}));
     EXPECT_EQ(m_App.m_lstSubPrgmRetLine, std::vector<int>({1}));
     EXPECT_EQ(m_App.m_lstSubPrgmRepeats, std::vector<unsigned>({3}));
-}
-
-TEST_F(ProgramTest, AReturnRepeatsAndThenGoesBack)
-{
-    Begin();
-    EXPECT_EQ(ExecLines("M97 P5 L2\n\nN5"), "-++");
-    m_App.m_iCurGCodeLine = 9;
-    EXPECT_EQ(ExecLines("M99\nM99\nM99"), "++-");
-    EXPECT_EQ(m_App.m_iCurGCodeLine, 0) << "behind the call";
 }
 
 TEST_F(ProgramTest, TheSeventhNestedCallIsRefused)

@@ -1,6 +1,6 @@
 #include "common/UnitConverter.h"
 #include "gcode/GCodeStore.h"
-#include "jobs/ShapeSpy.h"
+#include "machine/MoveSpy.h"
 #include "machine/WorkerFixture.h"
 #include "shapes/EllipsePath.h"
 #include "shapes/PolygonEdit.h"
@@ -41,12 +41,12 @@ stEngShape Ellipse(double fMajor, double fMinor, double fTurn, double fStart, do
 }
 
 // A machine that cuts a job, or runs the program that is written of it.
-class CArcSpy : public CShapeSpy
+class CArcSpy : public CMoveSpy
 {
 public:
     void OnWorkEnd(const stWorkCommand& command, bool bOk) override
     {
-        CShapeSpy::OnWorkEnd(command, bOk);
+        CMoveSpy::OnWorkEnd(command, bOk);
         if (command.eKind == WORK_ARC) m_lstArcs.push_back(*command.pArc);
     }
     std::vector<stGCodeEllipseInfo> m_lstArcs;

@@ -1,5 +1,4 @@
 #include "machine/WorkerFixture.h"
-#include "support/Cases.h"
 
 #include <cmath>
 
@@ -27,56 +26,6 @@ static double Plane(double x, double y)
 {
     return 0.01 * x - 0.02 * y + 0.05;
 }
-
-class ZProfileCase : public ZProfile, public testing::WithParamInterface<std::string>
-{
-};
-TEST_P(ZProfileCase, ProbesTheGrid)
-{
-    const QString strName = QString::fromStdString(GetParam());
-    const QJsonObject in = CCases::Json("zmoves", strName + ".in.json"),
-                      out = CCases::Json("zmoves", strName + ".out.json");
-    if (in["kind"] != QLatin1String("probe")) return;
-    ApplyConfig(in["cfg"].toObject());
-    const QJsonObject info = in["info"].toObject();
-    m_Info.fZRange = info["fZRange"].toDouble();
-    m_Info.fXYStep = info["fXYStep"].toDouble();
-    m_Info.fLength = info["fLength"].toDouble();
-    m_Info.fWidth = info["fWidth"].toDouble();
-    m_Info.fZStart = info["fZStart"].toDouble();
-    Build();
-    if (const QJsonArray s = in["surface"].toArray(); !s.isEmpty())
-        m_pMachine->SetSurface([a = s[0].toDouble(), b = s[1].toDouble(), c = s[2].toDouble()](double x, double y) {
-            return a * x + b * y + c;
-        });
-    m_App.m_fnAtWorkZero = [this] { m_App.m_lstMoves.clear(); };   // the case begins behind that move
-    m_App.CreateZProfile();
-
-    QStringList lstCommands;
-    for (const QJsonValue& command : out["commands"].toObject()["all"].toArray()) {
-        const QJsonArray c = command.toArray();
-        lstCommands += c[0] == QLatin1String("ABS") ? c[1].toString() + ' ' + QString::number(c[2].toDouble())
-                                                    : "Z +" + QString::number(c[1].toDouble());
-    }
-    EXPECT_EQ(m_App.m_lstMoves, lstCommands);
-    EXPECT_EQ(m_App.TakeErrors().size(), out["err"].toArray().size());
-    const QJsonArray rows = out["grid"].toArray();
-    ASSERT_EQ(qsizetype(m_Info.lstPoints.size()), rows.size());
-    for (int r = 0; r < rows.size(); ++r) {
-        const QJsonArray nodes = rows[r].toArray();
-        ASSERT_EQ(qsizetype(m_Info.lstPoints[size_t(r)].size()), nodes.size());
-        for (int n = 0; n < nodes.size(); ++n)
-            for (int axis = 0; axis < MAX_AXES; ++axis)
-                EXPECT_NEAR(AxisOf(m_Info.lstPoints[size_t(r)][size_t(n)], axis), nodes[n].toArray()[axis].toDouble(),
-                            1e-12)
-                    << r << ' ' << n << ' ' << axis;
-    }
-    for (int axis = 0; axis < 3; ++axis)
-        EXPECT_EQ(m_App.m_AxisCtrl[axis].GetCurPosLong(), out["positions"].toArray()[axis].toInt());
-}
-INSTANTIATE_TEST_SUITE_P(Reference, ZProfileCase,
-                         testing::Values("28_worked", "31_offset", "34_no_surface", "37_pulse_does_not_divide"),
-                         CaseName);
 
 TEST_F(ZProfile, AnExtentWithoutACellKeepsNothing)
 {

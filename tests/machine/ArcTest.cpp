@@ -195,30 +195,7 @@ protected:
         AppConfig::m_GCodeRunSettings.fAxisStep = 2.5;
         AppConfig::m_ZProfileInfo.lstPoints = {{{0, 0, 0.1}, {5, 0, 0.2}, {10, 0, 0.3}}, {{10, 5, 0.4}, {5, 5, 0.5}}};
     }
-    std::vector<double> Heights() const
-    {
-        std::vector<double> heights;
-        for (const stFloatPoint& pos : m_App.m_lstTargets) heights.push_back(pos.z);
-        return heights;
-    }
 };
-
-// From the height of the chord before, so that the second one is a plunge, which reads the first cell: wanted.
-TEST_F(SurfaceTest, ChordsFollowItEachFromTheHeightOfTheOneBefore)
-{
-    Begin();
-    EXPECT_TRUE(Arc({"G2", "X10", "I5", "J0"}));
-    EXPECT_EQ(Heights(), std::vector<double>({0.4, 0.4, 0.5, 0.5}));
-    EXPECT_EQ(m_App.Units()[Z_AXIS], 5000);
-}
-
-TEST_F(SurfaceTest, AShortRowIsReadAtItsLastNode)
-{
-    Begin({10, 4, 0});
-    stFloatPoint end{10, 5, 0};
-    EXPECT_TRUE(m_App.ZProfileMove({10, 4, 0}, end));
-    EXPECT_EQ(end.z, 0.5) << "a third node of the second row does not exist";
-}
 
 // Columns so close that none counts as nearer than the first of the cell, which is the one before the node.
 TEST_F(SurfaceTest, ANodeOfTheGridIsTheFarBorderOfItsCell)

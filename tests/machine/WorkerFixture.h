@@ -75,6 +75,21 @@ private:
     void Note(eAxis axis, const QString& strHow) { m_lstMoves += QStringLiteral("XYZAB").mid(axis, 1) + ' ' + strHow; }
 };
 
+// The machine of the default wiring, its carriages at machine zero.
+inline stVirtualMachine Wiring()
+{
+    stVirtualMachine wiring;
+    for (int n = 0; n < AppConfig::m_iMchType; ++n) {
+        stVirtualAxis& axis = wiring.axes[size_t(n)];
+        axis.iPulsePin = AppConfig::m_iAxisPulseOutput[n];
+        axis.iDirPin = AppConfig::m_iAxisDirOutput[n];
+        axis.iHomePin = AppConfig::m_iAxisMchHomeSensorInput[n];
+        axis.fMmPerPulse = AppConfig::m_fAxisMovPerPulse[n];
+    }
+    wiring.iProbePin = AppConfig::m_iZProbeInput;
+    return wiring;
+}
+
 // A three-axis machine of the default wiring on virtual time, its settings and its carriages at machine zero.
 class CWorkerTest : public CCleanMachine
 {
@@ -82,19 +97,6 @@ protected:
     CWorkerTest() { AppConfig::ApplyBoardPins(); }
     ~CWorkerTest() override { CVirtualPins::SetObserver(nullptr); }
 
-    static stVirtualMachine Wiring()
-    {
-        stVirtualMachine wiring;
-        for (int n = 0; n < AppConfig::m_iMchType; ++n) {
-            stVirtualAxis& axis = wiring.axes[size_t(n)];
-            axis.iPulsePin = AppConfig::m_iAxisPulseOutput[n];
-            axis.iDirPin = AppConfig::m_iAxisDirOutput[n];
-            axis.iHomePin = AppConfig::m_iAxisMchHomeSensorInput[n];
-            axis.fMmPerPulse = AppConfig::m_fAxisMovPerPulse[n];
-        }
-        wiring.iProbePin = AppConfig::m_iZProbeInput;
-        return wiring;
-    }
     void Build(const stVirtualMachine& wiring = Wiring())
     {
         m_pMachine = std::make_unique<CVirtualMachine>(wiring);

@@ -143,15 +143,6 @@ TEST_F(CoordinatedLoop, AStopEndsItWithinOneRoundAndThePositionIsThatOfThePulses
     EXPECT_EQ(30, m_lPos[2]) << "counted at the rising edge";
 }
 
-TEST_F(CoordinatedLoop, NothingSelectedAndNoPulsesEndInTheFirstRound)
-{
-    std::vector<stAxisTrack> tracks = {Track(2, 0, 10, 10), Track(3, 5, 10, 10)};
-    tracks[1].bDone = true;
-    Run(tracks);
-    EXPECT_EQ(1, m_Clock.Readings());
-    EXPECT_TRUE(m_Pins.edges.empty());
-}
-
 TEST_F(CoordinatedLoop, SimulationIsSilentAndTakesAsLong)
 {
     m_bSimulation = true;
@@ -239,16 +230,6 @@ TEST_F(SingleAxisLoop, SensorAndProbeEndItBehindTheirPulseOnlyWhereTheyAreWatche
         Run();
         EXPECT_EQ(c.uPulses, Pulses()) << c.szWhat;
     }
-}
-
-TEST_F(SingleAxisLoop, AStopInTheMiddleCompletesTheHalvesOfItsPulse)
-{
-    m_Run.uConst = 100;
-    m_Clock.At(35, [this] { m_bMoving = false; });
-    Run();
-    ASSERT_EQ(2u, Pulses());
-    EXPECT_EQ(0, m_Pins.edges.back().iLevel);
-    EXPECT_EQ(-20, m_lPos);
 }
 
 TEST_F(SingleAxisLoop, SimulationIsSilentButReadsItsSensors)

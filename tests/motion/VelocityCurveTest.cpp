@@ -1,57 +1,9 @@
 #include "config/AppConfig.h"
 #include "motion/AxisCtrl.h"
-#include "support/Cases.h"
 #include "support/CleanMachine.h"
 
 #include <limits>
 #include <sys/resource.h>
-
-namespace {
-std::string Decimals(double v)
-{
-    return QString::number(v, 'f', 3).toStdString();
-}
-
-void ExpectTable(const QJsonObject& out, const char* szName, const std::vector<double>& table)
-{
-    ExpectList(
-        out[QLatin1String(szName)].toObject(), table.size(), [&](size_t n) { return QJsonValue(table[n]); },
-        [&](size_t n) { return Decimals(table[n]); }, 1e-12, szName);
-}
-
-void Configure(const QJsonObject& in)
-{
-    AppConfig::m_fAxisMovPerPulse[X_AXIS] = in["mm_per_pulse"].toDouble();
-    AppConfig::m_fAxisDutyCycle[X_AXIS] = in["duty"].toDouble();
-    AppConfig::m_fAxisRateOfAcc[X_AXIS] = in["rate_of_acc"].toDouble();
-    AppConfig::m_eAxisFeedtype = in["feedtype"].toInt();
-    AppConfig::m_iVelAccSamplingTime = static_cast<quint32>(in["sampling_us"].toInt());
-}
-}   // namespace
-
-class VelocityCurveCase : public CCleanMachine, public testing::WithParamInterface<std::string>
-{
-};
-
-TEST_P(VelocityCurveCase, TablesEqualTheReference)
-{
-    const QString strName = QString::fromStdString(GetParam());
-    const QJsonObject in = CCases::Json("curves", strName + ".in.json");
-    const QJsonObject out = CCases::Json("curves", strName + ".out.json");
-    Configure(in);
-    AxisCtrl axis;
-    axis.m_bStoreVelCurve = true;
-
-    ASSERT_EQ(out["accepted"].toBool(), axis.SetVelocityAcc(in["vel"].toDouble(), in["acc"].toDouble()));
-
-    ExpectTable(out, "high", axis.m_lstHighTime[1]);
-    ExpectTable(out, "low", axis.m_lstLowTime[1]);
-    ExpectTable(out, "curve", axis.m_lstVelCurve);
-    EXPECT_DOUBLE_EQ(out["const_high"].toDouble(), axis.m_fConstHighTime[1]);
-    EXPECT_DOUBLE_EQ(out["const_low"].toDouble(), axis.m_fConstLowTime[1]);
-}
-INSTANTIATE_TEST_SUITE_P(Reference, VelocityCurveCase, testing::ValuesIn(CCases::Names("curves", ".in.json")),
-                         CaseName);
 
 // No room for more than a few megabytes, while it lives.
 class CLittleMemory
@@ -145,12 +97,6 @@ TEST_F(VelocityCurve, ARampThatDoesNotFitInMemoryMarksTheAxisInsteadOfHoldingItF
     EXPECT_FALSE(m_Axis.MoveAbs(1.0));
     ASSERT_TRUE(m_Axis.SetVelocityAcc(15, 600));
     EXPECT_EQ(m_Axis.m_lstHighTime[1].size(), 328u) << "the table that was lost counts as none";
-}
-
-TEST_F(VelocityCurve, TheHighestRateIsBuilt)
-{
-    ASSERT_TRUE(m_Axis.SetVelocityAcc(1500, 600));   // 1.5 MHz at 0.001 mm
-    EXPECT_NEAR(1.9e6, static_cast<double>(m_Axis.m_lstHighTime[1].size()), 0.1e6);
 }
 
 // The S-curve's second half must not give a pulse without a low time, however coarse its samples.

@@ -1,46 +1,17 @@
 #include "shapes/Pocket.h"
 
-#include "support/Cases.h"
+#include "cases/Cases.h"
 
 namespace {
 QJsonArray RingArray(const std::vector<ShapePath>& lstRings)
 {
-    QJsonArray rings;
-    for (const ShapePath& ring : lstRings) {
-        QJsonArray points;
-        for (const stFloatPoint& point : ring) points.append(PointArray(point, 2));
-        rings.append(points);
-    }
-    return rings;
+    return GridArray(lstRings, 2);
 }
 ShapePath Square(double fFrom, double fTo)
 {
     return {{fFrom, fFrom}, {fTo, fFrom}, {fTo, fTo}, {fFrom, fTo}, {fFrom, fFrom}};
 }
 const stDisplayScale SCALE{QSize(480, 338), 25, 1.6};
-
-class PocketCase : public testing::TestWithParam<std::string>
-{
-};
-TEST_P(PocketCase, GivesItsRings)
-{
-    const QJsonObject json = CCases::Json("traced", QString::fromStdString(GetParam()) + ".json");
-    ShapePath outline;
-    for (const QJsonValue& point : json["outline"].toArray()) outline.push_back(PointFrom(point.toArray()));
-    const QJsonArray size = json["image"].toArray();
-    const stDisplayScale scale{QSize(size[0].toInt(), size[1].toInt()), json["margin"].toInt(),
-                               json["scale"].toDouble()};
-    const QJsonArray rings = RingArray(MakePocketRings(outline, scale, json["end_mill"].toDouble()));
-    const QJsonArray expected = json["rings"].toArray();
-    ASSERT_EQ(rings.size(), json["ring_count"].toInt());
-    for (qsizetype n = 0; n < expected.size(); ++n) EXPECT_EQ(rings[n], expected[n]) << "ring " << n;
-}
-INSTANTIATE_TEST_SUITE_P(Reference, PocketCase, testing::ValuesIn([] {
-                             auto names = CCases::Names("traced", ".json");
-                             std::erase_if(names, [](const std::string& s) { return s.find("pocket") != 0; });
-                             return names;
-                         }()),
-                         CaseName);
 
 // Worked out by hand. 10 to 30 mm are pixels 41 to 73. A kernel of 3 takes a pixel off every side and leaves the first
 // corner 1.41 pixels away, 0.88 mm; one of 4 would leave it 2.83 away. The square of 3 pixels is the first below 2 mm.

@@ -1,9 +1,9 @@
+#include "cases/Cases.h"
 #include "config/AppConfig.h"
 #include "shapes/ContourTour.h"
 #include "shapes/PictureTrace.h"
 #include "shapes/TextTrace.h"
 #include "support/Application.h"
-#include "support/Cases.h"
 #include "support/CleanMachine.h"
 
 #include <QImage>
@@ -17,9 +17,7 @@
 namespace {
 QJsonArray PathArray(const ShapePath& path)
 {
-    QJsonArray points;
-    for (const stFloatPoint& point : path) points.append(PointArray(point, 2));
-    return points;
+    return PointsArray(path, 2);
 }
 struct stExtent
 {
@@ -116,32 +114,6 @@ TEST(ContourTour, EndsWithTheLastCentreAndTheRestFollowsInItsOrder)
 class TracedPicture : public CCleanMachine
 {
 };
-class TracedPictureCase : public TracedPicture, public testing::WithParamInterface<std::string>
-{
-};
-TEST_P(TracedPictureCase, GivesItsPolygons)
-{
-    const QString strName = QString::fromStdString(GetParam());
-    QImage image(CCases::Folder("traced") + '/' + strName + ".png");
-    ASSERT_EQ(image.format(), QImage::Format_Grayscale8);
-    const QJsonObject json = CCases::Json("traced", strName + ".json"), settings = json["settings"].toObject();
-    stPictureToTrace picture;
-    picture.img = cv::Mat(image.height(), image.width(), CV_8UC1, image.bits(), size_t(image.bytesPerLine()));
-    picture.stImgOffset = PointFrom(settings["offset"].toArray());
-    picture.uThreshold = static_cast<quint16>(settings["threshold"].toInt());
-    picture.uMinVertices = static_cast<quint32>(settings["min_vertices"].toInt());
-    picture.uMaxVertices = static_cast<quint32>(settings["max_vertices"].toInt());
-    picture.fShapeLength = settings["length"].toDouble();
-    picture.fShapeWidth = settings["width"].toDouble();
-
-    const std::vector<ShapePath> lstPaths = TracePicture(picture);
-    const QJsonArray expected = json["polygons"].toArray();
-    ASSERT_EQ(lstPaths.size(), size_t(expected.size()));
-    for (size_t n = 0; n < lstPaths.size(); ++n)
-        EXPECT_EQ(PathArray(lstPaths[n]), expected[qsizetype(n)].toObject()["vertices"].toArray()) << "polygon " << n;
-}
-INSTANTIATE_TEST_SUITE_P(Reference, TracedPictureCase, testing::ValuesIn(CCases::Names("traced", ".png")), CaseName);
-
 TEST_F(TracedPicture, IsStretchedToItsSizeAndStandsOnItsLowestRow)
 {
     cv::Mat img = White(200, 100);

@@ -1,7 +1,7 @@
 #include "zprofile/ZProfileFile.h"
 
+#include "cases/Cases.h"
 #include "config/AppConfig.h"
-#include "support/Cases.h"
 #include "support/CleanMachine.h"
 
 #include <QFile>
@@ -18,50 +18,8 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
         return strPath;
     }
-    static QJsonArray Grid()
-    {
-        QJsonArray rows;
-        for (const auto& row : AppConfig::m_ZProfileInfo.lstPoints) {
-            QJsonArray nodes;
-            for (const stFloatPoint& node : row) nodes.append(PointArray(node));
-            rows.append(nodes);
-        }
-        return rows;
-    }
-    static void SetGrid(const QJsonArray& rows)
-    {
-        auto& grid = AppConfig::m_ZProfileInfo.lstPoints;
-        grid.clear();
-        for (const QJsonValue& row : rows) {
-            grid.emplace_back();
-            for (const QJsonValue& node : row.toArray()) grid.back().push_back(PointFrom(node.toArray()));
-        }
-    }
     std::vector<std::vector<stFloatPoint>>& m_Grid = AppConfig::m_ZProfileInfo.lstPoints;
 };
-
-class ZProfileFileCase : public ZProfileFile, public testing::WithParamInterface<std::string>
-{
-};
-TEST_P(ZProfileFileCase, IsReadOrWritten)
-{
-    const QString strName = QString::fromStdString(GetParam());
-    const QJsonObject expected = CCases::Json("zfile", strName + ".json");
-    QJsonArray grid = expected["grid"].toArray();
-    if (expected.contains("reads_back_as")) {
-        SetGrid(grid);
-        const QString strPath = m_Home.filePath("saved.txt");
-        ASSERT_TRUE(SaveZProfile(strPath));
-        QFile file(strPath);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), CCases::Bytes("zfile", strName + ".txt"));
-        grid = expected["reads_back_as"].toArray();
-    }
-    m_Grid = {{{9, 9, 9}}};
-    EXPECT_EQ(LoadZProfile(CCases::Folder("zfile") + '/' + strName + ".txt"), !expected["grid"].isNull());
-    EXPECT_EQ(Grid(), grid);
-}
-INSTANTIATE_TEST_SUITE_P(Reference, ZProfileFileCase, testing::ValuesIn(CCases::Names("zfile", ".json")), CaseName);
 
 TEST_F(ZProfileFile, RoundsToSixDigitsAndKeepsTheOrderOfRows)
 {
@@ -108,7 +66,7 @@ TEST_F(ZProfileFile, MalformedWordsGiveZeros)
         {"-1\n5\n1,2,3\n", "[]"},       {"1\n-5\n1,2,3\n", "[[]]"}};
     for (const auto& [szContent, szGrid] : lst) {
         LoadZProfile(WriteFile(szContent));
-        EXPECT_EQ(Grid(), QJsonDocument::fromJson(szGrid).array()) << szContent;
+        EXPECT_EQ(GridArray(m_Grid, 3), QJsonDocument::fromJson(szGrid).array()) << szContent;
     }
 }
 
