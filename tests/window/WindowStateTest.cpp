@@ -308,6 +308,11 @@ TEST_F(Window_, HomesAtStartUpAndRoundsTheOverride)
         Open();
         EXPECT_TRUE(damaged.Text().contains("is damaged") && Logged(damaged.Text()));
     }
+    EXPECT_TRUE(Logged("Homing at start not begun: check all settings first"));
+    Close();
+    AppConfig::m_bHomeSensorsUsed = AppConfig::m_bAutoHmOnStartup = true;
+    AppConfig::SaveConfig(CONFIG_FILE);
+    Open();
     EXPECT_EQ(Bar("m_G01FeedBar").GetValue(), 115);
     EXPECT_TRUE(Logged("Moving to Machine Home"));
     ExpectLogged("Machine Homing finished");

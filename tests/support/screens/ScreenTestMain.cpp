@@ -6,6 +6,7 @@
 int main(int argc, char** argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("FONTCONFIG_FILE", TEST_DATA_DIR "/fonts.conf");
     testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
     app.setQuitOnLastWindowClosed(false);
