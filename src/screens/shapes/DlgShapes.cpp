@@ -248,11 +248,25 @@ void CDlgShapes::on_Lw_Shapes_itemClicked(QListWidgetItem*)
     m_Drawing.Show(m_Rows.Current());
 }
 
+// Of the pocket in the row's ellipse, if it has one; or they stay as ellipses of their own. False: not removed at all.
+bool CDlgShapes::RemoveRings(int iRow)
+{
+    const std::vector<size_t> rings = RingsOf(static_cast<size_t>(iRow));
+    if (rings.empty()) return true;
+    const auto eAnswer =
+        QMessageBox::warning(this, QStringLiteral("Warning"),
+                             QStringLiteral("Do you want to delete the %1 rings of this pocket too?").arg(rings.size()),
+                             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    if (eAnswer == QMessageBox::Yes)
+        for (size_t n = rings.size(); n-- > 0;) m_Rows.Remove(static_cast<int>(rings[n]));
+    return eAnswer == QMessageBox::Yes || eAnswer == QMessageBox::No;
+}
+
 void CDlgShapes::on_Btn_DelShape_clicked()
 {
     const int iRow = m_Rows.Current();
-    if (iRow < 0) return;
-    m_Rows.Remove(iRow);
+    if (iRow < 0 || !RemoveRings(iRow)) return;
+    m_Rows.Remove(m_Rows.Current());
     ShowDepth();   // of the row that has moved up
     DrawWorkArea();
 }
@@ -313,29 +327,34 @@ void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
 {
     const int iRow = m_Rows.Current();
     if (iRow < 0 || IsEditing() || Host().Operation() != OP_NONE) return;
-    BeginAdding();
     if (EllipseAt(static_cast<size_t>(iRow)))
         EditEllipse(static_cast<size_t>(iRow));
     else
         EditPolygon(static_cast<size_t>(iRow));
 }
 
-void CDlgShapes::EditEllipse(size_t uIndex)
+// A ring is edited with its outline.
+void CDlgShapes::EditEllipse(size_t uRow)
 {
-    const stEllipse before = *EllipseAt(uIndex);
+    const size_t uIndex = BeginEditing(OutlineOf(uRow));
+    const stEngShape edited = Info().lstShapes[uIndex];
+    const stEllipse before = *edited.pEllipse;
     m_dlgEllipse->m_uIndex = uIndex;
     m_dlgEllipse->ConfigSettings();
     if (!RunDialog(*m_dlgEllipse, uIndex)) return;
-    if (stEllipse* pEllipse = EllipseAt(uIndex); pEllipse && !m_dlgEllipse->m_bAccepted) {
-        *pEllipse = before;
+    if (!m_dlgEllipse->m_bAccepted) {
+        *edited.pEllipse = before;
         CreateEllipsePoints(static_cast<quint32>(uIndex));
     }
+    EndEditing(m_dlgEllipse->m_bAccepted);
+    m_Rows.ShowAll(edited);
     ShowDepth();
-    AdoptNewShapes();   // the rings of a pocket
+    DrawWorkArea();
 }
 
 void CDlgShapes::EditPolygon(size_t uIndex)
 {
+    BeginAdding();
     m_dlgEditPolygon->m_uIndex = uIndex;
     m_dlgEditPolygon->ConfigSettings();
     if (!RunDialog(*m_dlgEditPolygon, uIndex)) return;

@@ -87,7 +87,8 @@ private:
     // ---- List ----
     void ShowDepth();   // of the current row
     void MoveRow(int iStep);
-    void EditEllipse(size_t uIndex);
+    bool RemoveRings(int iRow);
+    void EditEllipse(size_t uRow);
     void EditPolygon(size_t uIndex);
     // Runs a dialog with the screen selectors off; it changes the entry uEdited, if any, and those that it adds. False:
     // the screen is gone.
