@@ -73,6 +73,21 @@ void CDlgShapes::UpdatePlungeFeed()
     ShowNumber(m_pUi->Btn_EndMillDia, {.strCaption = QStringLiteral("End-Mill"), .iDecimals = 1},
                AppConfig::m_fEndMillDia);
     ShowNumber(m_pUi->Btn_ZAxisPlungeFeed, {.strCaption = QStringLiteral("Plunge Feed")}, AppConfig::m_fPlungeFeed);
+    FollowEndMill();
+}
+
+// Other screens change it too: their change is seen here before anything can be cut or written.
+void CDlgShapes::FollowEndMill()
+{
+    if (AppConfig::m_fEndMillDia == m_fEndMill || IsEditing() || Host().Operation() != OP_NONE) return;
+    m_fEndMill = AppConfig::m_fEndMillDia;
+    const int iRow = m_Rows.Current();
+    const stEngShape current = iRow < 0 ? stEngShape() : Info().lstShapes[static_cast<size_t>(iRow)];
+    const QStringList lstNotices = RemakeEllipses();
+    if (lstNotices.isEmpty()) return;
+    LogAll(lstNotices);
+    m_Rows.ShowAll(current);
+    DrawWorkArea();
 }
 
 void CDlgShapes::UpdateWorkArea()
@@ -230,7 +245,9 @@ void CDlgShapes::on_Btn_EndMillDia_clicked()
                                  .fRange = Range(THINNEST_MILL, THICKEST_MILL),
                                  .iDecimals = 1},
                                 AppConfig::m_fEndMillDia);
-    if (fNew) AppConfig::m_fEndMillDia = *fNew;
+    if (!fNew) return;
+    AppConfig::m_fEndMillDia = *fNew;
+    FollowEndMill();
 }
 
 // ---- Rows -----------------------------------------------------------------------------------------------------------

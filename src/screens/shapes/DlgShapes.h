@@ -27,7 +27,7 @@ public:
     ~CDlgShapes() override;
 
     void ConfigSettings();
-    void UpdatePlungeFeed();   // and the end mill
+    void UpdatePlungeFeed();   // and the end mill, which the ellipses follow
     // The scale follows the size of the work area.
     void UpdateWorkArea();
     void ResetUI(bool bEnable);
@@ -87,6 +87,7 @@ private:
     // ---- List ----
     void ShowDepth();   // of the current row
     void MoveRow(int iStep);
+    void FollowEndMill();
     bool RemoveRings(int iRow);
     void EditEllipse(size_t uRow);
     void EditPolygon(size_t uIndex);
@@ -105,7 +106,8 @@ private:
     std::unique_ptr<QImage> m_pWorkAreaImg;   // the view's, less its scroll bars
     CShapeRows m_Rows;
     CShapeDrawing m_Drawing;
-    QString m_strToldOnce;   // by the dialog that is open
+    double m_fEndMill = 0.0;   // of the ellipses, mm
+    QString m_strToldOnce;     // by the dialog that is open
     std::unique_ptr<CDlgEllipse> m_dlgEllipse;
     std::unique_ptr<CDlgEditPolygon> m_dlgEditPolygon;
     std::unique_ptr<CDlgShapeFromImg> m_dlgShapeFromImg;

@@ -157,12 +157,32 @@ TEST_F(EllipseDialog, MovesUnderTheFingerWithTheRingsOfItsPocket)
         Click(dialog, "Btn_Ok");
     });
     EXPECT_EQ(Names(), QStringList({"Ellipse_1_1", "Ellipse_1_1_1", "Ellipse_1_1_2", "Ellipse_5"}));
+
+    // A new tool, here or from another screen.
+    Shapes().push_back(stEngShape::NewPolygon());
+    Shapes().back().pPolygon->strShapeName = "Shape_1";
+    Shapes().back().pPolygon->bHole = true;
+    m_Host.Type(1.0);
+    Click(m_Screen, "Btn_EndMillDia");
+    EXPECT_EQ(Log(), "Ellipses made anew for the End-Mill of 1 mm: 2|"
+                     "Drawn pockets keep the path of the old End-Mill, draw them anew: Shape_1");
+    EXPECT_EQ(Names().join(' '), "Ellipse_1_1 Ellipse_1_1_1 Ellipse_1_1_2 Ellipse_1_1_3 Ellipse_1_1_4 Ellipse_1_1_5 "
+                                 "Ellipse_5 Shape_1");
+    EXPECT_EQ(Ellipse(6).lstPoints.front().x, 50 + 13.0);
+    AppConfig::m_fEndMillDia = 6.1;   // too wide for the pocket
+    m_Screen.UpdatePlungeFeed();
+    EXPECT_EQ(Log().section('|', 0, 1), "Ellipses made anew for the End-Mill of 6.1 mm: 2|"
+                                        "Ellipse_1_1 has no points: its pocket is narrower than the end-mill");
+    AppConfig::m_fEndMillDia = 2.0;
+    m_Screen.UpdatePlungeFeed();
+    ASSERT_EQ(Names().size(), 5);
+    while (List().currentRow() > 0) Click(m_Screen, "Btn_MoveShapeDown");
     const auto Delete = [&](QMessageBox::StandardButton eAnswer) {
         return PressAndAnswer(Child(m_Screen, "Btn_DelShape"), eAnswer);
     };
     EXPECT_EQ(Delete(QMessageBox::Cancel), "Warning: Do you want to delete the 2 rings of this pocket too?");
-    EXPECT_EQ(Names().size(), 4);
+    EXPECT_EQ(Names().size(), 5);
     Delete(QMessageBox::Yes);
-    EXPECT_EQ(Names(), QStringList("Ellipse_5"));
+    EXPECT_EQ(Names().join(' '), "Ellipse_5 Shape_1");
 }
 }   // namespace
