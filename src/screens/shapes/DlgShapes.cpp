@@ -22,6 +22,8 @@
 #include <QMouseEvent>
 #include <QPointer>
 
+#include <algorithm>
+
 static constexpr double FRESH_LENGTH = 300.0, FRESH_WIDTH = 200.0;   // mm
 static constexpr double LARGEST_AREA = 1000000.0, DEEPEST = 10000.0;
 static constexpr double THINNEST_MILL = 0.1, THICKEST_MILL = 100.0;
@@ -435,16 +437,27 @@ QString CDlgShapes::AskSaveName()
     return MayReplace(this, strTyped, strPath) ? strPath : QString();
 }
 
+// Those that are, or belong to, a pocket; or all.
+static qsizetype CountEllipses(std::span<const stEngShape> shapes, bool bHolesOnly)
+{
+    return std::ranges::count_if(
+        shapes, [&](const stEngShape& shape) { return shape.pEllipse && (shape.pEllipse->bHole || !bHolesOnly); });
+}
+
 void CDlgShapes::on_Btn_SaveWorkArea_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_SaveWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     if (Count() == 0) return LogError(QStringLiteral("No shapes added"));
     const QString strPath = AskSaveName();
     if (strPath.isEmpty()) return;
-    if (SaveWorkArea(strPath, m_stCuttingInfo))
-        Host().AddLogMsg(QStringLiteral("Work area saved to\n") + strPath, MSG_INFO);
-    else
-        LogError(QStringLiteral("Unable to Create the file"));
+    if (!SaveWorkArea(strPath, m_stCuttingInfo)) return LogError(QStringLiteral("Unable to Create the file"));
+    Host().AddLogMsg(QStringLiteral("Work area saved to\n") + strPath, MSG_INFO);
+    if (const auto iPockets = CountEllipses(Info().lstShapes, true); iPockets > 0)
+        Host().AddLogMsg(
+            QStringLiteral("Hole is not in the file: %1 ellipses will be loaded as outlines, with the tool "
+                           "outside")
+                .arg(iPockets),
+            MSG_NOTICE);
 }
 
 void CDlgShapes::on_Btn_LoadWorkArea_clicked()
@@ -461,6 +474,10 @@ void CDlgShapes::on_Btn_LoadWorkArea_clicked()
     LogAll(lstNotices);
     if (m_stCuttingInfo.stWorkArea.x > 0.0 && m_stCuttingInfo.stWorkArea.y > 0.0) ShowSize();
     Host().AddLogMsg(QStringLiteral("Shapes loaded: %1").arg(Added().size()), MSG_INFO);
+    if (const auto iEllipses = CountEllipses(Added(), false); iEllipses > 0)
+        Host().AddLogMsg(
+            QStringLiteral("%1 ellipses are outlines, with the tool outside: a file does not hold Hole").arg(iEllipses),
+            MSG_NOTICE);
     ListNewShapes();
     UpdateWorkArea();
 }
