@@ -74,8 +74,11 @@ void Trim(ShapePath& path, double fStart, double fEnd)
     path.shrink_to_fit();
 }
 
-QString WhyNoPath(double a, double fStep)
+QString WhyNoPath(const stEllipse& ellipse, double a)
 {
+    const double fStep = ellipse.fXAxisStep;
+    if (ellipse.bHole && SemiAxis(ellipse.fMinorAxisDia, true) < 0.0)
+        return QStringLiteral("its pocket is narrower than the end-mill");   // which would cut beyond it
     if (a == 0.0) return QStringLiteral("its major axis is as wide as the end-mill");
     if (!std::isfinite(fStep) || !(fStep > 0.0)) return QStringLiteral("its X step is not above zero");
     if (!(4.0 * a / fStep <= MAX_POINTS)) return QStringLiteral("its X step is too small");
@@ -87,7 +90,7 @@ QString CreateEllipsePoints(stEllipse& ellipse)
 {
     ellipse.lstPoints.clear();
     const double a = SemiAxis(ellipse.fMajorAxisDia, ellipse.bHole), b = SemiAxis(ellipse.fMinorAxisDia, ellipse.bHole);
-    if (const QString strWhy = WhyNoPath(a, ellipse.fXAxisStep); !strWhy.isEmpty())
+    if (const QString strWhy = WhyNoPath(ellipse, a); !strWhy.isEmpty())
         return QStringLiteral("%1 has no points: %2").arg(ellipse.strShapeName, strWhy);
 
     ShapePath path = Around(Quadrant(a, b, ellipse.fXAxisStep));
@@ -106,7 +109,7 @@ QString CreateEllipsePoints(stEllipse& ellipse)
 double CountEllipsePoints(const stEllipse& ellipse)
 {
     const double a = SemiAxis(ellipse.fMajorAxisDia, ellipse.bHole);
-    return WhyNoPath(a, ellipse.fXAxisStep).isEmpty() ? 4.0 * std::max(a, 0.0) / ellipse.fXAxisStep + 5.0 : 0.0;
+    return WhyNoPath(ellipse, a).isEmpty() ? 4.0 * std::max(a, 0.0) / ellipse.fXAxisStep + 5.0 : 0.0;
 }
 
 std::vector<stEngShape> MakeEllipseRings(const stEllipse& outline, QString& strWhy)

@@ -1,5 +1,6 @@
 #include "shapes/ShapeJob.h"
 
+#include "config/AppConfig.h"
 #include "shapes/EllipsePath.h"
 #include "shapes/Pocket.h"
 #include "shapes/PolygonEdit.h"
@@ -95,19 +96,120 @@ void CShapeJob::NumberAdded(const stShapesCommonInfo& common)
 
 // ---- Pockets --------------------------------------------------------------------------------------------------------
 
-QStringList CShapeJob::MakeEllipsePocket(stEllipse& outline)
+static bool IsRingOf(const stEngShape& shape, const stEllipse* pOutline)
 {
-    outline.bHole = true;
+    return pOutline && shape.pEllipse && shape.pEllipse->pOutline.lock().get() == pOutline;
+}
+
+size_t CShapeJob::OutlineOf(size_t uIndex) const
+{
+    const auto& lst = m_stCuttingInfo.lstShapes;
+    const stEllipse* pRing = EllipseAt(uIndex);
+    for (size_t n = 0; pRing && pRing->bRing && n < lst.size(); ++n)
+        if (IsRingOf(lst[uIndex], lst[n].pEllipse.get())) return n;
+    return uIndex;
+}
+
+std::vector<size_t> CShapeJob::RingsOf(size_t uOutline) const
+{
+    std::vector<size_t> rings;
+    for (size_t n = 0; n < Count(); ++n)
+        if (IsRingOf(m_stCuttingInfo.lstShapes[n], EllipseAt(uOutline))) rings.push_back(n);
+    return rings;
+}
+
+QStringList CShapeJob::MakeEllipsePocket(size_t uOutline)
+{
+    // Named as by Ok, so that a notice tells the name that stays.
+    return MakeRings(uOutline, EllipseAt(uOutline)->strShapeName, Count() + 1 - m_uShapeCountBefore);
+}
+
+QStringList CShapeJob::MakeRings(size_t uOutline, const QString& strName, size_t uFirst)
+{
+    const std::shared_ptr<stEllipse> pOutline = m_stCuttingInfo.lstShapes[uOutline].pEllipse;
+    pOutline->bHole = true;
+    pOutline->bRing = false;   // it may have been one of a pocket that is gone
     QString strWhy;
-    std::vector<stEngShape> lstRings = MakeEllipseRings(outline, strWhy);
+    std::vector<stEngShape> lstRings = MakeEllipseRings(*pOutline, strWhy);
     QStringList lstWhy(strWhy);
     for (stEngShape& ring : lstRings) {
-        ring.Common().strShapeName = outline.strShapeName;
-        ring.Common().fDepth = outline.fDepth;
+        ring.Common().strShapeName = strName + QStringLiteral("_%1").arg(uFirst++);
+        ring.Common().fDepth = pOutline->fDepth;
+        ring.pEllipse->bRing = true;
+        ring.pEllipse->pOutline = pOutline;
         lstWhy += CreateEllipsePoints(*ring.pEllipse);
         m_stCuttingInfo.lstShapes.push_back(std::move(ring));
     }
     return lstWhy;
+}
+
+size_t CShapeJob::BeginEditing(size_t uIndex)
+{
+    auto& lst = m_stCuttingInfo.lstShapes;
+    const stEngShape edited = lst[uIndex];
+    const std::vector<size_t> rings = RingsOf(uIndex);
+    m_uPlaceOfRings = rings.empty() ? SIZE_MAX : rings.front();
+    m_lstBefore = lst;
+    std::erase_if(lst, [&](const stEngShape& shape) { return IsRingOf(shape, edited.pEllipse.get()); });
+    BeginAdding();
+    return uIndex - static_cast<size_t>(std::ranges::count_if(rings, [&](size_t n) { return n < uIndex; }));
+}
+
+void CShapeJob::EndEditing(bool bKeep)
+{
+    auto& lst = m_stCuttingInfo.lstShapes;
+    const auto At = [&](size_t n) { return lst.begin() + static_cast<std::ptrdiff_t>(n); };
+    if (!bKeep)
+        lst = m_lstBefore;
+    else if (m_uPlaceOfRings < m_uShapeCountBefore)
+        std::rotate(At(m_uPlaceOfRings), At(m_uShapeCountBefore), lst.end());
+    m_lstBefore.clear();
+}
+
+// Named on as the old rings were.
+QStringList CShapeJob::RemakePocket(size_t uOutline)
+{
+    const std::vector<size_t> rings = RingsOf(uOutline);
+    QString strName = EllipseAt(uOutline)->strShapeName;
+    size_t uFirst = 1;
+    if (!rings.empty()) {
+        const QString strOld = EllipseAt(rings.front())->strShapeName;
+        strName = strOld.section(QLatin1Char('_'), 0, -2);
+        uFirst = strOld.section(QLatin1Char('_'), -1).toUInt();
+    }
+    const size_t uAt = BeginEditing(uOutline);
+    const QStringList lstWhy = QStringList(CreateEllipsePoints(*EllipseAt(uAt))) + MakeRings(uAt, strName, uFirst);
+    EndEditing(true);
+    return lstWhy;
+}
+
+QStringList CShapeJob::RemakeEllipses()
+{
+    static constexpr qsizetype MAX_NAMES = 10;
+    QStringList lstWhy, drawn;
+    int iMade = 0;
+    const std::vector<stEngShape> lstAll = m_stCuttingInfo.lstShapes;   // pockets move the entries about
+    for (const stEngShape& shape : lstAll) {
+        if (shape.pPolygon && shape.pPolygon->bHole) drawn += shape.pPolygon->strShapeName;
+        const auto& pEllipse = shape.pEllipse;
+        if (!pEllipse || !pEllipse->pOutline.expired()) continue;   // rings come with their pocket
+        ++iMade;
+        if (!pEllipse->bHole || pEllipse->bRing) {
+            lstWhy += CreateEllipsePoints(*pEllipse);
+            continue;
+        }
+        const auto found = std::ranges::find(std::as_const(m_stCuttingInfo.lstShapes), pEllipse, &stEngShape::pEllipse);
+        lstWhy += RemakePocket(static_cast<size_t>(found - m_stCuttingInfo.lstShapes.cbegin()));
+    }
+    lstWhy.removeAll(QString());
+    if (iMade > 0)
+        lstWhy.prepend(QStringLiteral("Ellipses made anew for the End-Mill of %1 mm: %2")
+                           .arg(AppConfig::m_fEndMillDia)
+                           .arg(iMade));
+    if (drawn.isEmpty()) return lstWhy;
+    QString strNames = drawn.mid(0, MAX_NAMES).join(QStringLiteral(", "));
+    if (drawn.size() > MAX_NAMES) strNames += QStringLiteral(" and %1 more").arg(drawn.size() - MAX_NAMES);
+    return lstWhy << QStringLiteral("Drawn pockets keep the path of the old End-Mill, draw them anew: ") + strNames;
 }
 
 // An ellipse that is new is itself the first of the dialog's entries; one that is not lies before them.

@@ -35,9 +35,20 @@ public:
     void NumberAdded(const stShapesCommonInfo& common);   // its name and "_1" and so on; its depth for all
 
     // ---- Pockets ----
+    // Those of ellipses: rings belong to their outline, and come and go with it.
+    size_t OutlineOf(size_t uIndex) const;   // of a ring; any other entry is its own
+    std::vector<size_t> RingsOf(size_t uOutline) const;
     // The rings inside an ellipse become entries of the dialog. For the log: why some are missing, or have no points.
-    QStringList MakeEllipsePocket(stEllipse& outline);
-    void EraseRings(size_t uOutline);   // of an ellipse
+    QStringList MakeEllipsePocket(size_t uOutline);
+    void EraseRings(size_t uOutline);
+    // A dialog edits an entry that was there: until EndEditing the rings of its pocket are entries of the dialog too.
+    // Gives where the entry lies now.
+    size_t BeginEditing(size_t uIndex);
+    void EndEditing(bool bKeep);   // new rings take the place of the old ones; or all is in the list that was there
+    // The end mill has changed: all ellipses with their rings are made anew, as a file's are that is loaded. For the
+    // log, with the names of what keeps the old tool's path: pockets drawn by hand are not remade.
+    QStringList RemakeEllipses();
+    // Those drawn by hand.
     // The rings that clear the last polygon take its place. False: the tool does not fit, and nothing has changed but
     // that the outline is closed.
     bool MakePocket(const stDisplayScale& scale, double fEndMillDia);
@@ -50,6 +61,10 @@ protected:
 
 private:
     void EraseFrom(size_t uFirst);
+    QStringList MakeRings(size_t uOutline, const QString& strName, size_t uFirst);   // strName_uFirst and so on
+    QStringList RemakePocket(size_t uOutline);
 
-    stEngShape m_Outline;   // while its rings stand in the list
+    stEngShape m_Outline;                  // of a pocket drawn by hand, while its rings stand in the list
+    std::vector<stEngShape> m_lstBefore;   // the list without the changes of a dialog
+    size_t m_uPlaceOfRings = SIZE_MAX;     // of the old rings of an ellipse; none
 };

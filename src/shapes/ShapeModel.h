@@ -28,14 +28,16 @@ struct stPolygon : stShapesCommonInfo
 struct stEllipse : stShapesCommonInfo
 {
     stFloatPoint stCenter{50.0, 50.0};
-    double fMajorAxisDia = 25.0;   // along the local X
-    double fMinorAxisDia = 25.0;   // along the local Y
-    double fOrientation = 0.0;     // degrees, clockwise
-    double fXAxisStep = 0.2;       // between points, along the local X
-    double fArcStartAngle = 0.0;   // degrees, counter-clockwise
-    double fArcEndAngle = 360.0;   // 0 to 360 is the whole ellipse
-    bool bHole = false;            // a pocket: the tool runs inside
-    ShapePath lstPoints;           // the path, made from the fields above
+    double fMajorAxisDia = 25.0;         // along the local X
+    double fMinorAxisDia = 25.0;         // along the local Y
+    double fOrientation = 0.0;           // degrees, clockwise
+    double fXAxisStep = 0.2;             // between points, along the local X
+    double fArcStartAngle = 0.0;         // degrees, counter-clockwise
+    double fArcEndAngle = 360.0;         // 0 to 360 is the whole ellipse
+    bool bHole = false;                  // a pocket: the tool runs inside
+    ShapePath lstPoints;                 // the path, made from the fields above
+    bool bRing = false;                  // of a pocket; not in the file
+    std::weak_ptr<stEllipse> pOutline;   // of a ring: the ellipse that it belongs to, while that is there
 };
 
 enum eEngShapeType

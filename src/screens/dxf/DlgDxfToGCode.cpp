@@ -15,6 +15,9 @@ dlgDxfToGCode::dlgDxfToGCode(QWidget* pParent) : QDialog(pParent), m_pUi(std::ma
     setStyleSheet(CLook::WINDOW_STYLE);
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setStyleSheet(BTN_BKGND_GRAY);
     for (QLabel* pLabel : {m_pUi->Hdg_Tool, m_pUi->Hdg_Depth}) pLabel->setStyleSheet(CLook::HEADING_STYLE);
+    m_pUi->Lbl_Feed->setText(AppConfig::m_GCodeRunSettings.bUsePrgmFeed
+                                 ? QStringLiteral("counts: \"Use Program\nFeed\" is on")
+                                 : QStringLiteral("does not count: \"Use\nProgram Feed\" is off"));
 }
 
 dlgDxfToGCode::~dlgDxfToGCode() = default;

@@ -123,8 +123,13 @@ void CDlgEditPolygon::OnDrag(const stFloatPoint& from, const stFloatPoint& to)
     if (!pPolygon || m_iVertex < 0 || static_cast<size_t>(m_iVertex) >= pPolygon->lstVertices.size()) return;
     stFloatPoint& vertex = pPolygon->lstVertices[static_cast<size_t>(m_iVertex)];
     if (!Holds(from, vertex)) return;
+    // The corner where a closed path begins and ends is one place.
+    ShapePath& path = pPolygon->lstVertices;
+    const bool bEnd = &vertex == &path.front() || &vertex == &path.back();
+    const bool bClosed = path.front().x == path.back().x && path.front().y == path.back().y;
     vertex.x = to.x;
     vertex.y = to.y;
+    if (bEnd && bClosed) path.front() = path.back() = stFloatPoint(vertex);
     UpdatePolyVertices();
 }
 

@@ -11,6 +11,7 @@
 
 static constexpr double FARTHEST_CENTER = 100000000.0, LARGEST_AXIS = 100000.0, LARGEST_STEP = 1000.0;
 static constexpr double DEEPEST = -10000.0, FULL_TURN = 360.0;
+static const QString TOOL_TOO_BIG = QStringLiteral("End-mill size too big. Please change the End-Mill");
 
 CDlgEllipse::CDlgEllipse(CShapeHost& screen, QWidget* pParent)
     : CDlgShapeSource(screen, pParent), m_pUi(std::make_unique<Ui::CDlgEllipse>())
@@ -24,9 +25,10 @@ CDlgEllipse::~CDlgEllipse() = default;
 void CDlgEllipse::ConfigSettings()
 {
     m_bAccepted = false;
-    m_bHole = false;
-    m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GRAY);
-    if (const stEllipse* pEllipse = Job().EllipseAt(m_uIndex)) m_pUi->Lbl_Name->setText(pEllipse->strShapeName);
+    const stEllipse* pEllipse = Job().EllipseAt(m_uIndex);
+    m_bHole = pEllipse && pEllipse->bHole && !pEllipse->bRing;
+    m_pUi->Btn_EllipseHole->setStyleSheet(m_bHole ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
+    if (pEllipse) m_pUi->Lbl_Name->setText(pEllipse->strShapeName);
     UpdateEllipseParams();
 }
 
@@ -122,6 +124,10 @@ void CDlgEllipse::AskDiameter(QPushButton* pButton, const QString& strName, stFl
     double fDia = pEllipse->*pField;
     if (!Ask(pButton, strName, QStringLiteral("(mm)"), range, fDia)) return;
     if (std::fabs(fDia - pEllipse->*pField) < SMALL_NUMBER_TO_AVOID_ROUND_ERRORS) return;
+    if (m_bHole && fDia < AppConfig::m_fEndMillDia) {   // the rings stay, and their outline with them
+        LogError(TOOL_TOO_BIG);
+        return ShowParams(*pEllipse);
+    }
     pEllipse->*pField = fDia;
     AfterChange();
 }
@@ -196,9 +202,10 @@ void CDlgEllipse::on_Btn_EllipseHole_clicked()
         Job().EraseRings(m_uIndex);
         DropHole(*pEllipse);
     } else if (pEllipse->fMinorAxisDia < AppConfig::m_fEndMillDia) {
-        return LogError(QStringLiteral("End-mill size too big. Please change the End-Mill"));
+        m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GRAY);
+        return LogError(TOOL_TOO_BIG);
     } else {
-        MakeHole(*pEllipse);
+        MakeHole();
     }
     UpdateEllipse();
 }
@@ -210,11 +217,11 @@ void CDlgEllipse::DropHole(stEllipse& ellipse)
     m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GRAY);
 }
 
-void CDlgEllipse::MakeHole(stEllipse& ellipse)
+void CDlgEllipse::MakeHole()
 {
     m_bHole = true;
     m_pUi->Btn_EllipseHole->setStyleSheet(BTN_BKGND_GREEN);
-    for (const QString& strWhy : Job().MakeEllipsePocket(ellipse)) Screen().LogOnce(strWhy);
+    for (const QString& strWhy : Job().MakeEllipsePocket(m_uIndex)) Screen().LogOnce(strWhy);
 }
 
 // ---- End ------------------------------------------------------------------------------------------------------------

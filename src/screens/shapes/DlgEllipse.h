@@ -45,7 +45,7 @@ private:
     void ShowParams(const stEllipse& ellipse);
     void UpdateEllipse();
     void AfterChange();   // the rings of a pocket follow their outline
-    void MakeHole(stEllipse& ellipse);
+    void MakeHole();
     void DropHole(stEllipse& ellipse);
 
     bool m_bHole = false;

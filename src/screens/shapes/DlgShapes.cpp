@@ -24,6 +24,8 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <algorithm>
+
 static constexpr double FRESH_LENGTH = 300.0, FRESH_WIDTH = 200.0;   // mm
 static constexpr double LARGEST_AREA = 1000000.0, DEEPEST = 10000.0;
 static constexpr double THINNEST_MILL = 0.1, THICKEST_MILL = 100.0;
@@ -76,6 +78,21 @@ void CDlgShapes::UpdatePlungeFeed()
     ShowNumber(m_pUi->Btn_EndMillDia, {.strCaption = QStringLiteral("End-Mill"), .iDecimals = 1},
                AppConfig::m_fEndMillDia);
     ShowNumber(m_pUi->Btn_ZAxisPlungeFeed, {.strCaption = QStringLiteral("Plunge Feed")}, AppConfig::m_fPlungeFeed);
+    FollowEndMill();
+}
+
+// Other screens change it too: their change is seen here before anything can be cut or written.
+void CDlgShapes::FollowEndMill()
+{
+    if (AppConfig::m_fEndMillDia == m_fEndMill || IsEditing() || Host().Operation() != OP_NONE) return;
+    m_fEndMill = AppConfig::m_fEndMillDia;
+    const int iRow = m_Rows.Current();
+    const stEngShape current = iRow < 0 ? stEngShape() : Info().lstShapes[static_cast<size_t>(iRow)];
+    const QStringList lstNotices = RemakeEllipses();
+    if (lstNotices.isEmpty()) return;
+    LogAll(lstNotices);
+    m_Rows.ShowAll(current);
+    DrawWorkArea();
 }
 
 void CDlgShapes::UpdateWorkArea()
@@ -237,7 +254,9 @@ void CDlgShapes::on_Btn_EndMillDia_clicked()
                                  .fRange = Range(THINNEST_MILL, THICKEST_MILL),
                                  .iDecimals = 1},
                                 AppConfig::m_fEndMillDia);
-    if (fNew) AppConfig::m_fEndMillDia = *fNew;
+    if (!fNew) return;
+    AppConfig::m_fEndMillDia = *fNew;
+    FollowEndMill();
 }
 
 // ---- Rows -----------------------------------------------------------------------------------------------------------
@@ -255,11 +274,25 @@ void CDlgShapes::on_Lw_Shapes_itemClicked(QListWidgetItem*)
     m_Drawing.Show(m_Rows.Current());
 }
 
+// Of the pocket in the row's ellipse, if it has one; or they stay as ellipses of their own. False: not removed at all.
+bool CDlgShapes::RemoveRings(int iRow)
+{
+    const std::vector<size_t> rings = RingsOf(static_cast<size_t>(iRow));
+    if (rings.empty()) return true;
+    const auto eAnswer =
+        QMessageBox::warning(this, QStringLiteral("Warning"),
+                             QStringLiteral("Do you want to delete the %1 rings of this pocket too?").arg(rings.size()),
+                             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    if (eAnswer == QMessageBox::Yes)
+        for (size_t n = rings.size(); n-- > 0;) m_Rows.Remove(static_cast<int>(rings[n]));
+    return eAnswer == QMessageBox::Yes || eAnswer == QMessageBox::No;
+}
+
 void CDlgShapes::on_Btn_DelShape_clicked()
 {
     const int iRow = m_Rows.Current();
-    if (iRow < 0) return;
-    m_Rows.Remove(iRow);
+    if (iRow < 0 || !RemoveRings(iRow)) return;
+    m_Rows.Remove(m_Rows.Current());
     ShowDepth();   // of the row that has moved up
     DrawWorkArea();
 }
@@ -320,29 +353,33 @@ void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
 {
     const int iRow = m_Rows.Current();
     if (iRow < 0 || IsEditing() || Host().Operation() != OP_NONE || Host().MachineParts().IsWorkerBusy()) return;
-    BeginAdding();
-    if (EllipseAt(static_cast<size_t>(iRow)))
         EditEllipse(static_cast<size_t>(iRow));
     else
         EditPolygon(static_cast<size_t>(iRow));
 }
 
-void CDlgShapes::EditEllipse(size_t uIndex)
+// A ring is edited with its outline.
+void CDlgShapes::EditEllipse(size_t uRow)
 {
-    const stEllipse before = *EllipseAt(uIndex);
+    const size_t uIndex = BeginEditing(OutlineOf(uRow));
+    const stEngShape edited = Info().lstShapes[uIndex];
+    const stEllipse before = *edited.pEllipse;
     m_dlgEllipse->m_uIndex = uIndex;
     m_dlgEllipse->ConfigSettings();
     if (!RunDialog(*m_dlgEllipse, uIndex)) return;
-    if (stEllipse* pEllipse = EllipseAt(uIndex); pEllipse && !m_dlgEllipse->m_bAccepted) {
-        *pEllipse = before;
+    if (!m_dlgEllipse->m_bAccepted) {
+        *edited.pEllipse = before;
         CreateEllipsePoints(static_cast<quint32>(uIndex));
     }
+    EndEditing(m_dlgEllipse->m_bAccepted);
+    m_Rows.ShowAll(edited);
     ShowDepth();
-    AdoptNewShapes();   // the rings of a pocket
+    DrawWorkArea();
 }
 
 void CDlgShapes::EditPolygon(size_t uIndex)
 {
+    BeginAdding();
     m_dlgEditPolygon->m_uIndex = uIndex;
     m_dlgEditPolygon->ConfigSettings();
     if (!RunDialog(*m_dlgEditPolygon, uIndex)) return;
@@ -406,16 +443,27 @@ QString CDlgShapes::AskSaveName()
     return MayReplace(this, strTyped, strPath) ? strPath : QString();
 }
 
+// Those that are, or belong to, a pocket; or all.
+static qsizetype CountEllipses(std::span<const stEngShape> shapes, bool bHolesOnly)
+{
+    return std::ranges::count_if(
+        shapes, [&](const stEngShape& shape) { return shape.pEllipse && (shape.pEllipse->bHole || !bHolesOnly); });
+}
+
 void CDlgShapes::on_Btn_SaveWorkArea_clicked()
 {
     const CPressedBtn press(Host(), m_pUi->Btn_SaveWorkArea, BTN_BKGND_GRAY, BTN_BKGND_BLUE);
     if (Count() == 0) return LogError(QStringLiteral("No shapes added"));
     const QString strPath = AskSaveName();
     if (strPath.isEmpty()) return;
-    if (SaveWorkArea(strPath, m_stCuttingInfo))
-        Host().AddLogMsg(QStringLiteral("Work area saved to\n") + strPath, MSG_INFO);
-    else
-        LogError(QStringLiteral("Unable to Create the file"));
+    if (!SaveWorkArea(strPath, m_stCuttingInfo)) return LogError(QStringLiteral("Unable to Create the file"));
+    Host().AddLogMsg(QStringLiteral("Work area saved to\n") + strPath, MSG_INFO);
+    if (const auto iPockets = CountEllipses(Info().lstShapes, true); iPockets > 0)
+        Host().AddLogMsg(
+            QStringLiteral("Hole is not in the file: %1 ellipses will be loaded as outlines, with the tool "
+                           "outside")
+                .arg(iPockets),
+            MSG_NOTICE);
 }
 
 void CDlgShapes::on_Btn_LoadWorkArea_clicked()
@@ -432,6 +480,10 @@ void CDlgShapes::on_Btn_LoadWorkArea_clicked()
     LogAll(lstNotices);
     if (m_stCuttingInfo.stWorkArea.x > 0.0 && m_stCuttingInfo.stWorkArea.y > 0.0) ShowSize();
     Host().AddLogMsg(QStringLiteral("Shapes loaded: %1").arg(Added().size()), MSG_INFO);
+    if (const auto iEllipses = CountEllipses(Added(), false); iEllipses > 0)
+        Host().AddLogMsg(
+            QStringLiteral("%1 ellipses are outlines, with the tool outside: a file does not hold Hole").arg(iEllipses),
+            MSG_NOTICE);
     ListNewShapes();
     UpdateWorkArea();
 }

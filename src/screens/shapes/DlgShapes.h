@@ -27,7 +27,7 @@ public:
     ~CDlgShapes() override;
 
     void ConfigSettings();
-    void UpdatePlungeFeed();   // and the end mill
+    void UpdatePlungeFeed();   // and the end mill, which the ellipses follow
     // The scale follows the size of the work area.
     void UpdateWorkArea();
     void ResetUI(bool bEnable);
@@ -87,7 +87,9 @@ private:
     // ---- List ----
     void ShowDepth();   // of the current row
     void MoveRow(int iStep);
-    void EditEllipse(size_t uIndex);
+    void FollowEndMill();
+    bool RemoveRings(int iRow);
+    void EditEllipse(size_t uRow);
     void EditPolygon(size_t uIndex);
     // Runs a dialog with the screen selectors off; it changes the entry uEdited, if any, and those that it adds. False:
     // the screen is gone.
@@ -104,6 +106,7 @@ private:
     std::unique_ptr<QImage> m_pWorkAreaImg;   // the view's, less its scroll bars
     CShapeRows m_Rows;
     CShapeDrawing m_Drawing;
+    double m_fEndMill = 0.0;       // of the ellipses, mm
     QString m_strToldOnce;         // by the dialog that is open
     bool m_bEnableWanted = true;   // as soon as the worker has gone
     std::unique_ptr<CDlgEllipse> m_dlgEllipse;

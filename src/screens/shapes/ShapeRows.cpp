@@ -42,6 +42,16 @@ bool CShapeRows::AppendAdded()
     return true;
 }
 
+void CShapeRows::ShowAll(const stEngShape& current)
+{
+    m_List.clear();
+    for (const stEngShape& shape : m_Job.Info().lstShapes) {
+        m_List.addItem(shape.Common().strShapeName);
+        if (shape.pEllipse == current.pEllipse && shape.pPolygon == current.pPolygon)
+            m_List.setCurrentRow(m_List.count() - 1);
+    }
+}
+
 void CShapeRows::ShowName(int iRow, const QString& strName)
 {
     m_List.item(iRow)->setText(strName);

@@ -14,6 +14,7 @@ public:
     void RemoveAll();
     bool MoveCurrent(int iStep);   // false: it is at the end, or there is none
     bool AppendAdded();            // by the dialog that was open; the last is current. False: none
+    void ShowAll(const stEngShape& current);
     void ShowName(int iRow, const QString& strName);
 
 private:

@@ -55,6 +55,11 @@ TEST_F(DxfSettings, EachButtonAsksForItsValue)
                                                          {"Btn_AxisStep_Z", "1\nz Step"},
                                                          {"Btn_ShapeDepth", "-1.0000\nDepth"}};
     for (const auto& [szButton, szText] : texts) EXPECT_EQ(Child(m_Dialog, szButton).text(), szText);
+    AppConfig::m_GCodeRunSettings.bUsePrgmFeed = true;
+    const dlgDxfToGCode counts(&m_Host);
+    for (const auto& [pDialog, szFeed] :
+         {std::pair<const QDialog*, const char*>{&m_Dialog, "does not count: "}, {&counts, "counts: "}})
+        EXPECT_TRUE(pDialog->findChild<QLabel*>("Lbl_Feed")->text().startsWith(szFeed));
 
     AppConfig::m_fMinMaxAxisFeed = 20;
     AppConfig::m_fAxisMovPerPulse[Z_AXIS] = 0.005;

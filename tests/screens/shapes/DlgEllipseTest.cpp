@@ -112,27 +112,77 @@ TEST_F(EllipseDialog, MovesUnderTheFingerWithTheRingsOfItsPocket)
         EXPECT_GT(ring.Path().size(), 4u);
     }
 
-    // A pocket in an ellipse that was there: the rings are new entries, and Cancel takes none but them.
+    // A tool that just fits leaves no ring, and no larger one makes a pocket.
     AppConfig::m_fEndMillDia = 8.1;
-    Edit(0, "CDlgEllipse", [&](QWidget& dialog) {
+    InDialog("Btn_AddEllipse", "CDlgEllipse", [&](QWidget& dialog) {
+        m_Host.Type(8.0);
+        Click(dialog, "Btn_EllipseMinorAxisDia");
         Click(dialog, "Btn_EllipseHole");
         EXPECT_EQ(Log(), "End-mill size too big. Please change the End-Mill");
-        EXPECT_TRUE(Ellipse(0).bHole) << "refused: as it was";
-        AppConfig::m_fEndMillDia = 8.0;   // just fits, without a ring
+        EXPECT_FALSE(Ellipse(4).bHole) << "refused: as it was";
+        AppConfig::m_fEndMillDia = 8.0;
         Click(dialog, "Btn_EllipseHole");
         EXPECT_EQ(Child(dialog, "Btn_EllipseHole").styleSheet(), BTN_BKGND_GREEN);
-        EXPECT_EQ(Shapes().size(), 4u);
+        EXPECT_EQ(Shapes().size(), 5u);
         Click(dialog, "Btn_EllipseHole");
-        AppConfig::m_fEndMillDia = 2.0;
+        Click(dialog, "Btn_Ok");
+    });
+    EXPECT_EQ(Names().value(4), "Ellipse_5");
+    AppConfig::m_fEndMillDia = 2.0;
+    InDialog("Btn_AddEllipse", "CDlgEllipse", [&](QWidget& dialog) { Click(dialog, "Btn_Cancel"); });
+    EXPECT_EQ(Names().size(), 5);
+
+    // A pocket that was there is one thing: opened by any of its rings, with one set of them, and Cancel brings it
+    // back.
+    const auto before = Shapes();
+    Edit(2, "CDlgEllipse", [&](QWidget& dialog) {
+        EXPECT_EQ(Child<QLabel>(dialog, "Lbl_Name").text(), "Ellipse_1_1");
+        EXPECT_EQ(Child(dialog, "Btn_EllipseHole").styleSheet(), BTN_BKGND_GREEN);
+        EXPECT_EQ(Shapes().size(), 5u);
+        m_Host.Type(1.9);
+        Click(dialog, "Btn_EllipseMinorAxisDia");
+        EXPECT_EQ(Log(), "End-mill size too big. Please change the End-Mill");
+        EXPECT_EQ(Child(dialog, "Btn_EllipseMinorAxisDia").text(), "8.0000\nMinor Axis Dia");
+        EXPECT_EQ(Shapes().size(), 5u);
         Click(dialog, "Btn_EllipseHole");
-        EXPECT_EQ(Shapes().size(), 7u);
-        Click(dialog, "Btn_EllipseHole");
-        EXPECT_EQ(Shapes().size(), 4u);
-        Click(dialog, "Btn_EllipseHole");
+        EXPECT_EQ(Shapes().size(), 2u);
         Click(dialog, "Btn_Cancel");
     });
-    EXPECT_EQ(Names().size(), 4);
-    InDialog("Btn_AddEllipse", "CDlgEllipse", [&](QWidget& dialog) { Click(dialog, "Btn_Cancel"); });
-    EXPECT_EQ(Names().size(), 4);
+    ASSERT_EQ(Names().size(), 5);
+    for (size_t n = 0; n < 5; ++n) EXPECT_EQ(Shapes()[n].pEllipse, before[n].pEllipse) << n;
+    EXPECT_TRUE(Ellipse(0).bHole);
+    Edit(0, "CDlgEllipse", [&](QWidget& dialog) {
+        m_Host.Type(6.0);
+        Click(dialog, "Btn_EllipseMinorAxisDia");
+        Click(dialog, "Btn_Ok");
+    });
+    EXPECT_EQ(Names(), QStringList({"Ellipse_1_1", "Ellipse_1_1_1", "Ellipse_1_1_2", "Ellipse_5"}));
+
+    // A new tool, here or from another screen.
+    Shapes().push_back(stEngShape::NewPolygon());
+    Shapes().back().pPolygon->strShapeName = "Shape_1";
+    Shapes().back().pPolygon->bHole = true;
+    m_Host.Type(1.0);
+    Click(m_Screen, "Btn_EndMillDia");
+    EXPECT_EQ(Log(), "Ellipses made anew for the End-Mill of 1 mm: 2|"
+                     "Drawn pockets keep the path of the old End-Mill, draw them anew: Shape_1");
+    EXPECT_EQ(Names().join(' '), "Ellipse_1_1 Ellipse_1_1_1 Ellipse_1_1_2 Ellipse_1_1_3 Ellipse_1_1_4 Ellipse_1_1_5 "
+                                 "Ellipse_5 Shape_1");
+    EXPECT_EQ(Ellipse(6).lstPoints.front().x, 50 + 13.0);
+    AppConfig::m_fEndMillDia = 6.1;   // too wide for the pocket
+    m_Screen.UpdatePlungeFeed();
+    EXPECT_EQ(Log().section('|', 0, 1), "Ellipses made anew for the End-Mill of 6.1 mm: 2|"
+                                        "Ellipse_1_1 has no points: its pocket is narrower than the end-mill");
+    AppConfig::m_fEndMillDia = 2.0;
+    m_Screen.UpdatePlungeFeed();
+    ASSERT_EQ(Names().size(), 5);
+    while (List().currentRow() > 0) Click(m_Screen, "Btn_MoveShapeDown");
+    const auto Delete = [&](QMessageBox::StandardButton eAnswer) {
+        return PressAndAnswer(Child(m_Screen, "Btn_DelShape"), eAnswer);
+    };
+    EXPECT_EQ(Delete(QMessageBox::Cancel), "Warning: Do you want to delete the 2 rings of this pocket too?");
+    EXPECT_EQ(Names().size(), 5);
+    Delete(QMessageBox::Yes);
+    EXPECT_EQ(Names().join(' '), "Ellipse_5 Shape_1");
 }
 }   // namespace

@@ -181,6 +181,9 @@ TEST_F(PolygonDialogs, ChangesVertices)
         EXPECT_EQ(list.currentRow(), 2);
         Drag(At(30, 20), At(60, 45));
         ExpectNear(Path()[2], 60, 45);
+        Drag(At(10, 10), At(12, 14));   // where the path closes
+        ExpectNear(Path().front(), 12, 14);
+        ExpectNear(Path().back(), 12, 14);
         for (int n = 0; n < 20; ++n) {
             QWheelEvent wheel(QPointF(100, 100), View().mapToGlobal(QPointF(100, 100)), {}, QPoint(0, 120), {}, {},
                               Qt::NoScrollPhase, false);

@@ -140,6 +140,16 @@ TEST_F(ShapesScreen, SavesLoadsAndWritesGCode)
     Do("Btn_LoadWorkArea", CAnswer::File(Path("person.xml")));
     EXPECT_EQ(Names().size(), 2);
 
+    Shapes().push_back(stEngShape::NewEllipse());
+    List().addItem("");
+    Shapes().back().pEllipse->bHole = true;
+    Do("Btn_SaveWorkArea", CAnswer::File(Path("pocket")));
+    EXPECT_EQ(Log().section('|', -1),
+              "Hole is not in the file: 1 ellipses will be loaded as outlines, with the tool outside");
+    Do("Btn_LoadWorkArea", CAnswer::File(Path("pocket.xml")));
+    EXPECT_EQ(Log().section('|', -1), "1 ellipses are outlines, with the tool outside: a file does not hold Hole");
+    Shapes().resize(2);
+
     EXPECT_EQ(Do("Btn_GenerateGCode", CAnswer::File(Path("part"))), "Select a file to Save...: ");
     EXPECT_EQ(Log().section('|', -1), "G-Code File Generated");
     EXPECT_TRUE(ReadAll(Path("part.txt")).contains("(Number of Shapes:2.0000)"));
