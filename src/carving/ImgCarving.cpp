@@ -1,5 +1,6 @@
 #include "carving/ImgCarving.h"
 
+#include "common/PictureFile.h"
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 
@@ -23,11 +24,14 @@ std::unique_ptr<QImage> LoadCarvingImage(const QString& strPath, QString& strWhy
         return nullptr;
     }
     auto pImage = std::make_unique<QImage>();
-    if (!reader.read(pImage.get()) || pImage->isNull()) {
-        strWhy = QStringLiteral("Image of up to %1 rows and columns and %2 MB could not be loaded: %3")
-                     .arg(MAX_IMAGE_SIDE)
-                     .arg(QImageReader::allocationLimit())
-                     .arg(reader.errorString());
+    const QString strMissing = WhyNotWhole(strPath);
+    if (!strMissing.isEmpty() || !reader.read(pImage.get()) || pImage->isNull()) {
+        strWhy = WhyTooLarge(strPath);
+        if (strWhy.isEmpty())
+            strWhy = QStringLiteral("Image of up to %1 rows and columns and %2 pixels could not be loaded: %3")
+                         .arg(MAX_IMAGE_SIDE)
+                         .arg(MostPixels())
+                         .arg(strMissing.isEmpty() ? reader.errorString() : strMissing);
         return nullptr;
     }
     if (TooLarge(pImage->size())) {

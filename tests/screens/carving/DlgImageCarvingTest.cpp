@@ -119,7 +119,7 @@ TEST_F(ImageCarving, LoadsAPictureAndFitsItsSizes)
     const QString strEmpty = Folder() + "empty.png";
     WriteAll(strEmpty, "");
     Load(strEmpty);
-    EXPECT_TRUE(Log().starts_with("Image of up to 32767 rows and columns and 128 MB could not be loaded: "));
+    EXPECT_TRUE(Log().starts_with("Image of up to 32767 rows and columns and 33554432 pixels could not be loaded: "));
     Load(QString());
     EXPECT_EQ(Image()->size(), QSize(300, 70));
     AppConfig::m_fAxisMovPerPulse[Y_AXIS] = 0.002;
