@@ -173,6 +173,20 @@ TEST_F(Carving, WhatIsNoPictureIsRefused)
     }
 }
 
+// Eight times 0.1 is a hair below 0.8, nine times below 0.9 and so on.
+TEST_F(Carving, AStepThatGrowsBeyondTheToolIsToldAhead)
+{
+    stImgCarvingData data;
+    data.pImage = std::make_unique<QImage>(40, 40, QImage::Format_Grayscale8);
+    AppConfig::m_fEndMillDia = 1.0;
+    data.pInfo->fLength = data.pInfo->fWidth = 4.0;
+    data.pInfo->fXStep = data.pInfo->fYStep = 0.8;
+    data.pInfo->fDepth = 5.0;
+    EXPECT_EQ(NoticeOfSteps(data, false).toStdString(), "");
+    EXPECT_EQ(NoticeOfSteps(data, true).toStdString(),
+              "The step of 1.1 mm in pass 3 is wider than the End-Mill of 1 mm: material stays in between");
+}
+
 TEST_F(Carving, JobsThatWouldNeverEndOrHaveNoRowAreRefused)
 {
     stImgCarvingData data;
