@@ -14,10 +14,14 @@ CHeadlessScreen::CHeadlessScreen(const QString& strFile, bool bQuiet)
 
 QString CHeadlessScreen::OneLine(const QString& strText)
 {
-    QString strLine = strText;
-    strLine.replace(QLatin1Char('\n'), QStringLiteral(" / "));
-    for (QChar& c : strLine)
-        if (c.category() == QChar::Other_Control) c = QLatin1Char('?');
+    QString strLine;   // built, not replaced in place: that moves the whole rest at each line break
+    strLine.reserve(strText.size());
+    for (const QChar c : strText) {
+        if (c == QLatin1Char('\n'))
+            strLine += QLatin1String(" / ");
+        else
+            strLine += c.category() == QChar::Other_Control ? QLatin1Char('?') : c;
+    }
     return strLine;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <sys/resource.h>
 
 // What a run does: moves, edges, sensors, waits and stops, all of them seen from outside.
 
@@ -275,6 +276,22 @@ TEST_F(RunnerTest, AWaitThatNothingEndsIsToldAndEndsWithStatusThree)
     EXPECT_EQ(Summary()["result"].toString(), "time");
     EXPECT_EQ(Call({"job.ngc", "--max-time", "2000", "--quiet"}).iExit, 3);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)   // which take more than any limit
+TEST_F(RunnerTest, TooLittleMemoryIsToldInASentence)
+{
+    Write("job.ngc", QByteArray("G1 X1 Y1\n").repeated(1'000'000));
+    QProcess process;
+    process.setChildProcessModifier([] {
+        const rlimit limit{160u << 20, 160u << 20};
+        setrlimit(RLIMIT_AS, &limit);
+    });
+    Start(process, {"job.ngc", "--check"});
+    const stResult result = End(process);
+    EXPECT_EQ(result.iExit, 2);
+    EXPECT_TRUE(result.strErr.contains(QLatin1String("not enough memory"))) << result.strErr;
+}
+#endif
 
 struct stStop
 {
