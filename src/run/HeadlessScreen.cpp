@@ -12,6 +12,12 @@ CHeadlessScreen::CHeadlessScreen(const QString& strFile, bool bQuiet)
 {
 }
 
+// What is told before is told at the zero: the clock of before would be another one, and differ from run to run.
+qint64 CHeadlessScreen::SinceBegin() const
+{
+    return m_lBegin < 0 ? 0 : CWait::Now() - m_lBegin;
+}
+
 QString CHeadlessScreen::OneLine(const QString& strText)
 {
     QString strLine;   // built, not replaced in place: that moves the whole rest at each line break
@@ -28,7 +34,7 @@ QString CHeadlessScreen::OneLine(const QString& strText)
 void CHeadlessScreen::AddLogMsg(const QString& strMsg, eAppMsgType eType)
 {
     if (strMsg.isEmpty()) return;
-    const stTold told{CWait::Now() - m_lBegin, m_lLine, eType, OneLine(strMsg)};
+    const stTold told{SinceBegin(), m_lLine, eType, OneLine(strMsg)};
     const std::lock_guard lock(m_Mutex);
     m_lTold = m_lTold + 1;
     if (m_lstTold.size() < MAX_KEPT) m_lstTold.push_back(told);
@@ -76,7 +82,7 @@ void CHeadlessScreen::ShowProgress()
                    .arg(lShare, 3)
                    .arg(static_cast<qint64>(m_lLine))
                    .arg(m_lLines)
-                   .arg(static_cast<double>(CWait::Now() - m_lBegin) / 1e9, 0, 'f', 1)
+                   .arg(static_cast<double>(SinceBegin()) / 1e9, 0, 'f', 1)
                    .toUtf8()
                    .constData(),
                stderr);

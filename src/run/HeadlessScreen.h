@@ -53,13 +53,14 @@ public:
 
 private:
     static constexpr size_t MAX_KEPT = 1000;
+    qint64 SinceBegin() const;
     void Print(const QString& strLine);
     void ClearProgress();
 
     const QString m_strFile;
     const bool m_bQuiet, m_bProgress;
     CShared<qint64> m_lLine = 0, m_lTold = 0;
-    qint64 m_lLines = 0, m_lBegin = 0;
+    qint64 m_lLines = 0, m_lBegin = -1;   // negative: not begun
     std::mutex m_Mutex;
     std::vector<stTold> m_lstTold;
     QElapsedTimer m_Shown;
