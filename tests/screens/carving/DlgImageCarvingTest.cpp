@@ -251,6 +251,7 @@ TEST_F(ImageCarving, RefusesAStartForTheFirstThingThatIsWrong)
 
 TEST_F(ImageCarving, WarnsOfATallPicture)
 {
+    AppConfig::m_fEndMillDia = 60.0;   // as wide as a pixel, and in the next test too: nothing is told of the steps
     for (const int iRows : {2000, 2001}) {
         Load(Save(Ramp(4, iRows)));
         ASSERT_TRUE(m_Screen.StartImgCarving());
@@ -265,6 +266,7 @@ TEST_F(ImageCarving, WarnsOfATallPicture)
 
 TEST_F(ImageCarving, WritesTheProgramUnderATextName)
 {
+    AppConfig::m_fEndMillDia = 7.0;
     Click(Button("GenerateGCode"));
     EXPECT_EQ(Log(), "Please load an image");
     Load(Save(Ramp(30, 20)));
