@@ -1,10 +1,15 @@
 #include "run/Runner.h"
 
 #include <QGuiApplication>
+#include <QUnhandledException>
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <new>
+#include <unistd.h>
 
 // Jobs without a display.
 
@@ -24,6 +29,40 @@ static void CatchSignals()
     sigaction(SIGTERM, &action, nullptr);
 }
 
+// Without memory for a sentence of its own.
+[[noreturn]] static void EndWithoutMemory()
+{
+    static constexpr char SENTENCE[] = "\nvantor-run: there is not enough memory for this job\n";
+    [[maybe_unused]] const auto lWritten = write(STDERR_FILENO, SENTENCE, std::strlen(SENTENCE));
+    _exit(EXIT_USAGE);
+}
+
+// Also from a thread of the job, whose exceptions nobody catches.
+static void OnTerminate()
+{
+    try {
+        if (std::current_exception()) throw;
+    } catch (const std::bad_alloc&) {
+        EndWithoutMemory();
+    } catch (...) {
+    }
+    std::abort();
+}
+
+static eExit Tell(const std::exception_ptr& thrown)
+{
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc&) {
+        EndWithoutMemory();
+    } catch (const QUnhandledException& task) {   // a pooled one's, in a wrapper that does not say what it was
+        return Tell(task.exception());
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vantor-run: %s\n", error.what());
+        return EXIT_USAGE;
+    }
+}
+
 int main(int argc, char* argv[])
 {
     QStringList arguments;
@@ -39,6 +78,7 @@ int main(int argc, char* argv[])
         return EXIT_DONE;
     }
     CatchSignals();
+    std::set_terminate(OnTerminate);
     try {
         int iArguments = 1;
         std::unique_ptr<QCoreApplication> pQt;
@@ -51,8 +91,7 @@ int main(int argc, char* argv[])
             qInstallMessageHandler(fnBefore);
         }
         return CRunner(options).Run();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "vantor-run: %s\n", error.what());
-        return EXIT_USAGE;
+    } catch (...) {
+        return Tell(std::current_exception());
     }
 }

@@ -1,5 +1,7 @@
 #include "carving/ImgCarving.h"
 
+#include "carving/CarvingWalk.h"
+#include "common/PictureFile.h"
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 
@@ -23,11 +25,14 @@ std::unique_ptr<QImage> LoadCarvingImage(const QString& strPath, QString& strWhy
         return nullptr;
     }
     auto pImage = std::make_unique<QImage>();
-    if (!reader.read(pImage.get()) || pImage->isNull()) {
-        strWhy = QStringLiteral("Image of up to %1 rows and columns and %2 MB could not be loaded: %3")
-                     .arg(MAX_IMAGE_SIDE)
-                     .arg(QImageReader::allocationLimit())
-                     .arg(reader.errorString());
+    const QString strMissing = WhyNotWhole(strPath);
+    if (!strMissing.isEmpty() || !reader.read(pImage.get()) || pImage->isNull()) {
+        strWhy = WhyTooLarge(strPath);
+        if (strWhy.isEmpty())
+            strWhy = QStringLiteral("Image of up to %1 rows and columns and %2 pixels could not be loaded: %3")
+                         .arg(MAX_IMAGE_SIDE)
+                         .arg(MostPixels())
+                         .arg(strMissing.isEmpty() ? reader.errorString() : strMissing);
         return nullptr;
     }
     if (TooLarge(pImage->size())) {
@@ -123,6 +128,13 @@ stGridPlan PlanGrid(const stImgCarvingInfo& info, int iRows, int iCols)
     return plan;
 }
 
+// By way of whole units of one pixel: wanted, every row lies on a position that the axis can count.
+void FitSteps(stImgCarvingInfo& info, const stGridPlan& plan)
+{
+    info.fXStep = CUnitConverter::GetDouble(plan.lPixel * plan.iXStepPixels);
+    info.fYStep = CUnitConverter::GetDouble(plan.lPixel * plan.iYStepPixels);
+}
+
 // The least value of each window of a line, every so many values. Two passes over the line, whatever the window's
 // width: a window is the end of one block of its width and the beginning of the next.
 class CLineMinima
@@ -211,9 +223,7 @@ void MakeCarvingGrid(const stImgZProfileInfo& map, stImgCarvingInfo& info)
     const stGridPlan plan = PlanGrid(info, map.iRows, map.iCols);
     info.iRows = static_cast<qint16>(plan.iRows);
     info.iCols = static_cast<qint16>(plan.iCols);
-    // By way of whole units of one pixel: wanted, every row lies on a position that the axis can count.
-    info.fXStep = CUnitConverter::GetDouble(plan.lPixel * plan.iXStepPixels);
-    info.fYStep = CUnitConverter::GetDouble(plan.lPixel * plan.iYStepPixels);
+    FitSteps(info, plan);
     info.iToolPixels = static_cast<qint16>(plan.iToolPixels);
     info.iXStepPixels = static_cast<qint16>(plan.iXStepPixels);
     info.iYStepPixels = static_cast<qint16>(plan.iYStepPixels);
@@ -246,4 +256,32 @@ QString WhyNotStarted(const stImgCarvingData& data)
     const stGridPlan plan = PlanGrid(*data.pInfo, data.pImage->height(), data.pImage->width());
     if (data.pInfo->iStartRow / plan.iYStepPixels < plan.iRows) return {};
     return QStringLiteral("Start Row is behind the last row of the carving");
+}
+
+QString NoticeOfSteps(const stImgCarvingData& data, bool bMultiPass)
+{
+    if (!WhyNotStarted(data).isEmpty()) return {};
+    stImgCarvingInfo info;   // all but the grid
+    info.fLength = data.pInfo->fLength;
+    info.fDepth = data.pInfo->fDepth;
+    info.fXStep = data.pInfo->fXStep;
+    info.fYStep = data.pInfo->fYStep;
+    info.fZStep = data.pInfo->fZStep;
+    double fWidest = 0.0;
+    int iPass = 0;
+    const auto FitsTool = [&fWidest] {
+        return CUnitConverter::GetLong(fWidest) <= CUnitConverter::GetLong(AppConfig::m_fEndMillDia);
+    };
+    RunCarvingPasses(info, bMultiPass, [&] {
+        ++iPass;
+        const double fX = info.fXStep, fY = info.fYStep;
+        FitSteps(info, PlanGrid(info, data.pImage->height(), data.pImage->width()));
+        fWidest = std::max(info.fXStep, info.fYStep);
+        return FitsTool() && (info.fXStep != fX || info.fYStep != fY);   // the same steps stay the same
+    });
+    if (FitsTool()) return {};
+    return QStringLiteral("The step of %1 mm in pass %2 is wider than the End-Mill of %3 mm: material stays in between")
+        .arg(fWidest)
+        .arg(iPass)
+        .arg(AppConfig::m_fEndMillDia);
 }

@@ -81,3 +81,6 @@ void MakeCarvingGrid(const stImgZProfileInfo& map, stImgCarvingInfo& info);
 QString WhyNotCarved(const stImgCarvingData& data);
 // The same, and a start row that is not there: the tool would go beside the work and down to its surface for nothing.
 QString WhyNotStarted(const stImgCarvingData& data);
+// What is odd about the steps of a job that can be started: each pass fits them to the pixels anew, and a pixel that is
+// a hair below its rounded size makes them grow, in the end beyond the tool. Empty: nothing.
+QString NoticeOfSteps(const stImgCarvingData& data, bool bMultiPass);

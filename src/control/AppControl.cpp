@@ -191,6 +191,7 @@ bool AppControl::StartImgCarving()
 {
     if (!ClaimForJob()) return false;
     if (const QString strWhy = WhyNotStarted(m_stImgCarvingData); !strWhy.isEmpty()) return Refuse(strWhy);
+    m_uCurCarvingPass = 0;
     return LaunchJob(OP_IMG_CARVING, !AppConfig::m_bSimulationMode);
 }
 

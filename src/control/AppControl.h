@@ -178,4 +178,6 @@ public:
     stShapeCuttingInfo*& m_pShapeCuttingInfo = m_ShapeCutter.m_pShapeCuttingInfo;
     stImgCarvingData& m_stImgCarvingData = m_Carver.m_stImgCarvingData;
     CShared<quint16>& m_iCurCarvingRow = m_Carver.m_iCurCarvingRow;
+    CShared<quint32>& m_uCurCarvingPass = m_Carver.m_uCurCarvingPass;
+    const CShared<double>&m_fXStepInForce = m_Carver.m_fXStepInForce, &m_fYStepInForce = m_Carver.m_fYStepInForce;
 };

@@ -9,6 +9,7 @@
 
 static constexpr int PWM_CLOCK = 19200000;   // Hz, the oscillator behind the divider
 static constexpr int PWM_RANGE = 1024;
+static constexpr int MAX_DIVISOR = 4095;   // of 12 bits: a larger one would be cut to another frequency
 static constexpr int PWM_MODE = 1;
 static constexpr int PIN_MODE_PWM = 8;   // mark-space output
 static constexpr int PIN_MODE_OFF = 7;
@@ -84,7 +85,7 @@ void CVANTORGPIO::PwmStart()
 {
     const int iFreq = AppConfig::m_stPwmSpndlSettings.iCurFreq;
     const int iDivisor = iFreq > 0 ? PWM_CLOCK / iFreq / PWM_RANGE : 0;
-    if (iDivisor < 1) {
+    if (iDivisor < 1 || iDivisor > MAX_DIVISOR) {
         COperatorScreen::Get().AddLogMsg(
             QStringLiteral("Spindle PWM not started: a frequency of %1 Hz cannot be made").arg(iFreq), MSG_ERROR);
         return;

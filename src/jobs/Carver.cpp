@@ -86,9 +86,14 @@ bool CCarver::ImgCarving()
 bool CCarver::CarvePass()
 {
     CreateImgZProfile();
+    const stImgCarvingInfo& info = *m_stImgCarvingData.pInfo;
+    m_iCurCarvingRow = static_cast<quint16>(info.iStartRow / info.iYStepPixels * info.iYStepPixels);
+    m_fXStepInForce = info.fXStep;
+    m_fYStepInForce = info.fYStep;
+    m_uCurCarvingPass = m_uCurCarvingPass + 1;   // last: whoever reads it finds the rest
     m_Machine.m_AxisCommands.ResetAccVel();
     CCarvingTool tool(m_Machine, m_iCurCarvingRow);
-    return CCarvingWalk(*m_stImgCarvingData.pInfo, tool).Run();
+    return CCarvingWalk(info, tool).Run();
 }
 
 void CCarver::RunImgCarving()

@@ -23,6 +23,9 @@ public:
 
     stImgCarvingData m_stImgCarvingData;
     CShared<quint16> m_iCurCarvingRow = 0;   // of the picture
+    // Of this pass, the first is 1; in force from then on. 0: not begun.
+    CShared<quint32> m_uCurCarvingPass = 0;
+    CShared<double> m_fXStepInForce = 0.0, m_fYStepInForce = 0.0;   // mm
 
 private:
     bool CarvePass();

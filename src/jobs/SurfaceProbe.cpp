@@ -2,6 +2,7 @@
 
 #include "common/OperatorScreen.h"
 #include "config/AppConfig.h"
+#include "zprofile/ZProfileFile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -104,6 +105,7 @@ void CSurfaceProbe::CreateZProfile()
     if (!CSurfaceWalk(m_Machine).Run()) return;
 
     if (grid.size() <= 1 || grid.front().size() <= 1) grid.clear();   // no cell to look up a height in
+    if (EndUseOfNoZProfile()) TellNotice(Z_PROFILE_NOT_USED);
     const double fOffset = AppConfig::m_ZProfileInfo.fZStart;
     if (!(std::abs(fOffset) > SMALL_NUMBER_TO_AVOID_ROUND_ERRORS)) return;
     for (auto& row : grid)

@@ -29,7 +29,7 @@ private:
 };
 
 // What the clocks of a dry run share: the events that touch a running loop. No clock jumps over such an event; it is
-// applied to this loop only, and later, by the worker, to everything else.
+// applied to this loop only, and later, by the worker, to everything else. Nor does one go beyond the end of time.
 class CDryClock
 {
 public:
@@ -42,6 +42,8 @@ public:
     qint64 AbsoluteNow() const { return m_lStart + m_lNow; }
 
 protected:
+    // The end of time, since the start.
+    qint64 Last() const { return CVirtualTime::END - m_lStart; }
     // Moves to lTo (ns since the start), or no further where an event ends the loop.
     void JumpTo(qint64 lTo)
     {
@@ -81,13 +83,17 @@ private:
                 if (!m_bRun.Relaxed()) break;
             }
         FindNextEvent(m_uNext);
+        if (!m_bRun.Relaxed() || lTo < Last()) return;
+        m_lStopped = Last();
+        m_Time.RunOut();
+        m_bRun.SetRelaxed(false);
     }
     void FindNextEvent(size_t uFrom)
     {
         const auto& events = m_Time.Events();
         for (m_uNext = uFrom; m_uNext < events.size() && !events[m_uNext].fnLoop; ++m_uNext) {
         }
-        m_lEvent = m_uNext < events.size() ? events[m_uNext].lAt - m_lStart : std::numeric_limits<qint64>::max();
+        m_lEvent = m_uNext < events.size() ? std::min(Last(), events[m_uNext].lAt - m_lStart) : Last();
     }
 
     CVirtualTime& m_Time;
@@ -110,7 +116,8 @@ public:
     qint64 nsecsElapsed() const { return m_lNow; }
     void Hold(double fNs, const CShared<bool>&)
     {
-        const qint64 lTo = m_lNow + std::max<qint64>(0, static_cast<qint64>(std::ceil(fNs)));
+        const double fLeft = static_cast<double>(Last() - m_lNow);
+        const qint64 lTo = fNs < fLeft ? m_lNow + std::max<qint64>(0, static_cast<qint64>(std::ceil(fNs))) : Last();
         if (fNs <= LONG_HOLD_NS)
             JumpTo(lTo);
         else
@@ -129,10 +136,14 @@ public:
     void start() { JumpTo(0); }
     qint64 nsecsElapsed()
     {
-        quint64 uNext = std::numeric_limits<quint64>::max();
-        for (const stAxisTrack& t : m_Tracks)
-            if (!t.bDone && t.uNextEdge < uNext) uNext = t.uNextEdge;
-        if (uNext != std::numeric_limits<quint64>::max()) JumpBefore(std::max(m_lNow, static_cast<qint64>(uNext)));
+        auto uNext = static_cast<quint64>(Last());
+        bool bDone = true;
+        for (const stAxisTrack& t : m_Tracks) {
+            if (t.bDone) continue;
+            bDone = false;
+            uNext = std::min(uNext, t.uNextEdge);
+        }
+        if (!bDone) JumpBefore(std::max(m_lNow, static_cast<qint64>(uNext)));
         return m_lNow;
     }
     void Hold(double, const CShared<bool>&) const {}

@@ -3,6 +3,7 @@
 #include "common/UnitConverter.h"
 #include "config/AppConfig.h"
 
+#include <algorithm>
 #include <cmath>
 
 // The arithmetic here is the required one, additions included; a closed form would give other tables than the
@@ -99,6 +100,13 @@ void BuildSCurve(const stRampJob& job, std::vector<double>& accList)
 }
 }   // namespace
 
+double FirstSpeed(const stRampSettings& settings, double fVel, double fAcc)
+{
+    const double fSample = static_cast<double>(settings.uSampleUs) / 1e6;
+    const double fFirstAcc = settings.bSCurve ? std::min(fAcc, settings.fRateOfAcc * fSample) : fAcc;
+    return std::min(fVel, fFirstAcc * fSample) / settings.fStep;
+}
+
 QString WhyNoRamp(const stRampSettings& settings, double fVel, double fAcc)
 {
     // Written so that "not a number" is refused too.
@@ -111,6 +119,8 @@ QString WhyNoRamp(const stRampSettings& settings, double fVel, double fAcc)
         return QStringLiteral("rate of acceleration must be greater than zero");
     if (!(EstimateEntries(settings, fVel, fAcc) <= static_cast<double>(MAX_RAMP_ENTRIES)))
         return QStringLiteral("acceleration is too low for this feed");
+    if (!(1e9 / FirstSpeed(settings, fVel, fAcc) <= MAX_PULSE_NS))
+        return QStringLiteral("feed or acceleration is too low: a pulse would last longer than a clock can count");
     return QString();
 }
 

@@ -13,7 +13,7 @@ static CShared<const AppControl*> g_pApp = nullptr;
 
 static qint64 Ns(double fSeconds)
 {
-    return std::llround(fSeconds * 1e9);
+    return std::llround(std::min(fSeconds * 1e9, static_cast<double>(CVirtualTime::END)));
 }
 
 CAutoOperator::CAutoOperator(AppControl& app, CHeadlessScreen& screen, const stRunOptions& options)

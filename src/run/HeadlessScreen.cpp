@@ -12,19 +12,29 @@ CHeadlessScreen::CHeadlessScreen(const QString& strFile, bool bQuiet)
 {
 }
 
+// What is told before is told at the zero: the clock of before would be another one, and differ from run to run.
+qint64 CHeadlessScreen::SinceBegin() const
+{
+    return m_lBegin < 0 ? 0 : CWait::Now() - m_lBegin;
+}
+
 QString CHeadlessScreen::OneLine(const QString& strText)
 {
-    QString strLine = strText;
-    strLine.replace(QLatin1Char('\n'), QStringLiteral(" / "));
-    for (QChar& c : strLine)
-        if (c.category() == QChar::Other_Control) c = QLatin1Char('?');
+    QString strLine;   // built, not replaced in place: that moves the whole rest at each line break
+    strLine.reserve(strText.size());
+    for (const QChar c : strText) {
+        if (c == QLatin1Char('\n'))
+            strLine += QLatin1String(" / ");
+        else
+            strLine += c.category() == QChar::Other_Control ? QLatin1Char('?') : c;
+    }
     return strLine;
 }
 
 void CHeadlessScreen::AddLogMsg(const QString& strMsg, eAppMsgType eType)
 {
     if (strMsg.isEmpty()) return;
-    const stTold told{CWait::Now() - m_lBegin, m_lLine, eType, OneLine(strMsg)};
+    const stTold told{SinceBegin(), m_lLine, eType, OneLine(strMsg)};
     const std::lock_guard lock(m_Mutex);
     m_lTold = m_lTold + 1;
     if (m_lstTold.size() < MAX_KEPT) m_lstTold.push_back(told);
@@ -71,7 +81,7 @@ void CHeadlessScreen::ShowProgress()
                    .arg(lShare, 3)
                    .arg(static_cast<qint64>(m_lLine))
                    .arg(m_lLines)
-                   .arg(static_cast<double>(CWait::Now() - m_lBegin) / 1e9, 0, 'f', 1)
+                   .arg(static_cast<double>(SinceBegin()) / 1e9, 0, 'f', 1)
                    .toUtf8()
                    .constData(),
                stderr);

@@ -57,6 +57,7 @@ public:
 
 private:
     static constexpr size_t MAX_KEPT = 1000;
+    qint64 SinceBegin() const;
     void Print(const QString& strLine);
     void ClearProgress();
 
@@ -64,7 +65,7 @@ private:
     QString m_strLineForm = QStringLiteral(":%1:");
     const bool m_bQuiet, m_bProgress;
     CShared<qint64> m_lLine = 0, m_lTold = 0;
-    qint64 m_lLines = 0, m_lBegin = 0;
+    qint64 m_lLines = 0, m_lBegin = -1;   // negative: not begun
     std::mutex m_Mutex;
     std::vector<stTold> m_lstTold;
     QElapsedTimer m_Shown;

@@ -81,6 +81,8 @@ void CPictureJob::Fit()
     }
     if (FitStep(info.fZStep, AppConfig::m_fAxisMovPerPulse[Z_AXIS]))
         TellNotice(QStringLiteral("Z Axis step must be \na multiple of Z Axis Mov/Pulse"));
+    if (const QString strSteps = NoticeOfSteps(m_Data, AppConfig::m_bMultipassImgCarving); !strSteps.isEmpty())
+        TellNotice(strSteps);
 }
 
 std::vector<stJobError> CPictureJob::Errors() const

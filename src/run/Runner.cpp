@@ -187,6 +187,9 @@ void CRunner::HookDryRun()
     m_pTime->m_fnStuck = [this] {
         m_pOperator->EmergencyStop(QStringLiteral("the program waits for what will never come"), EXIT_TIME);
     };
+    m_pTime->m_fnRunOut = [this] {
+        m_pOperator->EmergencyStop(QStringLiteral("the clock of the dry run has come to its end"), EXIT_TIME);
+    };
     m_pTime->m_fnInterrupted = [this] { m_pOperator->EmergencyStop(QStringLiteral("interrupted"), EXIT_INTERRUPTED); };
     m_pOperator->PlanEvents(*m_pTime);
     g_pTime = m_pTime.get();

@@ -33,6 +33,7 @@ private:
     bool PrepareSettings();
     bool PrepareJob();
     bool LoadFromStream(QFile& file, QString& strPath);
+    bool LoadGrid(const QString& strPath);
     bool LoadSurface();
     bool LoadProfile();
     bool PrepareOutputs();

@@ -114,15 +114,22 @@ bool CRunner::LoadFromStream(QFile& file, QString& strPath)
     return copy.flush();
 }
 
+// One row would be followed by no move, without a word.
+bool CRunner::LoadGrid(const QString& strPath)
+{
+    if (const QString strWhy = WhyUnreadable(strPath); !strWhy.isEmpty()) return Fail(strWhy);
+    if (LoadZProfile(strPath) && HasZProfile() && AppConfig::m_ZProfileInfo.lstPoints.size() > 1) return true;
+    return Fail(strPath + QStringLiteral(": is not a profile of at least 2 by 2 points"));
+}
+
 bool CRunner::LoadSurface()
 {
     bool bFlat = true;
     m_fFlat = m_Options.strSurface.isEmpty() ? 0.0 : m_Options.strSurface.toDouble(&bFlat);
     if (bFlat) return qIsFinite(m_fFlat) || Fail(m_Options.strSurface + QStringLiteral(": is not a height"));
-    if (const QString strWhy = WhyUnreadable(m_Options.strSurface); !strWhy.isEmpty()) return Fail(strWhy);
-    const bool bLoaded = LoadZProfile(m_Options.strSurface);
+    if (!LoadGrid(m_Options.strSurface)) return false;
     m_Surface = CSurface(std::exchange(AppConfig::m_ZProfileInfo.lstPoints, {}));
-    return (bLoaded && !m_Surface.IsEmpty()) || Fail(m_Options.strSurface + QStringLiteral(": is not a profile"));
+    return true;
 }
 
 // Told in work coordinates as the run begins; the machine lives in its own.
@@ -138,9 +145,7 @@ void CRunner::PutSurfaceUnderTheProbe()
 bool CRunner::LoadProfile()
 {
     if (m_Options.strZProfile.isEmpty()) return true;
-    if (const QString strWhy = WhyUnreadable(m_Options.strZProfile); !strWhy.isEmpty()) return Fail(strWhy);
-    if (!LoadZProfile(m_Options.strZProfile) || !HasZProfile())
-        return Fail(m_Options.strZProfile + QStringLiteral(": is not a profile of at least 2 by 2 points"));
+    if (!LoadGrid(m_Options.strZProfile)) return false;
     AppConfig::m_bUseZProfile = true;
     return true;
 }

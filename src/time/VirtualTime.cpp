@@ -1,6 +1,7 @@
 #include "time/VirtualTime.h"
 
 #include <algorithm>
+#include <utility>
 
 CVirtualTime* CVirtualTime::m_pCurrent = nullptr;
 
@@ -37,6 +38,7 @@ void CVirtualTime::RunWhatIsDue()
         m_bInterruptTold = true;
         if (m_fnInterrupted) m_fnInterrupted();
     }
+    if (std::exchange(m_bRunOut, false) && m_fnRunOut) m_fnRunOut();
     for (stSlot& slot : m_Slots) {
         if (!slot.pRun || slot.lEnd != FOREVER || !slot.pRun->IsDue()) continue;
         slot.lEnd = std::max(m_lNow, slot.pRun->Run(m_lNow));

@@ -37,6 +37,8 @@ class CVirtualTime
 {
 public:
     static constexpr qint64 FOREVER = std::numeric_limits<qint64>::max();
+    // 146 years: no loop runs beyond it, so that no time of an edge is more than its 64 bits can tell.
+    static constexpr qint64 END = qint64{1} << 62;
     static constexpr int RUNS = 6;   // 0 the coordinated moves, 1 to 5 the axes X to B; ties go in this order
 
     CVirtualTime();
@@ -87,12 +89,16 @@ public:
     std::function<void(qint64 lTo)> m_fnAdvance;
     // Called for a wait that nothing will ever end.
     std::function<void()> m_fnStuck;
+    // Called once where a loop has come to the end of time, and ends there.
+    std::function<void()> m_fnRunOut;
     // Called on the worker's thread soon after Interrupt.
     std::function<void()> m_fnInterrupted;
 
     // From a signal handler: pulse loops end at their next clock reading.
     void Interrupt() { m_bInterrupt.SetRelaxed(true); }
     bool IsInterrupted() const { return m_bInterrupt.Relaxed(); }
+    // From a pulse loop.
+    void RunOut() { m_bRunOut = true; }
 
 private:
     struct stSlot
@@ -117,5 +123,5 @@ private:
     std::array<stSlot, RUNS> m_Slots;
     std::vector<stVirtualEvent> m_lstEvents;
     CShared<bool> m_bInterrupt = false;
-    bool m_bInterruptTold = false;
+    bool m_bInterruptTold = false, m_bRunOut = false;
 };

@@ -251,21 +251,6 @@ void MainWindow::AddLogMsg(const QString& strMsg, eAppMsgType eMsgType)
     m_pLog->Add(strMsg, eMsgType);
 }
 
-// The box is not opened from within the call: in a tick of the supervision loop it would keep the inputs from being
-// read. At start-up there is no tick yet.
-void MainWindow::ShowCriticalBox(const QString& strTitle, const QString& strText)
-{
-    const auto fnShow = [this, strTitle, strText] {
-        QMessageBox box(QMessageBox::Critical, strTitle, strText, QMessageBox::Ok, this);
-        if (!IsMachineFree()) AddStop(box);
-        box.exec();
-    };
-    if (m_bStarting)
-        fnShow();
-    else
-        QMetaObject::invokeMethod(this, fnShow, Qt::QueuedConnection);
-}
-
 void MainWindow::ClearToolGraphics()
 {
     if (!PostToInterface([this] { ClearToolGraphics(); })) m_pPicture->Clear();

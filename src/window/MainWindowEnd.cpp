@@ -1,4 +1,4 @@
-// How the window ends: whether it may close, and what is left behind it.
+// How the window ends: whether it may close, and what is left behind it; and the boxes that carry a Stop.
 #include "hardware/VantorGpio.h"
 #include "motion/AllAxisCtrl.h"
 #include "ui_MainWindow.h"
@@ -39,6 +39,21 @@ void MainWindow::AddStop(QMessageBox& box)
     connect(pStop, &QPushButton::pressed, this, [this] {
         if (CSupervision::WhyNotReleased().isEmpty()) m_pStartStop->ToggleStop();
     });
+}
+
+// The box is not opened from within the call: in a tick of the supervision loop it would keep the inputs from being
+// read. At start-up there is no tick yet.
+void MainWindow::ShowCriticalBox(const QString& strTitle, const QString& strText)
+{
+    const auto fnShow = [this, strTitle, strText] {
+        QMessageBox box(QMessageBox::Critical, strTitle, strText, QMessageBox::Ok, this);
+        if (!IsMachineFree()) AddStop(box);
+        box.exec();
+    };
+    if (m_bStarting)
+        fnShow();
+    else
+        QMetaObject::invokeMethod(this, fnShow, Qt::QueuedConnection);
 }
 
 void MainWindow::StopForGood()

@@ -18,6 +18,11 @@ bool HasZProfile()
     return !Grid().empty() && Grid().front().size() > 1;
 }
 
+bool EndUseOfNoZProfile()
+{
+    return Grid().empty() && AppConfig::m_bUseZProfile.Exchange(false);
+}
+
 QString ZProfileFileName(const QString& strName)
 {
     const QString strEnding = QStringLiteral(".txt");
@@ -28,9 +33,14 @@ bool SaveZProfile(const QString& strPath)
 {
     QByteArray content;
     QTextStream out(&content);
-    out << Grid().size() << '\n' << (Grid().empty() ? 0 : Grid().front().size()) << '\n';
+    size_t uNodes = 0;
+    for (const auto& row : Grid()) uNodes = std::max(uNodes, row.size());
+    out << Grid().size() << '\n' << uNodes << '\n';
     for (const auto& row : Grid())
-        for (const stFloatPoint& node : row) out << node.x << ',' << node.y << ',' << node.z << '\n';
+        for (size_t n = 0; n < uNodes; ++n) {
+            const stFloatPoint node = row.empty() ? stFloatPoint{} : row[std::min(n, row.size() - 1)];
+            out << node.x << ',' << node.y << ',' << node.z << '\n';
+        }
     out.flush();
     return ReplaceFile(strPath, content);
 }

@@ -10,12 +10,16 @@ inline QString ZProfileNotCreated()
 {
     return QStringLiteral("Z-Profile not created!\nPlease create z-profile with atleast 2X2 Points");
 }
+inline const QString Z_PROFILE_NOT_USED = QStringLiteral("Use Z Profile is off: there is no Z-Profile");
 // False: the grid is empty, or row 0 has one node or less.
 bool HasZProfile();
+// Without a grid no move may follow one: true where that was on, and is now off.
+bool EndUseOfNoZProfile();
 
 // The name with ".txt" behind it where it does not end so; upper case does not count.
 QString ZProfileFileName(const QString& strName);
 
+// One count serves all rows of the file: a row short of the longest one repeats its last node, as the moves read it.
 // Writes the grid under exactly this name. False: the disk refuses; an older file then stands as it was.
 bool SaveZProfile(const QString& strPath);
 

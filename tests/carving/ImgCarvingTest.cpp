@@ -146,15 +146,45 @@ TEST_F(Carving, WhatIsNoPictureIsRefused)
         EXPECT_FALSE(Load(Save(QImage(size, QImage::Format_Grayscale8))));
         EXPECT_EQ(m_strWhy.toStdString(), "Image must not have more than 32767 rows or columns");
     }
+    EXPECT_TRUE(Load(Save(QImage(8192, 4096, QImage::Format_Grayscale8))));
+    EXPECT_FALSE(Load(Save(QImage(8192, 4097, QImage::Format_Grayscale8))));
+    EXPECT_EQ(m_strWhy.toStdString(), "Image must not have more than 33554432 pixels: it has 8192 by 4097");
     const QByteArray tall = "P5 1 40000 255\n" + QByteArray(40000, '\x40');   // a format whose reader says no more
     WriteAll(m_Home.filePath("tall.pgm"), tall);
     WriteAll(m_Home.filePath("empty.png"), QByteArray());
     WriteAll(m_Home.filePath("text.jpg"), "no picture");
-    for (const char* szName : {"empty.png", "text.jpg", "missing.png", "tall.pgm"}) {
+    // Readers take half a picture without a word. The end of the small one in a JPEG's headers is none of its own.
+    const QByteArray small = "\xFF\xD8\xFF\xE1" + QByteArray("\0\x06\xFF\xD8\xFF\xD9", 6);
+    for (const char* szName : {"half.bmp", "half.jpg"}) {
+        QImage image(64, 64, QImage::Format_Grayscale8);
+        image.fill(99);
+        const QString strPath = Save(image, szName);
+        QByteArray bytes = ReadAll(strPath);
+        if (bytes.startsWith("\xFF\xD8")) bytes = small + bytes.mid(2);
+        WriteAll(strPath, bytes);
+        EXPECT_TRUE(Load(strPath)) << m_strWhy.toStdString();
+        WriteAll(strPath, bytes.chopped(1));
+    }
+    for (const char* szName : {"empty.png", "text.jpg", "missing.png", "tall.pgm", "half.bmp", "half.jpg"}) {
         EXPECT_FALSE(Load(m_Home.filePath(szName))) << szName;
-        EXPECT_TRUE(m_strWhy.startsWith("Image of up to 32767 rows and columns and 128 MB could not be loaded: "))
+        EXPECT_TRUE(
+            m_strWhy.startsWith("Image of up to 32767 rows and columns and 33554432 pixels could not be loaded: "))
             << m_strWhy.toStdString();
     }
+}
+
+// Eight times 0.1 is a hair below 0.8, nine times below 0.9 and so on.
+TEST_F(Carving, AStepThatGrowsBeyondTheToolIsToldAhead)
+{
+    stImgCarvingData data;
+    data.pImage = std::make_unique<QImage>(40, 40, QImage::Format_Grayscale8);
+    AppConfig::m_fEndMillDia = 1.0;
+    data.pInfo->fLength = data.pInfo->fWidth = 4.0;
+    data.pInfo->fXStep = data.pInfo->fYStep = 0.8;
+    data.pInfo->fDepth = 5.0;
+    EXPECT_EQ(NoticeOfSteps(data, false).toStdString(), "");
+    EXPECT_EQ(NoticeOfSteps(data, true).toStdString(),
+              "The step of 1.1 mm in pass 3 is wider than the End-Mill of 1 mm: material stays in between");
 }
 
 TEST_F(Carving, JobsThatWouldNeverEndOrHaveNoRowAreRefused)

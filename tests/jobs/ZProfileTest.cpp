@@ -33,8 +33,10 @@ TEST_F(ZProfile, AnExtentWithoutACellKeepsNothing)
     for (const auto& [fLength, fWidth, uRows] : {std::tuple{20.0, 0.0, 0u}, {0.0, 10.0, 0u}, {0.5, 0.5, 2u}}) {
         m_Info.fLength = fLength;
         m_Info.fWidth = fWidth;
+        AppConfig::m_bUseZProfile = true;
         m_App.CreateZProfile();
         EXPECT_EQ(m_Info.lstPoints.size(), uRows);
+        EXPECT_EQ(bool(AppConfig::m_bUseZProfile), uRows > 0);
     }
     EXPECT_EQ(m_App.TakeErrors(), QStringList());
 }

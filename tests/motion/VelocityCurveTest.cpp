@@ -44,6 +44,8 @@ TEST_F(VelocityCurve, ARefusedBuildLeavesTheTablesAndMarksTheAxisUntilTheNextGoo
     } refusals[] = {{15, 0, &fNone, 0},
                     {15, fNan, &fNone, 0},
                     {0, 600, &fNone, 0},
+                    {1e-15, 600, &fNone, 0},   // pulses that no clock can count, at full speed and at first
+                    {1e-11, 1e-11, &fNone, 0},
                     {1500, 200, &fNone, 0},   // a ramp beyond 4 million entries
                     {15, 600, &AppConfig::m_fAxisMovPerPulse[X_AXIS], 0.00008},
                     {15, 600, &AppConfig::m_fAxisDutyCycle[X_AXIS], 0},

@@ -18,6 +18,7 @@ TEST_P(BadCall, EndsWithStatusTwoAndSaysWhy)
     Write("job.ngc", SQUARE);
     Write("empty.ngc", "");
     Write("prof.txt", "0\n0\n");
+    Write("row.txt", "1\n2\n0,0,0\n1,0,0\n");
     const stResult result = Call(Words(GetParam().szArguments));
     EXPECT_EQ(result.iExit, 2);
     EXPECT_TRUE(result.strErr.contains(QLatin1String(GetParam().szWhy))) << result.strErr;
@@ -37,6 +38,8 @@ INSTANTIATE_TEST_SUITE_P(
         stBadCall{"job.ngc --config missing.dat", "missing.dat"}, stBadCall{"job.ngc --z-profile prof.txt", "prof.txt"},
         stBadCall{"job.ngc --surface missing.txt", "missing.txt"},
         stBadCall{"job.ngc --surface prof.txt", "prof.txt: is not a profile"},
+        stBadCall{"job.ngc --surface row.txt", "row.txt: is not a profile"},
+        stBadCall{"job.ngc --z-profile row.txt", "row.txt: is not a profile"},
         stBadCall{"job.ngc --z-profile a --make-z-profile b", "exclude each other"},
         stBadCall{"job.ngc --moves nowhere/m.csv", "nowhere/m.csv"},
         stBadCall{"job.ngc --picture job.ngc", "would be overwritten"},

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <sys/resource.h>
 
 // What a run does: moves, edges, sensors, waits and stops, all of them seen from outside.
 
@@ -275,6 +276,33 @@ TEST_F(RunnerTest, AWaitThatNothingEndsIsToldAndEndsWithStatusThree)
     EXPECT_EQ(Summary()["result"].toString(), "time");
     EXPECT_EQ(Call({"job.ngc", "--max-time", "2000", "--quiet"}).iExit, 3);
 }
+
+TEST_F(RunnerTest, AFeedThatNoClockCanCountIsRefusedAndASlowOneEndsWithTheClock)
+{
+    Write("job.ngc", "G1 X1\nM30\n");
+    const stResult refused = Call({"job.ngc", "--set", "m_fUserAxisFeed=1e-15"});
+    EXPECT_EQ(refused.iExit, 1);
+    EXPECT_TRUE(refused.strErr.contains(QLatin1String("a pulse would last longer"))) << refused.strErr;
+    const stResult ended = Call({"job.ngc", "--set", "m_fUserAxisFeed=1e-12"});
+    EXPECT_EQ(ended.iExit, 3);
+    EXPECT_TRUE(ended.strErr.contains(QLatin1String("clock of the dry run has come to its end"))) << ended.strErr;
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)   // which take more than any limit
+TEST_F(RunnerTest, TooLittleMemoryIsToldInASentence)
+{
+    Write("job.ngc", QByteArray("G1 X1 Y1\n").repeated(1'000'000));
+    QProcess process;
+    process.setChildProcessModifier([] {
+        const rlimit limit{160u << 20, 160u << 20};
+        setrlimit(RLIMIT_AS, &limit);
+    });
+    Start(process, {"job.ngc", "--check"});
+    const stResult result = End(process);
+    EXPECT_EQ(result.iExit, 2);
+    EXPECT_TRUE(result.strErr.contains(QLatin1String("not enough memory"))) << result.strErr;
+}
+#endif
 
 struct stStop
 {

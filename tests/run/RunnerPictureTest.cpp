@@ -163,6 +163,12 @@ TEST_F(RunnerPicture, SizesAreFittedAndBadJobsRefused)
     EXPECT_TRUE(fitted.strErr.contains("Length and Width adjusted")) << fitted.strErr;
     EXPECT_TRUE(fitted.strErr.contains("The step of 1.5 is adjusted to 1.334")) << fitted.strErr;
 
+    // What is told before the machine's clock runs is told at its zero.
+    EXPECT_EQ(Call(Words("blocks.png --job fWidth=20 --job fDepth=0.1 --summary told.json --quiet")).iExit, 0);
+    const QJsonObject told = Summary("told.json")["messages"][0].toObject();
+    EXPECT_TRUE(told["text"].toString().contains("Length and Width adjusted"));
+    EXPECT_EQ(told["time_s"].toDouble(), 0.0);
+
     const struct
     {
         const char *szCall, *szWhy;

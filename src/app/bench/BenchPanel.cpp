@@ -134,12 +134,22 @@ void CBenchPanel::on_Btn_Plate_clicked(bool bOn)
         m_Machine.SetFlatSurface(-std::numeric_limits<double>::infinity());
 }
 
-void CBenchPanel::ShowBeside(const QWidget& window)
+CBenchPanel::stPlaces CBenchPanel::PlacesOn(const QRect& screen, const QRect& window, QSize panel)
 {
     static constexpr int GAP = 8;   // pixels
+    const auto Within = [](int iPlace, int iFirst, int iEnd) { return std::max(iFirst, std::min(iPlace, iEnd)); };
+    const int iTop = Within(window.top(), screen.top(), screen.top() + screen.height() - window.height());
+    const int iRoom = screen.width() - window.width() - GAP - panel.width();
+    const int iLeft = Within(window.left(), screen.left(), screen.left() + std::max(0, iRoom));
+    return {{iLeft, iTop}, {iRoom < 0 ? screen.left() : iLeft + window.width() + GAP, iTop}};
+}
+
+void CBenchPanel::ShowBeside(QWidget& window)
+{
     adjustSize();
-    const QRect area = window.screen()->availableGeometry(), beside = window.frameGeometry();
-    move(std::min(beside.right() + GAP, area.right() - width()), std::max(area.top(), beside.top()));
+    const stPlaces places = PlacesOn(window.screen()->availableGeometry(), window.frameGeometry(), size());
+    window.move(places.window);
+    move(places.panel);
     show();
     connect(&window, &QObject::destroyed, this, &QWidget::close);
 }

@@ -2,6 +2,7 @@
 #include "platform/virtual/VirtualMachine.h"
 
 #include <QElapsedTimer>
+#include <QRect>
 #include <QString>
 #include <QTimer>
 #include <QWidget>
@@ -40,8 +41,15 @@ public:
     CBenchPanel(CVirtualMachine& machine, const stWiring& wiring);
     ~CBenchPanel() override;
 
-    // To the right of the window where the screen has room, else over the screen's right edge. It closes with it.
-    void ShowBeside(const QWidget& window);
+    struct stPlaces
+    {
+        QPoint window, panel;
+    };
+    // Side by side, the window no further to the left than it must be. Where the screen has no room for both, the panel
+    // lies over the window's left edge: Stop is at the right one.
+    static stPlaces PlacesOn(const QRect& screen, const QRect& window, QSize panel);
+    // There. It closes with the window.
+    void ShowBeside(QWidget& window);
 
 private slots:
     void on_Btn_EStop_clicked(bool bOn) { m_Machine.PressEmergencyStop(bOn); }

@@ -24,6 +24,12 @@ static constexpr int MARK_ROWS = 3;
 static constexpr int WORKER_POLL_MS = 20;
 static constexpr int TALL_IMAGE = 2000;   // rows; the worker takes a while before the first move
 
+// As RunCarvingPasses counts them: what is left of less than a hundredth of a micrometre is no pass.
+static quint32 PassesOf(const stImgCarvingInfo& info)
+{
+    return static_cast<quint32>(std::max(1.0, std::ceil((info.fDepth - 1e-5) / info.fZStep)));
+}
+
 static QString LoadAnImage()
 {
     return QStringLiteral("Please load an image");
@@ -83,6 +89,7 @@ void CDlgImageCarving::ResetUI(bool bEnable)
     m_bEnableWanted = bEnable;
     const bool bFree = bEnable && !Host().IsWorkerRunning();
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setEnabled(bFree);
+    if (bFree) ShowSizes();   // the steps as the last pass has fitted them
     if (bEnable == bFree) return;
     QTimer::singleShot(WORKER_POLL_MS, this, [this] {
         if (m_bEnableWanted) ResetUI(true);
@@ -161,6 +168,7 @@ void CDlgImageCarving::LoadImageFrom(const QString& strPath)
     if (!pImage) return LogError(strWhy);
     if (!strNotice.isEmpty()) Host().AddLogMsg(strNotice, MSG_NOTICE);
     Data().pImage = std::move(pImage);
+    m_pUi->Lbl_RowReached->clear();
     DisplayImage(Data().pImage.get(), false);
     (void)FitToLength(Info(), *Data().pImage);
     ShowSizes();
@@ -191,9 +199,17 @@ void CDlgImageCarving::MarkRow(int iRow, const QColor& color)
 
 void CDlgImageCarving::FollowCarving()
 {
-    const quint16 iRow = Host().Machine().m_iCurCarvingRow;
-    if (iRow == m_iShownRow) return;
+    const AppControl& machine = Host().Machine();
+    const quint32 uPass = machine.m_uCurCarvingPass;
+    const quint16 iRow = machine.m_iCurCarvingRow;
+    if (uPass == 0 || (iRow == m_iShownRow && uPass == m_uShownPass)) return;
     m_iShownRow = iRow;
+    m_uShownPass = uPass;
+    QString strRow = QStringLiteral("Row %1").arg(iRow);
+    if (m_uPasses > 1) strRow += QStringLiteral(", pass %1 of %2").arg(uPass).arg(m_uPasses);
+    m_pUi->Lbl_RowReached->setText(strRow);
+    ShowNumber(m_pUi->Btn_ImgCarvingStep_X, X_STEP, machine.m_fXStepInForce);
+    ShowNumber(m_pUi->Btn_ImgCarvingStep_Y, Y_STEP, machine.m_fYStepInForce);
     DisplayImage(Data().pImage.get(), true);
 }
 
@@ -310,7 +326,11 @@ bool CDlgImageCarving::StartImgCarving()
     if (Host().Refused(Host().WhyNotFree()) || Host().Refused(Host().WhyNotHomed()) ||
         Host().Refused(WhyNotStarted(Data())))
         return false;
+    TellSteps();
     ResetUI(false);
+    m_uShownPass = 0;
+    m_uPasses = AppConfig::m_bMultipassImgCarving ? PassesOf(Info()) : 1;
+    m_pUi->Lbl_RowReached->clear();
     Data().ppRows.Free();
     Info().ppZMap.Free();
     if (Data().pImage->height() > TALL_IMAGE)
@@ -320,6 +340,12 @@ bool CDlgImageCarving::StartImgCarving()
     if (Host().Machine().StartImgCarving()) return true;
     ResetUI(true);   // refused; the worker has said why
     return false;
+}
+
+void CDlgImageCarving::TellSteps()
+{
+    const QString strNotice = NoticeOfSteps(Data(), AppConfig::m_bMultipassImgCarving);
+    if (!strNotice.isEmpty()) Host().AddLogMsg(strNotice, MSG_NOTICE);
 }
 
 static bool HasProgramEnding(const QString& strPath)
@@ -340,7 +366,9 @@ void CDlgImageCarving::on_Btn_GenerateGCode_clicked()
     if (strTyped.isEmpty()) return;
     const QString strPath = HasProgramEnding(strTyped) ? strTyped : strTyped + QStringLiteral(".txt");
     if (!MayReplace(this, strTyped, strPath)) return;
+    TellSteps();
     (void)Host().Machine().CreateGCodeFromImage(strPath);
+    ShowSizes();
     // Whatever came of it: wanted, a failure has its own line.
     Host().AddLogMsg(QStringLiteral("G-Code File Generated"), MSG_INFO);
 }

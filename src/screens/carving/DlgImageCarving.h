@@ -32,7 +32,7 @@ public:
     bool StartImgCarving();
     // With the start row marked, or in a job the row reached. The image stays the caller's, and is copied.
     void DisplayImage(QImage* pImage, bool bInJob);
-    // Called by the window's timer during a job: moves the mark where the row has changed.
+    // Called by the window's timer during a job: shows the row where it has changed.
     void FollowCarving();
 
     void reject() override {}   // Escape must not hide a screen
@@ -62,6 +62,7 @@ private:
     void ShowJob();
     void ShowSizes();
     void ShowMultipass();
+    void TellSteps();   // that are odd
     void LoadImageFrom(const QString& strPath);
     void AskSide(QPushButton* pButton, const stNumberField& field, double stImgCarvingInfo::*pSide,
                  bool (*fnFit)(stImgCarvingInfo&, const QImage&));
@@ -74,5 +75,6 @@ private:
     int m_iStripRow = 0;
     QString m_strFilter;       // the kind of picture chosen last
     quint16 m_iShownRow = 0;   // the last one of a job
+    quint32 m_uShownPass = 0, m_uPasses = 1;
     bool m_bEnableWanted = true;
 };

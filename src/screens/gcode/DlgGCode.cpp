@@ -69,8 +69,13 @@ void CdlgGCode::ConfigSettings()
     m_RunningLine = connect(
         &Host().Machine(), &AppControl::SelNxtGCodeLine, this, [this](unsigned uLine) { OnRunningLine(uLine); },
         Qt::DirectConnection);
-    m_pUi->Btn_UseZProfile->setStyleSheet(AppConfig::m_bUseZProfile ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
+    ShowUseOfZProfile();
     ShowStartLine();
+}
+
+void CdlgGCode::ShowUseOfZProfile()
+{
+    m_pUi->Btn_UseZProfile->setStyleSheet(AppConfig::m_bUseZProfile ? BTN_BKGND_GREEN : BTN_BKGND_GRAY);
 }
 
 void CdlgGCode::ResetUI(bool bEnable)
@@ -81,6 +86,7 @@ void CdlgGCode::ResetUI(bool bEnable)
     }
     for (QPushButton* pButton : findChildren<QPushButton*>()) pButton->setEnabled(bEnable);
     m_pUi->LW_GcodeCommands->setEnabled(bEnable);
+    ShowUseOfZProfile();
 }
 
 // ---- State ----------------------------------------------------------------------------------------------------------
@@ -567,6 +573,7 @@ void CdlgGCode::wheelEvent(QWheelEvent* pEvent)
 void CdlgGCode::showEvent(QShowEvent* pEvent)
 {
     QDialog::showEvent(pEvent);
+    ShowUseOfZProfile();   // it ends with the grid, on the screen of that
     if (m_bEditMode) Host().GrabKeyboard(false);
 }
 

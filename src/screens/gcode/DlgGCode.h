@@ -98,6 +98,8 @@ private:
     void ShowStartLine();
     void OnRunningLine(unsigned int uLine);   // any thread
 
+    void ShowUseOfZProfile();
+
     // ---- Run ----
     bool IsOrOpen(bool bStarted);   // what came of a start; the screen is open again where it was refused
     bool PauseOrResume();

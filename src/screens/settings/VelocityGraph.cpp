@@ -8,7 +8,9 @@
 
 static constexpr double AXIS_PEN = 2.0, GRID_PEN = 1.0;
 static constexpr int TEXT_SIZE = 14;
-static const QColor BACKGROUND(30, 30, 30), AXES(230, 230, 230), GRID(80, 80, 80), CURVE(0, 250, 0);
+static const QColor BACKGROUND(30, 30, 30), AXES(230, 230, 230), GRID(80, 80, 80), CURVE(0, 250, 0),
+    WARNING(255, 160, 60);
+static constexpr double SLOW_PULSE = 0.1;   // s, of the first one: from here on it is seen as a wait
 
 // A recorded speed lasts for one pulse or, where pulses are shorter than a sampling time, for as many as were put into
 // the table for it.
@@ -29,6 +31,11 @@ CVelocityGraph::CVelocityGraph(stCurve curve) : m_Curve(std::move(curve))
         m_fDistance += fPulses * m_Curve.fMovPerPulse;
     }
     if (!m_lstPoints.empty()) m_lstPoints.emplace_back(fTime, m_lstPoints.back().y());
+}
+
+double CVelocityGraph::FirstPulse() const
+{
+    return m_Curve.lstVel.empty() ? 0.0 : 1.0 / m_Curve.lstVel.front();
 }
 
 double CVelocityGraph::GridStep(double fSpan, int iParts)
@@ -135,5 +142,11 @@ QImage CVelocityGraph::Draw(QSize size, const QString& strNote) const
                      QStringLiteral("%1: %2 %3/s in %4 %5, %6 %3")
                          .arg(m_Curve.strName, Rounded(m_lstPoints.back().y()), m_Curve.strLength,
                               Rounded(bMilli ? fEnd * 1000.0 : fEnd), strUnit, Rounded(m_fDistance)));
+    const double fFirst = FirstPulse();
+    if (!(fFirst >= SLOW_PULSE)) return image;
+    painter.setPen(WARNING);
+    painter.drawText(
+        QRect(100, 20, size.width() - 110, 18), Qt::AlignRight | Qt::AlignVCenter,
+        QStringLiteral("Each move begins with a pulse of %1 s: see Sampling Time, Acc").arg(Rounded(fFirst)));
     return image;
 }

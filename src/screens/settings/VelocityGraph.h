@@ -20,6 +20,7 @@ public:
 
     // Seconds and mm/s (deg/s), from the start of the ramp to its end.
     const std::vector<QPointF>& Points() const { return m_lstPoints; }
+    double FirstPulse() const;                        // s, the slowest; 0: there is no curve
     double Distance() const { return m_fDistance; }   // of the ramp, mm or degrees
 
     // A step of 1, 2 or 5 times a power of ten that parts the span into at most iParts.

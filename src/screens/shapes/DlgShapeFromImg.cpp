@@ -1,6 +1,7 @@
 #include "screens/shapes/DlgShapeFromImg.h"
 
 #include "common/Paths.h"
+#include "common/PictureFile.h"
 #include "config/AppConfig.h"
 #include "screens/host/PressedBtn.h"
 #include "shapes/PictureTrace.h"
@@ -85,12 +86,18 @@ void CDlgShapeFromImg::on_Btn_LoadImage_clicked()
 void CDlgShapeFromImg::LoadImage(const QString& strPath)
 {
     m_Img.release();
+    QString strWhy = WhyNotWhole(strPath);
     try {
-        m_Img = cv::imread(strPath.toStdString(), cv::IMREAD_GRAYSCALE);
-    } catch (const cv::Exception&) {   // larger than it reads
-        m_Img.release();
+        if (strWhy.isEmpty()) m_Img = cv::imread(strPath.toStdString(), cv::IMREAD_GRAYSCALE);
+    } catch (const cv::Exception&) {   // what it throws is the size, before it reads the first line
+        strWhy = QStringLiteral("It is too large: tracing reads %1 rows and columns, %2 pixels, and no more than the "
+                                "memory of this computer holds")
+                     .arg(1 << 20)
+                     .arg(1 << 30);
     }
-    if (m_Img.empty()) return LogError(QStringLiteral("Unable to load the image\n") + strPath);
+    if (m_Img.empty())
+        return LogError(QStringLiteral("Unable to load the image\n") + strPath +
+                        (strWhy.isEmpty() ? strWhy : QLatin1Char('\n') + strWhy));
     if (m_Img.channels() > 1) LogError(QStringLiteral("Only Greyscale Images are allowed"));
     const QString strFile = strPath.mid(strPath.lastIndexOf(QLatin1Char('/')) + 1);
     m_strImgName = strFile.left(strFile.lastIndexOf(QLatin1Char('.')));

@@ -1,5 +1,6 @@
 #include "screens/shapes/DlgShapeSource.h"
 
+#include "common/PictureFile.h"
 #include "config/AppConfig.h"
 #include "widgets/ButtonStyle.h"
 
@@ -78,11 +79,16 @@ stFloatPoint DepthRange(double fDeepest)
 std::unique_ptr<QImage> LoadGuide(CScreenHost& host, const QString& strFile)
 {
     QImageReader reader(strFile);
+    reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();
     if (size.width() > LARGEST_GUIDE || size.height() > LARGEST_GUIDE)
         reader.setScaledSize(size.scaled(LARGEST_GUIDE, LARGEST_GUIDE, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    auto pImage = std::make_unique<QImage>(reader.read());
+    QString strWhy = WhyNotWhole(strFile);
+    auto pImage = std::make_unique<QImage>(strWhy.isEmpty() ? reader.read() : QImage());
     if (!pImage->isNull()) return pImage;
-    host.AddLogMsg(QStringLiteral("Unable to load the image\n") + strFile, MSG_ERROR);
+    if (strWhy.isEmpty()) strWhy = WhyTooLarge(strFile);
+    host.AddLogMsg(QStringLiteral("Unable to load the image\n") + strFile +
+                       (strWhy.isEmpty() ? strWhy : QLatin1Char('\n') + strWhy),
+                   MSG_ERROR);
     return nullptr;
 }

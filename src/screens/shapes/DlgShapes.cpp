@@ -353,6 +353,7 @@ void CDlgShapes::on_Lw_Shapes_itemDoubleClicked(QListWidgetItem*)
 {
     const int iRow = m_Rows.Current();
     if (iRow < 0 || IsEditing() || Host().Operation() != OP_NONE || Host().MachineParts().IsWorkerBusy()) return;
+    if (EllipseAt(static_cast<size_t>(iRow)))
         EditEllipse(static_cast<size_t>(iRow));
     else
         EditPolygon(static_cast<size_t>(iRow));

@@ -151,5 +151,6 @@ void CdlgJobSettings::LoadZProfileFrom()
         Host().AddLogMsg(QStringLiteral("Z-Profile loaded from\n") + strPath, MSG_INFO);
     else
         Host().AddLogMsg(QStringLiteral("File read error\n") + strPath, MSG_ERROR);
+    if (EndUseOfNoZProfile()) Host().AddLogMsg(Z_PROFILE_NOT_USED, MSG_NOTICE);
     ShowGrid();
 }

@@ -65,6 +65,23 @@ TEST_F(BenchPanel, ShowsCarriagesAndOutputs)
     SaveScreen(m_Panel, "bench-panel");
 }
 
+TEST(BenchPlaces, AreSideBySideAndNeverOverStop)
+{
+    const QSize panel(320, 800);
+    const auto Places = [&](int iWidth, int iHeight) {   // of a window that has been put in the middle
+        const QRect screen(0, 0, iWidth, iHeight);
+        return CBenchPanel::PlacesOn(screen, QRect((iWidth - 1250) / 2, (iHeight - 840) / 2, 1250, 840), panel);
+    };
+    for (const QSize& screen : {QSize(1920, 1080), QSize(1600, 900)}) {
+        const auto places = Places(screen.width(), screen.height());
+        EXPECT_GE(places.window.x(), 0);
+        EXPECT_GE(places.panel.x(), places.window.x() + 1250);
+        EXPECT_LE(places.panel.x() + panel.width(), screen.width());
+    }
+    EXPECT_EQ(Places(1366, 768).window, QPoint(0, 0));
+    EXPECT_EQ(Places(1366, 768).panel, QPoint(0, 0));
+}
+
 TEST(RunGuarded, TellsWhatWasThrownAndEndsWithoutAnErrorStatus)
 {
     bool bStopped = false;

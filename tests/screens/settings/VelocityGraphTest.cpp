@@ -18,4 +18,15 @@ TEST(VelocityGraph, ASpeedLastsAsLongAsItsPulsesInTheTable)
     EXPECT_EQ(points[3].y(), points[2].y());
     EXPECT_NEAR(graph.Distance(), 11 * 0.01, 1e-12);
 }
+
+TEST(VelocityGraph, AFirstPulseThatIsSeenAsAWaitIsTold)
+{
+    for (const double fFirst : {50.0, 0.1}) {
+        const QImage image = CVelocityGraph({{fFirst, 1000.0}, 0.01, 10'000.0, "X", "mm"}).Draw({600, 300}, {});
+        bool bTold = false;
+        for (int x = 0; x < image.width(); ++x)
+            for (int y = 0; y < 40; ++y) bTold |= image.pixelColor(x, y) == QColor(255, 160, 60);
+        EXPECT_EQ(bTold, fFirst < 1.0);
+    }
+}
 }   // namespace

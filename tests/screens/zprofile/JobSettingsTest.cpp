@@ -58,8 +58,9 @@ TEST_F(JobSettings, LoadsAGridAndTellsWhichOneIsInForce)
     Do("Load", QMessageBox::Yes, File(""));   // cancelled
     EXPECT_EQ(Grid().size(), 2u);
     WriteAll(Path("empty.txt"), "");
+    AppConfig::m_bUseZProfile = true;
     Do("Load", QMessageBox::Yes, File("empty.txt"));
-    EXPECT_EQ(Log(), "File read error\n" + Path("empty.txt"));
+    EXPECT_EQ(Log(), "File read error\n" + Path("empty.txt") + "|Use Z Profile is off: there is no Z-Profile");
     EXPECT_EQ(Shown(), "0|0|-|-|-|No");   // wanted: the old grid is gone
 }
 
