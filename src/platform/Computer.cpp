@@ -28,6 +28,7 @@ void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask
     CPU_ZERO(&mask);
     (void)sched_getaffinity(0, sizeof mask, &mask);
     if (CPU_COUNT(&mask) > 1) CPU_CLR(static_cast<size_t>(PULSE_CORE), &mask);
+    static constexpr int STEPS_BACK = 5;   // of niceness: a third of the share of a thread without it
     std::atomic<size_t> uNext = 0;
     std::exception_ptr pThrown;
     std::mutex mutex;
@@ -44,8 +45,9 @@ void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask
     for (size_t n = std::min(uCount, static_cast<size_t>(std::max(CPU_COUNT(&mask), 1))); n > 0; --n) {
         threads.emplace_back(QThread::create([&] {
             (void)sched_setaffinity(0, sizeof mask, &mask);
-            const sched_param none{};   // an axis that moves by itself has no core of its own: nothing here delays it
-            (void)sched_setscheduler(0, SCHED_IDLE, &none);
+            // An axis that moves by itself has no core of its own, and goes ahead. Not SCHED_IDLE: on a busy computer a
+            // load would not end.
+            (void)setpriority(PRIO_PROCESS, 0, getpriority(PRIO_PROCESS, 0) + STEPS_BACK);   // this thread alone
             Work();
         }));
         threads.back()->setStackSize(THREAD_STACK);

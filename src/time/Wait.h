@@ -2,6 +2,7 @@
 #include "time/VirtualTime.h"
 
 #include <QThread>
+
 #include <functional>
 
 // Every wait outside the pulse loops. On the real clock it sleeps or spins; in a dry run virtual time moves instead.

@@ -72,7 +72,8 @@ TEST_F(WindowButtons, ClearAndSaveTheLog)
     };
     EXPECT_EQ(Save("log"), "Log saved: " + m_Home.filePath("log.txt"));
     EXPECT_TRUE(QRegularExpression("^\\[[\\d:]{8}\\]two\nlines\n\\[[\\d:]{8}\\]older\n$")
-                    .match(ReadAll(m_Home.filePath("log.txt")))
+                    .match(QString::fromUtf8(ReadAll(m_Home.filePath("log.txt")))
+                               .remove(QRegularExpression("\\[[\\d:]{8}\\]Supervision was late.*\n")))
                     .hasMatch());
     EXPECT_EQ(Save("missing/x"), "Log not saved, file not writable: " + m_Home.filePath("missing/x.txt"));
     {

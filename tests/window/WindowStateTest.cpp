@@ -308,7 +308,7 @@ TEST_F(Window_, HomesAtStartUpAndRoundsTheOverride)
         Open();
         EXPECT_TRUE(damaged.Text().contains("is damaged") && Logged(damaged.Text()));
     }
-    EXPECT_TRUE(Logged("Homing at start not begun: check all settings first"));
+    ExpectLogged("Homing at start not begun: check all settings first");
     Close();
     AppConfig::m_bHomeSensorsUsed = AppConfig::m_bAutoHmOnStartup = true;
     AppConfig::SaveConfig(CONFIG_FILE);
