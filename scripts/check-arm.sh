@@ -9,7 +9,7 @@
 #   --jobs N       that many compilers and tests at a time; otherwise one for each core
 #   --also FOLDER  runs on the files of FOLDER too, as compare-runs does
 #   --only WORD    only the runs whose name holds WORD, as compare-runs does
-# Wants 300 MB from the network, 3 GB of disk, an hour on two cores. Exit status: 0 all the same, 1 a test failed or
+# Wants 300 MB from the network, 3 GB of disk, an hour or more on two cores. Exit status: 0 all the same, 1 a test failed or
 # something differs, 2 it could not be tried.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -206,7 +206,7 @@ mkdir -p "$work/tests"
 sed 's/\( TIMEOUT [0-9]*\)/\10/' "$build/tests/"{core,e2e}_tests*_tests.cmake >"$work/tests/CTestTestfile.cmake"
 tests=0
 ctest --test-dir "$work/tests" --parallel "$jobs" --output-on-failure --no-tests=error >"$work/tests.log" 2>&1 || tests=1
-grep -E '^ *[0-9]+ - |tests passed|Total Test time' "$work/tests.log" || true
+grep -E '^[[:space:]]*[0-9]+ - |tests passed|Total Test time' "$work/tests.log" || true
 [ $tests -eq 0 ] || echo "output of the failed tests: $work/tests.log"
 
 begin "runs, compared with this computer's own"
