@@ -12,6 +12,8 @@
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 void BindThreadToCore(int iCore)
@@ -41,19 +43,21 @@ void ForEachOnFreeCores(size_t uCount, const std::function<void(size_t)>& fnTask
             pThrown = std::current_exception();
         }
     };
-    std::vector<std::unique_ptr<QThread>> threads;
-    for (size_t n = std::min(uCount, static_cast<size_t>(std::max(CPU_COUNT(&mask), 1))); n > 0; --n) {
-        threads.emplace_back(QThread::create([&] {
-            (void)sched_setaffinity(0, sizeof mask, &mask);
-            // An axis that moves by itself has no core of its own, and goes ahead. Not SCHED_IDLE: on a busy computer a
-            // load would not end.
-            (void)setpriority(PRIO_PROCESS, 0, getpriority(PRIO_PROCESS, 0) + STEPS_BACK);   // this thread alone
-            Work();
-        }));
-        threads.back()->setStackSize(THREAD_STACK);
-        threads.back()->start();
+    const auto WorkBehind = [&] {
+        (void)sched_setaffinity(0, sizeof mask, &mask);
+        // An axis that moves by itself has no core of its own, and goes ahead. Not SCHED_IDLE: on a busy computer a
+        // load would not end.
+        (void)setpriority(PRIO_PROCESS, 0, getpriority(PRIO_PROCESS, 0) + STEPS_BACK);   // this thread alone
+        Work();
+    };
+    std::vector<std::thread> threads;
+    threads.reserve(std::min(uCount, static_cast<size_t>(std::max(CPU_COUNT(&mask), 1))));
+    try {
+        while (threads.size() < threads.capacity()) threads.emplace_back(WorkBehind);
+    } catch (const std::system_error&) {
+        // Those that could be had do it, or the caller.
     }
-    for (const auto& pThread : threads) pThread->wait();
+    for (std::thread& thread : threads) thread.join();
     Work();   // what is left where no thread could be had
     if (pThrown) std::rethrow_exception(pThrown);
 }
