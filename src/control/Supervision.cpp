@@ -116,7 +116,7 @@ stOperationEnd CSupervision::EndOperation()
     if (IsJob(end.iOperation)) {
         end.bSpindleOff = !AppConfig::m_bSimulationMode && AppConfig::m_bAutoSpindleOff;
         if (end.bSpindleOff) m_Machine.TurnOnOffSpindle(false, DIR_CW);
-        m_Machine.m_AxisCommands.ResetAccVel(true);   // five long ramps take half a second
+        m_Machine.m_AxisCommands.ResetAccVel(m_bInterface);   // five long ramps take half a second
     }
     m_Machine.TakeNoteOfEnd();
     (void)m_Machine.TakeFinished();   // the worker may have raised it just before it was stopped

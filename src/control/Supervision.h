@@ -41,7 +41,8 @@ enum eStartInput
 class CSupervision
 {
 public:
-    explicit CSupervision(AppControl& machine) : m_Machine(machine) {}
+    // bInterface: it is called where an operator's touches wait, so that what takes long goes to the pool.
+    explicit CSupervision(AppControl& machine, bool bInterface = true) : m_Machine(machine), m_bInterface(bInterface) {}
 
     // ---- The steps of a tick ----
     // To its pin, where it has changed.
@@ -90,6 +91,7 @@ private:
     QString EndMessage(qint32 iOperation) const;
 
     AppControl& m_Machine;
+    const bool m_bInterface;
     quint16 m_iLastPwmFreq = 0;                                // last given to the pin
     quint16 m_iPrevEStopInput = 0, m_iPrevPgmStartInput = 0;   // last seen levels
     bool m_bStoppedForGood = false;

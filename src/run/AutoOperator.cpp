@@ -17,7 +17,7 @@ static qint64 Ns(double fSeconds)
 }
 
 CAutoOperator::CAutoOperator(AppControl& app, CHeadlessScreen& screen, const stRunOptions& options)
-    : m_App(app), m_Supervision(app), m_Screen(screen), m_Options(options), m_lstInputs(options.lstInputs)
+    : m_App(app), m_Supervision(app, false), m_Screen(screen), m_Options(options), m_lstInputs(options.lstInputs)
 {
     std::stable_sort(m_lstInputs.begin(), m_lstInputs.end(),
                      [](const stTimedInput& a, const stTimedInput& b) { return a.fSeconds < b.fSeconds; });
