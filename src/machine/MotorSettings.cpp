@@ -63,13 +63,16 @@ QString CMotorSettings::Rebuild(eAxis axis)
 // ramp.
 void CMotorSettings::ReserveRamps()
 {
+    // 1.5 MHz at 600 mm/s^2: 64 MB an axis. Locked memory beyond that is missed elsewhere on a Pi of 1 GB; a longer
+    // ramp fetches the rest when it is built.
+    static constexpr size_t MOST_TOUCHED = 2'000'000;
     const int iAxes = CMachineAxes::AxesInUse();
     for (int axis = 0; axis < iAxes; ++axis) {
         size_t uMost = 0;
         for (int main = 0; main < iAxes; ++main)
             uMost = std::max(
                 uMost, MostRampEntries(stRampSettings::OfAxis(axis), A::m_fMaxAxisFeed[main], A::m_fAxisAcc[main]));
-        m_Machine.m_AxisCtrl[axis].ReserveRamp(uMost);
+        m_Machine.m_AxisCtrl[axis].ReserveRamp(std::min(uMost, MOST_TOUCHED));
     }
 }
 

@@ -324,8 +324,8 @@ void AxisCtrl::ReserveRamp(size_t uEntries)
     try {
         for (size_t t = 0; t < 2; ++t)
             for (std::vector<double>* pTimes : {&m_lstHighTime[t], &m_lstLowTime[t]}) {
+                if (pTimes->capacity() >= uEntries) continue;   // touched before
                 const size_t uSize = pTimes->size();
-                if (uSize >= uEntries) continue;
                 pTimes->resize(uEntries);   // written to: reserve alone would leave the pages to the build
                 pTimes->resize(uSize);
             }

@@ -338,6 +338,8 @@ TEST_F(WindowRun, APausedOperationIsResumedFromTheSettings)
     EXPECT_TRUE(WaitFor([&] { return AllStands(); }));
     TouchButton("Btn_GCode");
     Window().on_Btn_UserSettings_clicked();
+    TouchButton("Btn_SaveSettings");
+    EXPECT_TRUE(Logged("Settings saved"));
     Touch(Round("m_BtnStart"));
     EXPECT_FALSE(Machine().m_bPause);
     ExpectLogged("G-Code execution finished");
