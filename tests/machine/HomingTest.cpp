@@ -2,6 +2,7 @@
 #include "common/Refusals.h"
 #include "common/UnitConverter.h"
 #include "machine/WorkerFixture.h"
+#include "motion/MotionObserver.h"
 
 #include <QFile>
 
@@ -171,6 +172,28 @@ TEST_F(Homing, AStopLeavesTheMachineNotHomed)
         EXPECT_TRUE(NoneHoming() && m_App.IsMachineIdle()) << fAt;
         EXPECT_EQ(m_App.TakeErrors(), QStringList());
     }
+}
+
+// Gives the job up just ahead of a first pulse: behind all questions, and where no StopAll sees the axis yet.
+class CGiveUp : public CMotionObserver
+{
+public:
+    explicit CGiveUp(AppControl& app) : m_App(app) { Set(this); }
+    ~CGiveUp() override { Set(nullptr); }
+    void OnAxisMove(int) override { m_App.Abandon(); }
+    void OnCoordinatedMove() override {}
+    void OnMoveEnd(int) override {}
+
+private:
+    AppControl& m_App;
+};
+TEST_F(Homing, AnAxisThatBeganBehindAGiveUpStopsAgain)
+{
+    AppConfig::m_bHomeSensorsUsed = false;
+    BuildAtSensors();
+    const CGiveUp giveUp(m_App);
+    EXPECT_FALSE(m_App.m_AxisCommands.EngMoveAxisAbs(X_AXIS, 5.0, false));
+    EXPECT_FALSE(m_App.m_AxisCtrl[X_AXIS].GetAxisState());
 }
 
 struct stHeld

@@ -72,6 +72,14 @@ TEST_F(ThreadsJogPanel, AJogEndsWhenItIsNoLongerHeld)
     Open();
     QPushButton& button = Child(m_Panel, "Btn_JogEast");
     const QPoint middle = button.rect().center();
+    // Its axis may be an operation's by then, where the jog has met its limit.
+    TouchDown(button, middle);
+    ASSERT_TRUE(WaitFor([&] { return Moving(); }));
+    m_Host.m_Machine.m_eOperation = OP_MCH_HOME;
+    TouchUp(button, middle);
+    EXPECT_FALSE(Axis(X_AXIS).m_bDecelerate);
+    m_Host.m_Machine.m_eOperation = OP_NONE;
+    Axis(X_AXIS).Stop();
     QDialog box(&m_Host);
     box.setModal(true);
     QWidget other;
