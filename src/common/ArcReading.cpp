@@ -16,6 +16,11 @@ bool Below(double fFirst, double fSecond, const stArcRule& rule)
     return std::abs(fFirst) < rule.fFirstPulse && std::abs(fSecond) < rule.fSecondPulse;
 }
 
+double Length(double fFirst, double fSecond)
+{
+    return std::sqrt(fFirst * fFirst + fSecond * fSecond);
+}
+
 // ---- Is it what is meant? -------------------------------------------------------------------------------------------
 
 enum eFate
@@ -58,7 +63,7 @@ eFate FateFrom(const stArcPoint& start, const stWrittenArc& arc, const stArcRule
     double fSweep = 0.0, fBeside = 0.0;
     stArcPoint from = start;
     for (const stArcPoint& point : points) {
-        const double fFar = std::hypot(point.fFirst - shape.center.fFirst, point.fSecond - shape.center.fSecond);
+        const double fFar = Length(point.fFirst - shape.center.fFirst, point.fSecond - shape.center.fSecond);
         fBeside = std::max(fBeside, std::abs(fFar - shape.fRadius));
         fSweep += AngleOf(from, point, shape.center, arc.eDir);
         from = point;
@@ -92,9 +97,8 @@ bool CompleteArc(stArcShape& arc, const stArcRule& rule)
         arc.bFullCircle = true;
     }
     if (arc.fRadius < rule.fFirstPulse) {
-        const double p = CUnitConverter::Distance(arc.start.fFirst, arc.center.fFirst);
-        const double q = CUnitConverter::Distance(arc.start.fSecond, arc.center.fSecond);
-        arc.fRadius = std::sqrt(p * p + q * q);
+        arc.fRadius = Length(CUnitConverter::Distance(arc.start.fFirst, arc.center.fFirst),
+                             CUnitConverter::Distance(arc.start.fSecond, arc.center.fSecond));
     }
     return true;
 }
@@ -136,7 +140,7 @@ void CArcCheck::Check(const QString& strWhose, qint64 lLine, const stWrittenArc&
     }
     const QString strFate = WhatBecomesOf(arc, m_Rule, m_Rule.fStep + m_Rule.fFirstPulse + m_Rule.fSecondPulse);
     const double fTurned =
-        std::hypot(arc.offset.fFirst, arc.offset.fSecond) * (strFate.isEmpty() ? arc.fSweep : WHOLE_TURN);
+        Length(arc.offset.fFirst, arc.offset.fSecond) * (strFate.isEmpty() ? arc.fSweep : WHOLE_TURN);
     m_fWalked += std::min(fTurned / m_Rule.fStep, static_cast<double>(MAX_ARC_POINTS));
     if (strFate.isEmpty() || strWhose + strFate == m_strLastTold) return;
     m_strLastTold = strWhose + strFate;
